@@ -1,0 +1,36 @@
+# How our own targets are compiled. Nothing here reaches whoever consumes the library.
+
+option(CONNECTOR_WARNINGS_AS_ERRORS "Treat warnings in our own code as errors" OFF)
+set(CONNECTOR_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
+
+if(PROJECT_IS_TOP_LEVEL)
+    if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+        set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+    endif()
+    find_program(CCACHE_PROGRAM ccache)
+    mark_as_advanced(CCACHE_PROGRAM)
+    if(CCACHE_PROGRAM AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
+        set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+    endif()
+    set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+endif()
+
+# A sanitizer must see everything that is linked together, so it is no property of one target.
+if(CONNECTOR_SANITIZE)
+    add_compile_options(-fsanitize=${CONNECTOR_SANITIZE} -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${CONNECTOR_SANITIZE})
+endif()
+
+# connector_own_target(TARGET): the settings that every target of ours shares.
+function(connector_own_target target)
+    target_compile_features(${target} PUBLIC cxx_std_17)
+    set_target_properties(${target} PROPERTIES
+        CXX_EXTENSIONS OFF
+        CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
+    if(CONNECTOR_WARNINGS_AS_ERRORS)
+        target_compile_options(${target} PRIVATE -Werror)
+    endif()
+endfunction()

@@ -1,0 +1,117 @@
+/// The handle through which a result is read, and the factories of results that are known already.
+#pragma once
+
+#include <connector/async/SharedFutureState.hpp>
+
+#include <atomic>
+#include <exception>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace connector {
+
+/// A handle on a result of type T that is there already or will be. Handles are moved, not copied.
+/// A handle may be used from any thread; two threads must not move the same handle at once.
+template <typename T>
+class CONNECTOR_EXPORT Future {
+public:
+    /// A future of nothing: not valid.
+    Future() = default;
+
+    /// A future on `newState`; valid exactly when that is not null.
+    explicit Future(std::shared_ptr<detail::SharedFutureState<T>> newState)
+        : state(std::move(newState)), isValid(state != nullptr) {}
+
+    Future(Future&& other) noexcept
+        : state(std::move(other.state)), isValid(other.isValid.exchange(false)) {}
+
+    Future& operator=(Future&& other) noexcept {
+        if (this != &other) {
+            state = std::move(other.state);
+            isValid = other.isValid.exchange(false);
+        }
+        return *this;
+    }
+
+    ~Future() { isValid = false; }
+
+    /// Waits for the result, without a time limit, and takes it. The handle stays valid, but there
+    /// is nothing left to take: see detail::SharedFutureState::get for every outcome.
+    /// @throws std::runtime_error "Future state isn't valid!" when the handle was default-made,
+    ///         moved from or made from a null state
+    T get() { return keepState()->get(); }
+
+    /// @return whether the handle refers to a result
+    bool valid() const { return isValid; }
+
+    /// Runs `callable` with a valid future on the result, once it is there: on the thread that
+    /// resolves it, or here and now when it is resolved already. Afterwards the result is the
+    /// callable's to take; get on this handle throws. See detail::SharedFutureState::setContinuation
+    /// for the failures; without a state, std::runtime_error "Future state isn't valid!".
+    /// @param callable  called once with Future<T>&; what it throws goes to whoever resolves
+    template <typename Callable>
+    void then(Callable&& callable);
+
+private:
+    // The copy keeps the state alive during the call, whatever happens to this handle.
+    std::shared_ptr<detail::SharedFutureState<T>> keepState() const {
+        if (!isValid)
+            throw std::runtime_error(detail::errors::futureNotValid);
+        return state;
+    }
+
+    std::shared_ptr<detail::SharedFutureState<T>> state;
+    std::atomic<bool> isValid{false};
+};
+
+namespace detail {
+
+template <typename T, typename Callable>
+class CallableContinuation final : public FutureContinuation<T> {
+public:
+    template <typename Source>
+    explicit CallableContinuation(Source&& source) : callable(std::forward<Source>(source)) {}
+
+    void invoke(Future<T>& future) override { callable(future); }
+
+private:
+    Callable callable;
+};
+
+} // namespace detail
+
+template <typename T>
+template <typename Callable>
+void Future<T>::then(Callable&& callable) {
+    using Continuation = detail::CallableContinuation<T, std::decay_t<Callable>>;
+    keepState()->setContinuation(std::make_unique<Continuation>(std::forward<Callable>(callable)));
+}
+
+/// @return a future that is resolved with `value` already
+template <typename T>
+Future<T> makeReadyFuture(T value) {
+    auto state = std::make_shared<detail::SharedFutureState<T>>();
+    state->setValue(std::move(value));
+    return Future<T>(std::move(state));
+}
+
+/// @return a future that has failed with a copy of `exception` already: get throws it, with the type
+///         that it has here
+template <typename T, typename Exception>
+Future<T> makeFailedFuture(const Exception& exception) {
+    auto state = std::make_shared<detail::SharedFutureState<T>>();
+    state->setException(std::make_exception_ptr(exception));
+    return Future<T>(std::move(state));
+}
+
+// Instantiated in the library. The types of the core join where they are declared.
+extern template class detail::SharedFutureState<bool>;
+extern template class Future<bool>;
+extern template class detail::SharedFutureState<std::set<std::string>>;
+extern template class Future<std::set<std::string>>;
+
+} // namespace connector

@@ -1,0 +1,129 @@
+/// The configuration: a registry of sources, the lookups that walk it, and the streams that follow
+/// options.
+///
+/// The rules of precedence stand in three places: addSource keeps `sources` in the order of
+/// consultation, ConfigurationSourceMap::serves is the rule of groups, and the walks of
+/// ConfigurationImplLookup.cpp stop at the first record that answers.
+///
+/// Threads and locks. Every operation but addEnvironmentSource and getPtr takes `mutex`. Lock order:
+/// `mutex` first, then the mutex of a publisher or of a future's state, never the other way round
+/// while one is held. The mutex is recursive because a source calls its watcher from inside its set,
+/// which runs under the mutex, and the watcher takes it again.
+#pragma once
+
+#include <connector/configuration/Configuration.hpp>
+#include <connector/configuration/SourceAnswer.hpp>
+#include <connector/configuration/detail/OptionStreams.hpp>
+#include <connector/configuration/sources/ConfigurationSource.hpp>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace connector::configuration {
+
+/// Owned by a std::shared_ptr; one that stands on the stack works, too, but watchOption and getPtr
+/// throw std::bad_weak_ptr then.
+class CONNECTOR_EXPORT ConfigurationImpl : public Configuration,
+                                           public std::enable_shared_from_this<Configuration> {
+public:
+    using OptionPublisher = detail::OptionPublisher;
+
+    /// Registers the built-in sources, both writable tables in memory without a group: "override",
+    /// with order 0, and "default", with order 2147483647.
+    ConfigurationImpl();
+
+    /// Takes the mutex and the watchers away from the registered sources, in their order. Sources
+    /// removed before keep theirs: see removeSource.
+    ~ConfigurationImpl() override;
+
+    ConfigurationImpl(const ConfigurationImpl&) = delete;
+    ConfigurationImpl& operator=(const ConfigurationImpl&) = delete;
+
+    Future<OptionValue> get(const std::string& key) override;
+    Future<Option> getOption(const std::string& key) override;
+    Future<OptionValue> set(const std::string& key, OptionValue value) override;
+    Future<OptionValue> set(const std::string& key, OptionValue value,
+                            const std::string& source) override;
+    Future<bool> has(const std::string& key) override;
+    Future<std::set<std::string>> keys() override;
+    std::shared_ptr<OptionPublisher> watchOption(const std::string& key) override;
+    Future<bool> addPropertyFileSource(const std::string& name, const std::string& group, int order,
+                                       bool readOnly, const std::u16string& path) override;
+    Future<bool> addInMemorySource(const std::string& name, const std::string& group, int order,
+                                   bool readOnly,
+                                   std::unordered_map<std::string, OptionValue>&& values) override;
+    Future<bool> addEnvironmentSource(const std::string& name, const std::string& group,
+                                      int order) override;
+    Future<bool> removeSource(const std::string& name) override;
+    std::shared_ptr<Configuration> getPtr() override;
+
+    /// Registers any source; addPropertyFileSource and addInMemorySource end here. Watchers of the
+    /// source's keys get their effective value again, even where another source supplies it. From
+    /// now on every change that the source reports is told to the watchers.
+    /// @return true; or std::invalid_argument
+    ///         "Source with the requested name already exists: " + name
+    /// @throws std::bad_typeid when the source is null; nothing is registered then
+    /// @throws what the source's keys, has, get and setWatcher throw; the source stays registered
+    Future<bool> addSource(const std::string& name, const std::string& group, int order,
+                           bool readOnly, std::shared_ptr<ConfigurationSource> source);
+
+    /// Asks every source about a key, in the order of consultation, those included whose group does
+    /// not fit. The first answer with a value is the effective one.
+    std::vector<SourceAnswer> explain(const std::string& key);
+
+    /// Forgets the stream with that id. The publisher lives on while somebody else holds it. An
+    /// unknown id is ignored.
+    void removeStream(std::uint64_t id);
+
+private:
+    using Lock = std::unique_lock<std::recursive_mutex>;
+
+    /// A registered source.
+    struct ConfigurationSourceMap {
+        ConfigurationSourceMap(const std::string& newName, const std::string& newGroup,
+                               int newOrder, bool newReadOnly,
+                               std::shared_ptr<ConfigurationSource> newSource);
+
+        /// @return whether the source is asked about the key at all: its keys begin with the group
+        bool serves(const std::string& key) const { return key.compare(0, group.size(), group) == 0; }
+
+        /// @return the key as the source knows it. REQUIRES: serves(key)
+        std::string localKey(const std::string& key) const { return key.substr(group.size()); }
+
+        std::string name;  // unique
+        std::string group; // empty, or ending in "."
+        int order;         // smaller is consulted first
+        bool readOnly;     // set never writes here
+        std::shared_ptr<ConfigurationSource> source;
+    };
+
+    // The lock argument of these is the proof that the caller holds `mutex`.
+    bool doHas(Lock& lock, const std::string& key);
+    OptionValue doGet(Lock& lock, const std::string& key);
+    Option doGetOption(Lock& lock, const std::string& key);
+    const ConfigurationSourceMap* findSupplier(const std::string& key);
+
+    static Future<OptionValue> write(const ConfigurationSourceMap& target, const std::string& key,
+                                     OptionValue&& value);
+
+    /// Offers the key's effective value, if it has one, to its streams. Releases the lock meanwhile,
+    /// so that subscribers may call back. REQUIRES: lock held, on entry and on return.
+    void updatePublishers(Lock& lock, const std::string& key);
+
+    std::vector<ConfigurationSourceMap>::iterator findSource(const std::string& name);
+
+    std::recursive_mutex mutex; // guards everything below; see the lock order above
+    std::atomic<std::uint64_t> nextStreamId{0}; // advanced under the mutex only
+    [[maybe_unused]] bool reserved = false; // keeps the object's shape; has no meaning
+    std::vector<ConfigurationSourceMap> sources; // in the order of consultation
+    detail::OptionStreams streams;               // destroyed before the sources
+};
+
+} // namespace connector::configuration

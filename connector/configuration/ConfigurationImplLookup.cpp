@@ -1,0 +1,127 @@
+/// Reading and writing options: the walks over the registry.
+#include <connector/configuration/ConfigurationImpl.hpp>
+
+#include <connector/configuration/detail/CoreDiagnostics.hpp>
+#include <connector/configuration/detail/Errors.hpp>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace connector::configuration {
+
+using detail::logCore;
+
+/// @return the first record that serves the key and whose source has it; null if there is none
+const ConfigurationImpl::ConfigurationSourceMap*
+ConfigurationImpl::findSupplier(const std::string& key) {
+    for (const ConfigurationSourceMap& record : sources) {
+        if (record.serves(key) && record.source->has(record.localKey(key)))
+            return &record;
+    }
+    return nullptr;
+}
+
+bool ConfigurationImpl::doHas(Lock&, const std::string& key) {
+    return findSupplier(key) != nullptr;
+}
+
+OptionValue ConfigurationImpl::doGet(Lock&, const std::string& key) {
+    const ConfigurationSourceMap* const supplier = findSupplier(key);
+    if (supplier == nullptr)
+        throw std::runtime_error(detail::errors::noValueForKey + key);
+    logCore("get: ", key, " from ", supplier->name);
+    return supplier->source->get(supplier->localKey(key));
+}
+
+Option ConfigurationImpl::doGetOption(Lock&, const std::string& key) {
+    const ConfigurationSourceMap* const supplier = findSupplier(key);
+    if (supplier == nullptr)
+        throw std::runtime_error(detail::errors::noOptionForKey + key);
+    logCore("get option: ", key, " from ", supplier->name);
+    return Option{key, supplier->name, supplier->source->get(supplier->localKey(key))};
+}
+
+// get and getOption ask twice, has first and then for the value. A source that changes its mind in
+// between makes the second question throw, with a text of its own: that is no missing option.
+
+Future<OptionValue> ConfigurationImpl::get(const std::string& key) {
+    Lock lock(mutex);
+    if (!doHas(lock, key))
+        return makeFailedFuture<OptionValue>(
+            std::runtime_error(detail::errors::noSuchOption + key));
+    return makeReadyFuture(doGet(lock, key));
+}
+
+Future<Option> ConfigurationImpl::getOption(const std::string& key) {
+    Lock lock(mutex);
+    if (!doHas(lock, key))
+        return makeFailedFuture<Option>(std::runtime_error(detail::errors::noSuchOption + key));
+    return makeReadyFuture(doGetOption(lock, key));
+}
+
+Future<bool> ConfigurationImpl::has(const std::string& key) {
+    Lock lock(mutex);
+    return makeReadyFuture(doHas(lock, key));
+}
+
+Future<std::set<std::string>> ConfigurationImpl::keys() {
+    const Lock lock(mutex);
+    std::set<std::string> keys;
+    for (const ConfigurationSourceMap& record : sources) {
+        for (const std::string& key : record.source->keys())
+            keys.insert(record.group + key);
+    }
+    return makeReadyFuture(std::move(keys));
+}
+
+// Where a write goes does not depend on who has the key: the first writable source whose group fits
+// takes it, even when a read-only one before it keeps supplying the value.
+
+Future<OptionValue> ConfigurationImpl::set(const std::string& key, OptionValue value) {
+    logCore("set: ", key);
+    const Lock lock(mutex);
+    const auto target = std::find_if(
+        sources.begin(), sources.end(), [&key](const ConfigurationSourceMap& record) {
+            return !record.readOnly && record.serves(key);
+        });
+    if (target == sources.end())
+        return makeFailedFuture<OptionValue>(
+            std::runtime_error(detail::errors::noWritableSource + key));
+    return write(*target, key, std::move(value));
+}
+
+Future<OptionValue> ConfigurationImpl::set(const std::string& key, OptionValue value,
+                                           const std::string& source) {
+    logCore("set: ", key, ", ", source);
+    const Lock lock(mutex);
+    const auto target = findSource(source);
+    if (target == sources.end() || target->readOnly || !target->serves(key))
+        return makeFailedFuture<OptionValue>(
+            std::runtime_error(detail::errors::sourceNotWritable + key + ", " + source));
+    return write(*target, key, std::move(value));
+}
+
+Future<OptionValue> ConfigurationImpl::write(const ConfigurationSourceMap& target,
+                                             const std::string& key, OptionValue&& value) {
+    logCore("set: ", key, "@", target.name);
+    // A watcher that runs inside the source's set may remove the source; it stays until set is over.
+    const std::shared_ptr<ConfigurationSource> source = target.source;
+    return makeReadyFuture(source->set(target.localKey(key), std::move(value)));
+}
+
+std::vector<SourceAnswer> ConfigurationImpl::explain(const std::string& key) {
+    const Lock lock(mutex);
+    std::vector<SourceAnswer> answers;
+    answers.reserve(sources.size());
+    for (const ConfigurationSourceMap& record : sources) {
+        SourceAnswer answer{record.name,     record.group,       record.order,
+                            record.readOnly, record.serves(key), std::nullopt};
+        if (answer.servesKey && record.source->has(record.localKey(key)))
+            answer.value = record.source->get(record.localKey(key));
+        answers.push_back(std::move(answer));
+    }
+    return answers;
+}
+
+} // namespace connector::configuration

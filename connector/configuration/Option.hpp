@@ -1,0 +1,16 @@
+/// A value together with who says so.
+#pragma once
+
+#include <connector/configuration/OptionValue.hpp>
+
+#include <string>
+
+namespace connector::configuration {
+
+struct Option {
+    std::string key;    ///< as the caller asked for it, with the source's group in front
+    std::string source; ///< the registered name of the source that supplies the value
+    OptionValue value;  ///< what that source holds
+};
+
+} // namespace connector::configuration

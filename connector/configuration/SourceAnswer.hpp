@@ -1,0 +1,20 @@
+/// What one source says when it is asked about a key.
+#pragma once
+
+#include <connector/configuration/OptionValue.hpp>
+
+#include <optional>
+#include <string>
+
+namespace connector::configuration {
+
+struct SourceAnswer {
+    std::string name;  ///< under which the source is registered
+    std::string group; ///< normalised: empty, or ending in "."
+    int order;         ///< smaller is consulted first
+    bool readOnly;     ///< whether set passes the source by
+    bool servesKey;    ///< whether the key begins with the group, so that the source is asked at all
+    std::optional<OptionValue> value; ///< what the source holds for the key, if it has it
+};
+
+} // namespace connector::configuration

@@ -1,0 +1,51 @@
+#include <connector/configuration/detail/OptionStreams.hpp>
+
+#include <algorithm>
+#include <utility>
+
+namespace connector::configuration::detail {
+
+OptionStreams::~OptionStreams() {
+    watchersByKey.clear(); // `streams` holds every publisher, too, so none goes yet
+    while (!streams.empty())
+        streams.erase(streams.begin());
+}
+
+void OptionStreams::add(std::uint64_t id, const std::string& key, Publisher publisher) {
+    const auto stream = streams.emplace_hint(streams.end(), id, Stream{key, publisher});
+    try {
+        watchersByKey[key].push_back({id, std::move(publisher)});
+    } catch (...) {
+        streams.erase(stream);
+        throw;
+    }
+}
+
+OptionStreams::Publisher OptionStreams::remove(std::uint64_t id) {
+    const auto stream = streams.find(id);
+    if (stream == streams.end())
+        return nullptr;
+    const auto ofKey = watchersByKey.find(stream->second.key);
+    std::vector<Watcher>& watchers = ofKey->second;
+    watchers.erase(
+        std::lower_bound(watchers.begin(), watchers.end(), id,
+                         [](const Watcher& watcher, std::uint64_t id) { return watcher.id < id; }));
+    if (watchers.empty())
+        watchersByKey.erase(ofKey);
+    Publisher publisher = std::move(stream->second.publisher);
+    streams.erase(stream);
+    return publisher;
+}
+
+std::vector<OptionStreams::Publisher> OptionStreams::publishersOf(const std::string& key) const {
+    std::vector<Publisher> publishers;
+    const auto ofKey = watchersByKey.find(key);
+    if (ofKey == watchersByKey.end())
+        return publishers;
+    publishers.reserve(ofKey->second.size());
+    for (const Watcher& watcher : ofKey->second)
+        publishers.push_back(watcher.publisher);
+    return publishers;
+}
+
+} // namespace connector::configuration::detail

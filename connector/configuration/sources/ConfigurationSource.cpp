@@ -1,0 +1,7 @@
+#include <connector/configuration/sources/ConfigurationSource.hpp>
+
+namespace connector::configuration {
+
+ConfigurationSource::~ConfigurationSource() = default;
+
+} // namespace connector::configuration

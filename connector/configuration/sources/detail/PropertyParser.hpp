@@ -1,0 +1,71 @@
+/// The state machine behind property files. docs/property-files.md tells the rules as a user sees
+/// them; several differ from what other readers of such files do, and all of them are meant.
+#pragma once
+
+#include <connector/configuration/sources/detail/StreamCursor.hpp>
+
+#include <functional>
+#include <istream>
+#include <string>
+
+namespace connector::configuration::detail {
+
+/// Parses one stream. A state is named for where in a line the current character stands:
+///
+///                    .---------------- line break ----------------.
+///                    v                                            |
+///                LineStart --> InKey --blank : =--> Separator --> InValue
+///                              ^  |                               ^  |  ^
+///                              |  \                               |  \  |
+///                            KeyEscape                   ValueEscape    |
+///                                                             '--line break--> Continuation
+///
+/// No input is an error: every character means something in every state. A state function is called
+/// with a good stream and looks at `current`; after it, the loop ends if the stream is no longer good.
+class PropertyParser {
+public:
+    /// Receives every property as it is complete, in the order of the input. It may throw, and may
+    /// look at the stream: that stands right behind the last character that was looked at.
+    using Store =
+        std::function<void(const std::string& key, const std::string& value, bool atEndOfInput)>;
+
+    PropertyParser(std::istream& stream, Store newStore);
+
+    /// Parses to the end of the input, or to the first read error, which counts as the end.
+    void parse();
+
+private:
+    enum class State {
+        LineStart,    ///< at the first character of a line, or at the line breaks before it
+        InKey,        ///< in the key, which runs on across line breaks until a separator comes
+        KeyEscape,    ///< behind a backslash in the key
+        Separator,    ///< between key and value, before or behind the separator
+        InValue,      ///< in the value
+        ValueEscape,  ///< behind a backslash in the value
+        Continuation, ///< at the start of a line that continues a value
+    };
+
+    void step();
+    State lineStart();
+    State inKey();
+    State keyEscape();
+    State separator();
+    State inValue();
+    State valueEscape();
+    State continuation();
+
+    /// Reads the next character into `current`, which keeps its value when there is none.
+    void advance() { cursor.next(current); }
+    void appendEscaped(std::string& text);
+    void appendUnicodeEscape(std::string& text);
+    void storeProperty(bool atEndOfInput);
+
+    StreamCursor cursor;
+    const Store store;
+    State state = State::LineStart;
+    char current = '\0';
+    std::string key;
+    std::string value;
+};
+
+} // namespace connector::configuration::detail

@@ -1,0 +1,33 @@
+/// What the sources over a hash map have in common.
+#pragma once
+
+#include <connector/configuration/OptionValue.hpp>
+#include <connector/configuration/detail/Errors.hpp>
+
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <unordered_map>
+
+namespace connector::configuration::detail {
+
+using Table = std::unordered_map<std::string, OptionValue>;
+
+/// @return the value of a key that may be missing. The text is our own, because callers may compare
+///         it and standard libraries differ in what their at says.
+/// @throws std::out_of_range "unordered_map::at: key not found"
+inline const OptionValue& at(const Table& table, const std::string& key) {
+    const auto entry = table.find(key);
+    if (entry == table.end())
+        throw std::out_of_range(errors::keyNotInSource);
+    return entry->second;
+}
+
+inline std::set<std::string> keysOf(const Table& table) {
+    std::set<std::string> keys;
+    for (const auto& entry : table)
+        keys.insert(entry.first);
+    return keys;
+}
+
+} // namespace connector::configuration::detail

@@ -1,0 +1,26 @@
+/// Expectations that gtest has not.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <typeinfo>
+
+namespace test {
+
+/// Expects that `statement` throws exactly `Exception`, not a class derived from it, with this text.
+/// Usage: expectThrows<std::runtime_error>("text", [&] { ... });
+template <typename Exception, typename Statement>
+void expectThrows(const std::string& text, Statement statement) {
+    try {
+        statement();
+        ADD_FAILURE() << "expected an exception: " << text;
+    } catch (const std::exception& thrown) {
+        EXPECT_EQ(typeid(Exception).name(), std::string(typeid(thrown).name()));
+        EXPECT_EQ(text, thrown.what());
+    } catch (...) {
+        ADD_FAILURE() << "expected a std::exception: " << text;
+    }
+}
+
+} // namespace test
