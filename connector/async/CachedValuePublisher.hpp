@@ -166,7 +166,8 @@ private:
 
 template <typename T, typename F>
 CachedValuePublisher<T, F>::CachedValuePublisher(F newOnFinish, int newCapacity)
-    : capacity(newCapacity), onFinish(std::move(newOnFinish)) {}
+    : capacity(newCapacity), onFinish(std::move(newOnFinish)) {
+}
 
 template <typename T, typename F>
 CachedValuePublisher<T, F>::~CachedValuePublisher() {
@@ -189,7 +190,8 @@ void CachedValuePublisher<T, F>::subscribe(std::shared_ptr<Subscriber<T>> newSub
     Lock lock(mutex);
     if (subscriber)
         throw std::invalid_argument(connector::detail::errors::secondSubscription);
-    const auto newSubscription = std::make_shared<CachedValueSubscription>(this->shared_from_this());
+    const auto newSubscription =
+        std::make_shared<CachedValueSubscription>(this->shared_from_this());
     subscription = newSubscription;
     subscriber = newSubscriber;
 

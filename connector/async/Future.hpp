@@ -109,9 +109,9 @@ Future<T> makeFailedFuture(const Exception& exception) {
 }
 
 // Instantiated in the library. The types of the core join where they are declared.
-extern template class detail::SharedFutureState<bool>;
-extern template class Future<bool>;
-extern template class detail::SharedFutureState<std::set<std::string>>;
-extern template class Future<std::set<std::string>>;
+extern template class CONNECTOR_EXPORT detail::SharedFutureState<bool>;
+extern template class CONNECTOR_EXPORT Future<bool>;
+extern template class CONNECTOR_EXPORT detail::SharedFutureState<std::set<std::string>>;
+extern template class CONNECTOR_EXPORT Future<std::set<std::string>>;
 
 } // namespace connector

@@ -67,6 +67,6 @@ private:
     std::atomic<bool> isValid;
 };
 
-extern template class Promise<bool>;
+extern template class CONNECTOR_EXPORT Promise<bool>;
 
 } // namespace connector

@@ -61,7 +61,8 @@ public:
     /// Follows an option: its effective value now, if it has one, and after every change that a
     /// source reports, and whenever a source with that key is added or a source is removed. Values
     /// are not compared: the same one may come again. That a key lost its last value is not told,
-    /// nor the removal of a source that has a group, to watchers of its prefixed keys.
+    /// nor the removal of a source that has a group, to watchers of its prefixed keys. While another
+    /// thread adds or removes sources beside a set, an older value can arrive after a newer one.
     /// @return a new stream of its own, with room for one undelivered value. It ends when its
     ///         subscriber cancels or the last pointer to it goes; the configuration holds one.
     /// @throws std::bad_weak_ptr when no std::shared_ptr owns the configuration
@@ -108,15 +109,3 @@ public:
 };
 
 } // namespace connector::configuration
-
-namespace connector {
-
-// Instantiated in the library.
-extern template class detail::SharedFutureState<configuration::OptionValue>;
-extern template class Future<configuration::OptionValue>;
-extern template class detail::SharedFutureState<configuration::Option>;
-extern template class Future<configuration::Option>;
-extern template class reactive_streams::CachedValuePublisher<configuration::OptionValue,
-                                                             std::function<void()>>;
-
-} // namespace connector

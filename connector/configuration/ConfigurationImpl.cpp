@@ -27,7 +27,8 @@ ConfigurationImpl::ConfigurationSourceMap::ConfigurationSourceMap(
     const std::string& newName, const std::string& newGroup, int newOrder, bool newReadOnly,
     std::shared_ptr<ConfigurationSource> newSource)
     : name(newName), group(newGroup), order(newOrder), readOnly(newReadOnly),
-      source(std::move(newSource)) {}
+      source(std::move(newSource)) {
+}
 
 ConfigurationImpl::ConfigurationImpl() {
     ConfigurationImpl::addInMemorySource("default", "", std::numeric_limits<std::int32_t>::max(),
@@ -56,8 +57,9 @@ Future<bool> ConfigurationImpl::addSource(const std::string& name, const std::st
 
     const std::string prefix = normalised(group);
     const auto firstNotBefore =
-        std::find_if(sources.begin(), sources.end(),
-                     [order](const ConfigurationSourceMap& record) { return record.order >= order; });
+        std::find_if(sources.begin(), sources.end(), [order](const ConfigurationSourceMap& record) {
+            return record.order >= order;
+        });
     sources.emplace(firstNotBefore, name, prefix, order, readOnly, source);
 
     for (const std::string& key : source->keys())
@@ -70,9 +72,10 @@ Future<bool> ConfigurationImpl::addSource(const std::string& name, const std::st
     return makeReadyFuture(true);
 }
 
-Future<bool> ConfigurationImpl::addInMemorySource(
-    const std::string& name, const std::string& group, int order, bool readOnly,
-    std::unordered_map<std::string, OptionValue>&& values) {
+Future<bool>
+ConfigurationImpl::addInMemorySource(const std::string& name, const std::string& group, int order,
+                                     bool readOnly,
+                                     std::unordered_map<std::string, OptionValue>&& values) {
     return addSource(name, group, order, readOnly,
                      std::make_shared<InMemorySource>(std::move(values)));
 }
@@ -106,12 +109,15 @@ Future<bool> ConfigurationImpl::removeSource(const std::string& name) {
     return makeReadyFuture(true);
 }
 
-std::shared_ptr<Configuration> ConfigurationImpl::getPtr() { return shared_from_this(); }
+std::shared_ptr<Configuration> ConfigurationImpl::getPtr() {
+    return shared_from_this();
+}
 
 std::vector<ConfigurationImpl::ConfigurationSourceMap>::iterator
 ConfigurationImpl::findSource(const std::string& name) {
-    return std::find_if(sources.begin(), sources.end(),
-                        [&name](const ConfigurationSourceMap& record) { return record.name == name; });
+    return std::find_if(
+        sources.begin(), sources.end(),
+        [&name](const ConfigurationSourceMap& record) { return record.name == name; });
 }
 
 } // namespace connector::configuration

@@ -92,7 +92,9 @@ private:
                                std::shared_ptr<ConfigurationSource> newSource);
 
         /// @return whether the source is asked about the key at all: its keys begin with the group
-        bool serves(const std::string& key) const { return key.compare(0, group.size(), group) == 0; }
+        bool serves(const std::string& key) const {
+            return key.compare(0, group.size(), group) == 0;
+        }
 
         /// @return the key as the source knows it. REQUIRES: serves(key)
         std::string localKey(const std::string& key) const { return key.substr(group.size()); }
@@ -119,9 +121,9 @@ private:
 
     std::vector<ConfigurationSourceMap>::iterator findSource(const std::string& name);
 
-    std::recursive_mutex mutex; // guards everything below; see the lock order above
+    std::recursive_mutex mutex;                 // guards everything below; see the lock order above
     std::atomic<std::uint64_t> nextStreamId{0}; // advanced under the mutex only
-    [[maybe_unused]] bool reserved = false; // keeps the object's shape; has no meaning
+    [[maybe_unused]] bool reserved = false;     // keeps the object's shape; has no meaning
     std::vector<ConfigurationSourceMap> sources; // in the order of consultation
     detail::OptionStreams streams;               // destroyed before the sources
 };

@@ -81,8 +81,8 @@ Future<std::set<std::string>> ConfigurationImpl::keys() {
 Future<OptionValue> ConfigurationImpl::set(const std::string& key, OptionValue value) {
     logCore("set: ", key);
     const Lock lock(mutex);
-    const auto target = std::find_if(
-        sources.begin(), sources.end(), [&key](const ConfigurationSourceMap& record) {
+    const auto target =
+        std::find_if(sources.begin(), sources.end(), [&key](const ConfigurationSourceMap& record) {
             return !record.readOnly && record.serves(key);
         });
     if (target == sources.end())

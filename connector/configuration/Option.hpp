@@ -14,3 +14,11 @@ struct Option {
 };
 
 } // namespace connector::configuration
+
+namespace connector {
+
+// Instantiated in the library; see OptionValue.hpp.
+extern template class CONNECTOR_EXPORT detail::SharedFutureState<configuration::Option>;
+extern template class CONNECTOR_EXPORT Future<configuration::Option>;
+
+} // namespace connector

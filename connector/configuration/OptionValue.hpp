@@ -1,8 +1,13 @@
 /// The value of an option.
 #pragma once
 
+#include <connector/Export.hpp>
+#include <connector/async/CachedValuePublisher.hpp>
+#include <connector/async/Future.hpp>
+
 #include <boost/variant.hpp>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,3 +35,15 @@ using OptionValue = boost::variant<bool,                       // 0: a flag
                                    >;
 
 } // namespace connector::configuration
+
+namespace connector {
+
+// Instantiated in the library. They are declared here and not where they are first used, because a
+// compiler that met one of them before this would take it for hidden: Boost's types are no more
+// visible than the program that is being compiled.
+extern template class CONNECTOR_EXPORT detail::SharedFutureState<configuration::OptionValue>;
+extern template class CONNECTOR_EXPORT Future<configuration::OptionValue>;
+extern template class CONNECTOR_EXPORT
+    reactive_streams::CachedValuePublisher<configuration::OptionValue, std::function<void()>>;
+
+} // namespace connector

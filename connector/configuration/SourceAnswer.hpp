@@ -13,7 +13,7 @@ struct SourceAnswer {
     std::string group; ///< normalised: empty, or ending in "."
     int order;         ///< smaller is consulted first
     bool readOnly;     ///< whether set passes the source by
-    bool servesKey;    ///< whether the key begins with the group, so that the source is asked at all
+    bool servesKey; ///< whether the key begins with the group, so that the source is asked at all
     std::optional<OptionValue> value; ///< what the source holds for the key, if it has it
 };
 

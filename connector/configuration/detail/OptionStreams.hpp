@@ -49,7 +49,8 @@ private:
     };
 
     std::map<std::uint64_t, Stream> streams;
-    std::unordered_map<std::string, std::vector<Watcher>> watchersByKey; // ids ascend; no empty ones
+    std::unordered_map<std::string, std::vector<Watcher>>
+        watchersByKey; // ids ascend; no empty ones
 };
 
 } // namespace connector::configuration::detail

@@ -21,7 +21,9 @@ template <typename T>
 const T& toPayload(const T& value) {
     return value;
 }
-std::string toPayload(const std::u16string& value) { return toUtf8(value); }
+std::string toPayload(const std::u16string& value) {
+    return toUtf8(value);
+}
 
 /// Writes any alternative of a value into an object.
 class Writer : public boost::static_visitor<void> {

@@ -7,11 +7,14 @@
 namespace connector::configuration {
 
 InMemorySource::InMemorySource(std::unordered_map<std::string, OptionValue>&& initialValues)
-    : values(std::move(initialValues)) {}
+    : values(std::move(initialValues)) {
+}
 
 InMemorySource::~InMemorySource() = default;
 
-OptionValue InMemorySource::get(const std::string& key) { return detail::at(values, key); }
+OptionValue InMemorySource::get(const std::string& key) {
+    return detail::at(values, key);
+}
 
 OptionValue InMemorySource::set(const std::string& key, OptionValue value) {
     OptionValue result;
@@ -27,10 +30,16 @@ OptionValue InMemorySource::set(const std::string& key, OptionValue value) {
     return result;
 }
 
-bool InMemorySource::has(const std::string& key) { return values.find(key) != values.end(); }
+bool InMemorySource::has(const std::string& key) {
+    return values.find(key) != values.end();
+}
 
-void InMemorySource::setWatcher(Watcher newWatcher) { watcher.swap(newWatcher); }
+void InMemorySource::setWatcher(Watcher newWatcher) {
+    watcher.swap(newWatcher);
+}
 
-std::set<std::string> InMemorySource::keys() { return detail::keysOf(values); }
+std::set<std::string> InMemorySource::keys() {
+    return detail::keysOf(values);
+}
 
 } // namespace connector::configuration

@@ -29,8 +29,7 @@ PropertyFileSource::PropertyFileSource(const std::u16string& path) {
         std::ios_base::in | std::ios_base::binary);
     if (!stream.is_open()) {
         const fl::i18n::codecvt_ustring_to_string toUtf8("UTF-8", true);
-        throw std::runtime_error(detail::errors::fileNotOpened +
-                                 fl::i18n::to_string(path, toUtf8));
+        throw std::runtime_error(detail::errors::fileNotOpened + fl::i18n::to_string(path, toUtf8));
     }
     parseStream(stream);
     stream.close();
@@ -39,24 +38,31 @@ PropertyFileSource::PropertyFileSource(const std::u16string& path) {
 PropertyFileSource::~PropertyFileSource() = default;
 
 void PropertyFileSource::parseStream(std::istream& stream) {
-    detail::PropertyParser parser(stream, [this](const std::string& key, const std::string& value,
-                                                 bool atEndOfInput) {
-        store(key, value, atEndOfInput);
-    });
+    detail::PropertyParser parser(stream,
+                                  [this](const std::string& key, const std::string& value,
+                                         bool atEndOfInput) { store(key, value, atEndOfInput); });
     parser.parse();
 }
 
-OptionValue PropertyFileSource::get(const std::string& key) { return detail::at(options, key); }
+OptionValue PropertyFileSource::get(const std::string& key) {
+    return detail::at(options, key);
+}
 
 OptionValue PropertyFileSource::set(const std::string&, OptionValue) {
     throw std::runtime_error(detail::errors::fileNotWritable);
 }
 
-bool PropertyFileSource::has(const std::string& key) { return options.find(key) != options.end(); }
+bool PropertyFileSource::has(const std::string& key) {
+    return options.find(key) != options.end();
+}
 
-void PropertyFileSource::setWatcher(Watcher newWatcher) { watcher.swap(newWatcher); }
+void PropertyFileSource::setWatcher(Watcher newWatcher) {
+    watcher.swap(newWatcher);
+}
 
-std::set<std::string> PropertyFileSource::keys() { return detail::keysOf(options); }
+std::set<std::string> PropertyFileSource::keys() {
+    return detail::keysOf(options);
+}
 
 void PropertyFileSource::store(const std::string& key, const std::string& value,
                                bool atEndOfInput) {

@@ -62,7 +62,9 @@ basic_diagnostic_logger::basic_diagnostic_logger(std::string name)
     Registry::instance().add(*this);
 }
 
-basic_diagnostic_logger::~basic_diagnostic_logger() { Registry::instance().remove(*this); }
+basic_diagnostic_logger::~basic_diagnostic_logger() {
+    Registry::instance().remove(*this);
+}
 
 void basic_diagnostic_logger::push(unsigned severity, const std::string& line) {
     boost::log::attribute_set recordAttributes;

@@ -6,11 +6,21 @@ namespace connector::configuration::detail {
 
 namespace {
 
-constexpr bool isLineBreak(char c) { return c == '\r' || c == '\n'; }
-constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
-constexpr bool isAssignment(char c) { return c == ':' || c == '='; }
-constexpr bool endsKeyRun(char c) { return isAssignment(c) || isBlank(c) || c == '\\'; }
-constexpr bool endsValueRun(char c) { return isLineBreak(c) || c == '\\'; }
+constexpr bool isLineBreak(char c) {
+    return c == '\r' || c == '\n';
+}
+constexpr bool isBlank(char c) {
+    return c == ' ' || c == '\t';
+}
+constexpr bool isAssignment(char c) {
+    return c == ':' || c == '=';
+}
+constexpr bool endsKeyRun(char c) {
+    return isAssignment(c) || isBlank(c) || c == '\\';
+}
+constexpr bool endsValueRun(char c) {
+    return isLineBreak(c) || c == '\\';
+}
 
 /// @return the value of a hexadecimal digit, or -1
 constexpr int digitValue(char c) {
@@ -43,7 +53,8 @@ void appendUtf8(std::string& text, unsigned unit) {
 } // namespace
 
 PropertyParser::PropertyParser(std::istream& stream, Store newStore)
-    : cursor(stream), store(std::move(newStore)) {}
+    : cursor(stream), store(std::move(newStore)) {
+}
 
 void PropertyParser::parse() {
     advance();
