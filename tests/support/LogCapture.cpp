@@ -59,10 +59,12 @@ public:
     const boost::shared_ptr<Sink> sink;
 };
 
-LogCapture::LogCapture() : LogCapture(nullptr) {}
+LogCapture::LogCapture() : LogCapture(nullptr) {
+}
 
 LogCapture::LogCapture(std::function<void(const LogRecord&)> onRecord)
-    : impl(new Impl(std::move(onRecord))) {}
+    : impl(new Impl(std::move(onRecord))) {
+}
 
 LogCapture::~LogCapture() {
     foundation::log::set_diagnostic_mask("connector::configuration", 0);
@@ -86,7 +88,9 @@ void LogCapture::clear() {
     impl->backend->records.clear();
 }
 
-CoreLog::CoreLog() { foundation::log::set_diagnostic_mask("connector::configuration", 8); }
+CoreLog::CoreLog() {
+    foundation::log::set_diagnostic_mask("connector::configuration", 8);
+}
 
 PropertyFileLog::PropertyFileLog() {
     foundation::log::set_diagnostic_mask("connector::configuration::property_file", 16);

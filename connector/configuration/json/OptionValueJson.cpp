@@ -1,6 +1,6 @@
 #include <connector/configuration/json/OptionValueJson.hpp>
 
-#include <fl/i18n/codecvt.hpp>
+#include <connector/configuration/json/detail/Utf.hpp>
 
 #include <Poco/JSON/Array.h>
 
@@ -8,21 +8,13 @@ namespace connector::configuration {
 
 namespace {
 
-std::string toUtf8(const std::u16string& text) {
-    return fl::i18n::to_string(text, fl::i18n::codecvt_ustring_to_string("UTF-8", true));
-}
-
-std::u16string toUtf16(const std::string& text) {
-    return fl::i18n::to_ustring(text, fl::i18n::codecvt_string_to_ustring("UTF-8", true));
-}
-
 // The payload of one scalar, and of one element of a vector.
 template <typename T>
 const T& toPayload(const T& value) {
     return value;
 }
 std::string toPayload(const std::u16string& value) {
-    return toUtf8(value);
+    return detail::toUtf8(value);
 }
 
 /// Writes any alternative of a value into an object.
@@ -82,7 +74,7 @@ std::vector<T> readAll(const Poco::JSON::Object& object, const T& whereUnreadabl
 std::vector<std::u16string> readAllUtf16(const Poco::JSON::Object& object) {
     std::vector<std::u16string> values;
     for (const std::string& text : readAll<std::string>(object, ""))
-        values.push_back(toUtf16(text));
+        values.push_back(detail::toUtf16(text));
     return values;
 }
 
@@ -107,7 +99,7 @@ OptionValue toOptionValue(const Poco::JSON::Object::Ptr& object) {
     if (tag == "double")
         return object->optValue<double>("value", 0.0);
     if (tag == "ustring")
-        return toUtf16(object->optValue<std::string>("value", ""));
+        return detail::toUtf16(object->optValue<std::string>("value", ""));
     if (tag == "string")
         return object->optValue<std::string>("value", "");
     if (tag == "boolArray")

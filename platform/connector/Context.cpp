@@ -1,0 +1,7 @@
+#include <connector/Context.hpp>
+
+namespace connector {
+
+Context::~Context() = default;
+
+} // namespace connector

@@ -1,0 +1,7 @@
+#include <connector/common/DeferredService.hpp>
+
+namespace connector::common {
+
+DeferredService::~DeferredService() = default;
+
+} // namespace connector::common

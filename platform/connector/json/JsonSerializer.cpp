@@ -1,0 +1,7 @@
+#include <connector/json/JsonSerializer.hpp>
+
+namespace connector::json {
+
+JsonSerializer::~JsonSerializer() = default;
+
+} // namespace connector::json
