@@ -21,7 +21,6 @@
 #include <memory>
 #include <mutex>
 #include <stdexcept>
-#include <type_traits>
 #include <utility>
 
 namespace connector {
@@ -112,13 +111,6 @@ private:
     void announce(Lock& lock);
     void runContinuation(Lock& lock);
 
-    T takeValue() {
-        T& cell = *static_cast<T*>(result);
-        if constexpr (std::is_trivially_copyable_v<T>)
-            return cell;
-        else
-            return std::move(cell);
-    }
     bool hasResult() const {
         return status == FutureStatus::Value || status == FutureStatus::Exception;
     }
@@ -216,7 +208,7 @@ T SharedFutureState<T>::get() {
 
     switch (status) {
     case FutureStatus::Value:
-        return takeValue();
+        return std::move(*static_cast<T*>(result));
     case FutureStatus::Exception: {
         const std::exception_ptr exception = *static_cast<std::exception_ptr*>(result);
         lock.unlock();

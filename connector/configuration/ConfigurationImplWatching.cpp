@@ -71,11 +71,9 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
         return; // that a key lost its last value is not announced
     const OptionValue value = doGet(lock, key);
 
-    // The copy keeps the publishers alive while others end their streams; streams that are added
-    // meanwhile are served by the next pass.
-    const std::vector<std::shared_ptr<OptionPublisher>> publishers = streams.publishersOf(key);
+    const detail::OptionStreams::Pass pass(streams, key); // goes when the lock is held again
     const Released released(lock);
-    for (const std::shared_ptr<OptionPublisher>& publisher : publishers) {
+    for (const std::shared_ptr<OptionPublisher>& publisher : pass.publishers()) {
         try {
             logCore("notifying watcher: ", key);
             publisher->onNext(value);

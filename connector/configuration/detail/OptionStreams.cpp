@@ -25,6 +25,10 @@ OptionStreams::Publisher OptionStreams::remove(std::uint64_t id) {
     const auto stream = streams.find(id);
     if (stream == streams.end())
         return nullptr;
+    for (Pass* const pass : passes) {
+        if (id < pass->end)
+            pass->removed.emplace(id, stream->second.publisher);
+    }
     const auto ofKey = watchersByKey.find(stream->second.key);
     std::vector<Watcher>& watchers = ofKey->second;
     watchers.erase(
@@ -35,6 +39,20 @@ OptionStreams::Publisher OptionStreams::remove(std::uint64_t id) {
     Publisher publisher = std::move(stream->second.publisher);
     streams.erase(stream);
     return publisher;
+}
+
+OptionStreams::Pass::Pass(OptionStreams& newStreams, const std::string& key)
+    : streams(newStreams), end(streams.streams.empty() ? 0 : streams.streams.rbegin()->first + 1),
+      served(streams.publishersOf(key)) {
+    streams.passes.push_back(this);
+}
+
+OptionStreams::Pass::~Pass() {
+    // What goes now can call anything, so it must not find this pass any more.
+    streams.passes.erase(std::find(streams.passes.begin(), streams.passes.end(), this));
+    served.clear(); // the list of streams, or else `removed`, holds every one of them, too
+    while (!removed.empty())
+        removed.erase(removed.begin());
 }
 
 std::vector<OptionStreams::Publisher> OptionStreams::publishersOf(const std::string& key) const {

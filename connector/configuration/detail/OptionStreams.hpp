@@ -35,8 +35,28 @@ public:
     ///         destructor calls the subscriber; null for an unknown id
     Publisher remove(std::uint64_t id);
 
-    /// @return the publishers of the key's streams, in the order in which those were added
-    std::vector<Publisher> publishersOf(const std::string& key) const;
+    /// A pass over the streams of one key, in the order in which they were added. What it serves is
+    /// settled when it begins. While it lives it keeps every publisher of that moment alive, those of
+    /// other keys included, whoever ends their streams meanwhile; it does so without touching them,
+    /// by holding only what is removed. It is made and destroyed under the lock.
+    class Pass {
+    public:
+        Pass(OptionStreams& newStreams, const std::string& key);
+        /// Lets the removed publishers go in the order in which their streams were added.
+        ~Pass();
+        Pass(const Pass&) = delete;
+        Pass& operator=(const Pass&) = delete;
+
+        const std::vector<Publisher>& publishers() const { return served; }
+
+    private:
+        friend class OptionStreams;
+
+        OptionStreams& streams;
+        const std::uint64_t end; // the ids of the streams that came before it are smaller
+        std::vector<Publisher> served;
+        std::map<std::uint64_t, Publisher> removed;
+    };
 
 private:
     struct Stream {
@@ -48,7 +68,10 @@ private:
         Publisher publisher;
     };
 
+    std::vector<Publisher> publishersOf(const std::string& key) const;
+
     std::map<std::uint64_t, Stream> streams;
+    std::vector<Pass*> passes; // those that run, on whatever thread
     std::unordered_map<std::string, std::vector<Watcher>>
         watchersByKey; // ids ascend; no empty ones
 };
