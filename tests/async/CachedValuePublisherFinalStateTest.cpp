@@ -1,0 +1,186 @@
+/// The states Completing and Errored. No operation enters them, so the tests write them.
+#include <connector/async/CachedValuePublisher.hpp>
+
+#include "async/BlockedReader.hpp"
+#include "async/Stream.hpp"
+#include "async/Texts.hpp"
+#include "support/Expect.hpp"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace connector::reactive_streams {
+
+using test::abandoned;
+using test::Events;
+using test::expectThrows;
+using test::setState;
+using test::SubscribedStream;
+
+TEST(CachedValuePublisherCompleting, TheLastDeliveryCompletes) {
+    SubscribedStream stream(2);
+    Future<bool> outcome = stream.publisher->completionFuture();
+    stream.offer({1, 2});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.request(1);
+    EXPECT_EQ((Events{"onNext 1"}), stream.take());
+    stream.request(1);
+    EXPECT_EQ((Events{"onNext 2", "onComplete", "finish"}), stream.take());
+    EXPECT_TRUE(outcome.get());
+}
+
+TEST(CachedValuePublisherCompleting, AfterTheCompletionNothingFollows) {
+    SubscribedStream stream;
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.request(1);
+    stream.take();
+    stream.request(1);
+    stream.offer({2});
+    stream.cancel();
+    stream.destroy();
+    EXPECT_EQ(Events(), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, ARequestWithAnEmptyQueueCompletes) {
+    for (const std::uint64_t count : {0, 1}) {
+        SubscribedStream stream;
+        setState(*stream.publisher, PublisherState::Completing);
+        stream.request(count);
+        EXPECT_EQ((Events{"onComplete", "finish"}), stream.take()) << count;
+    }
+}
+
+TEST(CachedValuePublisherCompleting, ARequestForZeroDoesNotCompleteWhileValuesWait) {
+    SubscribedStream stream;
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.request(0);
+    EXPECT_EQ(Events(), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, ValuesAreStillAccepted) {
+    SubscribedStream stream(2);
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.offer({2});
+    stream.request(2);
+    EXPECT_EQ((Events{"onNext 1", "onNext 2", "onComplete", "finish"}), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, AValueThatIsWaitedForIsDeliveredAndDoesNotComplete) {
+    SubscribedStream stream;
+    stream.request(2);
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.offer({1});
+    EXPECT_EQ((Events{"onNext 1"}), stream.take());
+    stream.request(0);
+    EXPECT_EQ((Events{"onComplete", "finish"}), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, ItCanBeCancelled) {
+    SubscribedStream stream;
+    Future<bool> outcome = stream.publisher->completionFuture();
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.cancel();
+    stream.request(1);
+    EXPECT_EQ((Events{"finish"}), stream.take());
+    EXPECT_FALSE(outcome.get());
+}
+
+TEST(CachedValuePublisherCompleting, CancelledFromTheLastDeliveryItDoesNotComplete) {
+    SubscribedStream stream;
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.subscriber->inOnNext = [&](int) { stream.cancel(); };
+    stream.request(1);
+    EXPECT_EQ((Events{"onNext 1", "finish"}), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, DestroyingItCompletes) {
+    SubscribedStream stream;
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.destroy();
+    EXPECT_EQ((Events{"onComplete", "finish"}), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, ARequestFromTheLastDeliveryCompletesAtOnceAndOnce) {
+    SubscribedStream stream;
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.subscriber->inOnNext = [&](int) {
+        stream.request(1);
+        stream.events.push_back("end of 1");
+    };
+    stream.request(1);
+    EXPECT_EQ((Events{"onNext 1", "onComplete", "finish", "end of 1"}), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, AValueOfferedInTheLastDeliveryComesBeforeTheCompletion) {
+    SubscribedStream stream;
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.subscriber->inOnNext = [&](int value) {
+        if (value == 1) {
+            stream.offer({2});
+            stream.request(1);
+        }
+    };
+    stream.request(1);
+    EXPECT_EQ((Events{"onNext 1", "onNext 2", "onComplete", "finish"}), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, ThePublisherIsNotLockedWhileTheSubscriberCompletes) {
+    SubscribedStream stream;
+    setState(*stream.publisher, PublisherState::Completing);
+    const auto use = [&] { test::onAnotherThread([&] { stream.cancel(); }); };
+    stream.subscriber->inOnComplete = use;
+    stream.inFinish = use;
+    stream.request(1);
+    EXPECT_EQ((Events{"onComplete", "finish"}), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, WhatOnCompleteThrowsGoesToWhoeverRequests) {
+    SubscribedStream stream;
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Completing);
+    stream.subscriber->inOnComplete = [] { throw std::runtime_error("no"); };
+    expectThrows<std::runtime_error>("no", [&] { stream.request(1); });
+    EXPECT_EQ((Events{"onNext 1", "onComplete"}), stream.take());
+    test::onAnotherThread([&] { stream.offer({2}); }); // the lock was released
+    stream.destroy();
+    EXPECT_EQ(Events(), stream.take());
+}
+
+TEST(CachedValuePublisherErrored, NothingReachesTheSubscriberAnyMore) {
+    SubscribedStream stream;
+    stream.offer({1});
+    setState(*stream.publisher, PublisherState::Errored);
+    stream.offer({2});
+    stream.request(5);
+    stream.offer({3});
+    stream.cancel();
+    stream.destroy();
+    EXPECT_EQ(Events(), stream.take());
+}
+
+TEST(CachedValuePublisherErrored, DemandFromBeforeDeliversNothing) {
+    SubscribedStream stream;
+    stream.request(5);
+    setState(*stream.publisher, PublisherState::Errored);
+    stream.offer({1});
+    EXPECT_EQ(Events(), stream.take());
+}
+
+TEST(CachedValuePublisherErrored, WhoeverFailsTheStreamOwesTheCompletionFutureItsResult) {
+    SubscribedStream stream;
+    Future<bool> outcome = stream.publisher->completionFuture();
+    setState(*stream.publisher, PublisherState::Errored);
+    stream.destroy();
+    expectThrows<std::runtime_error>(abandoned, [&] { outcome.get(); });
+}
+
+} // namespace connector::reactive_streams

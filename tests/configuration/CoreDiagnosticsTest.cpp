@@ -1,0 +1,257 @@
+/// The diagnostic lines of every operation, to the letter and in order.
+#include "configuration/Answers.hpp"
+#include "configuration/RecordingSubscriber.hpp"
+#include "configuration/ScriptedSource.hpp"
+#include "support/LogCapture.hpp"
+
+#include <foundation/log/basic_diagnostic_logger.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <memory>
+#include <string>
+#include <typeinfo>
+
+namespace {
+
+using foundation::log::set_diagnostic_mask;
+using test::CoreLog;
+using test::makeConfiguration;
+using test::watch;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::string logger = "connector::configuration";
+const std::string inMemory = "N9connector13configuration14InMemorySourceE";
+
+/// A configuration made without a line, and a log from then on.
+class CoreDiagnostics : public testing::Test {
+protected:
+    const std::shared_ptr<connector::configuration::ConfigurationImpl> configuration =
+        makeConfiguration();
+    CoreLog log;
+};
+
+TEST_F(CoreDiagnostics, OfTheConstructionNameTheBuiltInSources) {
+    makeConfiguration();
+    EXPECT_THAT(log.lines(), ElementsAre("addSource: default, , 2147483647, 0, " + inMemory,
+                                         "addSource: override, , 0, 0, " + inMemory));
+}
+
+TEST_F(CoreDiagnostics, HaveAChannelAndASeverity) {
+    configuration->set("x", 1);
+    ASSERT_EQ(4u, log.records().size());
+    for (const test::LogRecord& record : log.records()) {
+        EXPECT_EQ("connector::configuration", record.channel);
+        EXPECT_EQ(8u, record.severity);
+    }
+}
+
+TEST_F(CoreDiagnostics, OfAnAddedSourceNameTheGroupAsItWasPassed) {
+    configuration->addInMemorySource("a", "net", -5, true, {});
+    configuration->addInMemorySource("b", "net.", 5, false, {});
+    EXPECT_THAT(log.lines(), ElementsAre("addSource: a, net, -5, 1, " + inMemory,
+                                         "addSource: b, net., 5, 0, " + inMemory));
+}
+
+TEST_F(CoreDiagnostics, OfAnAddedSourceFollowItsKeysInOrder) {
+    watch(*configuration, "net.port");
+    log.clear();
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}, {"host", 1}});
+    EXPECT_THAT(log.lines(),
+                ElementsAre("addSource: a, net, 5, 0, " + inMemory, "updatePublishers: net.host",
+                            "get: net.host from a", "updatePublishers: net.port",
+                            "get: net.port from a", "notifying watcher: net.port"));
+}
+
+TEST_F(CoreDiagnostics, OfAnAddedSourceNameWhoeverSuppliesTheKey) {
+    configuration->set("x", 1);
+    log.clear();
+    configuration->addInMemorySource("a", "", 5, false, {{"x", 2}});
+    EXPECT_THAT(log.lines(), ElementsAre("addSource: a, , 5, 0, " + inMemory, "updatePublishers: x",
+                                         "get: x from override"));
+}
+
+TEST_F(CoreDiagnostics, OfAnAddedSourceNameItsDynamicType) {
+    test::Journal journal;
+    const auto source = std::make_shared<test::ScriptedSource>(journal, "a");
+    configuration->addSource("a", "", 5, false, source);
+    EXPECT_THAT(log.lines(), ElementsAre("addSource: a, , 5, 0, N4test14ScriptedSourceE"));
+    configuration->removeSource("a");
+}
+
+TEST_F(CoreDiagnostics, OfAPropertyFileNameItsType) {
+    const std::filesystem::path path =
+        std::filesystem::temp_directory_path() /
+        ("core-diagnostics-test-" + std::to_string(::getpid()) + ".properties");
+    std::ofstream(path) << "port = 80\n";
+    configuration->addPropertyFileSource("file", "", 5, true, path.u16string());
+    std::filesystem::remove(path);
+    EXPECT_THAT(log.lines(), ElementsAre("addSource: file, , 5, 1, "
+                                         "N9connector13configuration18PropertyFileSourceE",
+                                         "updatePublishers: port", "get: port from file"));
+}
+
+TEST_F(CoreDiagnostics, OfAFileThatCannotBeOpenedAreNone) {
+    EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, u"/no/such/file"));
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(CoreDiagnostics, OfANameThatIsTakenAreTheFirstLineOnly) {
+    configuration->addInMemorySource("default", "", 5, false, {{"x", 1}});
+    EXPECT_THAT(log.lines(), ElementsAre("addSource: default, , 5, 0, " + inMemory));
+}
+
+TEST_F(CoreDiagnostics, WriteTheExtremeOrdersInDecimal) {
+    configuration->addInMemorySource("a", "", std::numeric_limits<std::int32_t>::min(), false, {});
+    EXPECT_THAT(log.lines(), ElementsAre("addSource: a, , -2147483648, 0, " + inMemory));
+}
+
+TEST_F(CoreDiagnostics, OfARemovedSourceNameItsOwnKeysWithoutTheGroup) {
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}, {"host", 1}});
+    configuration->set("port", 1);
+    watch(*configuration, "port");
+    log.clear();
+    configuration->removeSource("a");
+    EXPECT_THAT(log.lines(),
+                ElementsAre("removeSource: a", "updatePublishers: host", "updatePublishers: port",
+                            "get: port from override", "notifying watcher: port"));
+}
+
+TEST_F(CoreDiagnostics, OfTheRemovalOfAnUnknownSourceAreOneLine) {
+    configuration->removeSource("nobody");
+    EXPECT_THAT(log.lines(), ElementsAre("removeSource: nobody"));
+}
+
+TEST_F(CoreDiagnostics, OfGetNameTheSupplier) {
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}});
+    log.clear();
+    configuration->get("net.port");
+    EXPECT_THAT(log.lines(), ElementsAre("get: net.port from a"));
+}
+
+TEST_F(CoreDiagnostics, OfGetOptionNameTheSupplier) {
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}});
+    log.clear();
+    configuration->getOption("net.port");
+    EXPECT_THAT(log.lines(), ElementsAre("get option: net.port from a"));
+}
+
+TEST_F(CoreDiagnostics, OfAKeyThatNobodyHasAreNone) {
+    configuration->get("x");
+    configuration->getOption("x");
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(CoreDiagnostics, OfSetNameTheTargetAndThenItsNotifications) {
+    watch(*configuration, "x");
+    watch(*configuration, "x");
+    watch(*configuration, "y");
+    log.clear();
+    configuration->set("x", 1);
+    EXPECT_THAT(log.lines(), ElementsAre("set: x", "set: x@override", "updatePublishers: x",
+                                         "get: x from override", "notifying watcher: x",
+                                         "notifying watcher: x"));
+}
+
+TEST_F(CoreDiagnostics, OfSetWithASourceNameItTwice) {
+    configuration->set("x", 1, "default");
+    EXPECT_THAT(log.lines(), ElementsAre("set: x, default", "set: x@default", "updatePublishers: x",
+                                         "get: x from default"));
+}
+
+TEST_F(CoreDiagnostics, OfSetNameTheKeyWithItsGroup) {
+    configuration->addInMemorySource("a", "net", -1, false, {});
+    log.clear();
+    configuration->set("net.port", 80);
+    EXPECT_THAT(log.lines(), ElementsAre("set: net.port", "set: net.port@a",
+                                         "updatePublishers: net.port", "get: net.port from a"));
+}
+
+TEST_F(CoreDiagnostics, OfAFailedSetAreTheFirstLineOnly) {
+    configuration->set("x", 1, "nobody");
+    configuration->removeSource("override");
+    configuration->removeSource("default");
+    log.clear();
+    configuration->set("x", 1, "nobody");
+    configuration->set("x", 1);
+    EXPECT_THAT(log.lines(), ElementsAre("set: x, nobody", "set: x"));
+}
+
+TEST_F(CoreDiagnostics, OfWatchOptionEndWithTheValueThatIsThere) {
+    configuration->set("x", 1, "default");
+    log.clear();
+    configuration->watchOption("x");
+    configuration->watchOption("y");
+    EXPECT_THAT(log.lines(),
+                ElementsAre("watchOption: x", "get: x from default", "watchOption: y"));
+}
+
+TEST_F(CoreDiagnostics, OfWatchOptionOnTheStackAreWrittenBeforeItThrows) {
+    connector::configuration::ConfigurationImpl onTheStack;
+    log.clear();
+    EXPECT_THROW(onTheStack.watchOption("x"), std::bad_weak_ptr);
+    EXPECT_THAT(log.lines(), ElementsAre("watchOption: x"));
+}
+
+TEST_F(CoreDiagnostics, NotifyAWatcherBeforeItIsCalled) {
+    watch(*configuration, "x", [&](int) {
+        EXPECT_EQ("notifying watcher: x", log.lines().back());
+        EXPECT_EQ(5u, log.lines().size());
+        log.clear();
+    });
+    log.clear();
+    configuration->set("x", 1);
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(CoreDiagnostics, NameAWatcherThatWaitsOrHasNoSubscriber) {
+    watch(*configuration, "x", nullptr, 0);
+    configuration->watchOption("x");
+    configuration->set("x", 1);
+    EXPECT_THAT(log.lines(), testing::Contains("notifying watcher: x").Times(2));
+}
+
+TEST_F(CoreDiagnostics, OfTheOtherOperationsAreNone) {
+    configuration->addEnvironmentSource("environment", "", 5);
+    configuration->has("x");
+    configuration->keys();
+    configuration->getPtr();
+    configuration->explain("x");
+    configuration->removeStream(0);
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(CoreDiagnostics, OfTheEndAreNone) {
+    auto ending = makeConfiguration();
+    const auto subscriber = watch(*ending, "x");
+    log.clear();
+    subscriber->cancel();
+    ending.reset();
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(CoreDiagnostics, AreOffWhileTheirBitIsOff) {
+    for (const unsigned mask : {0u, 1u, 7u, 16u, ~8u}) {
+        ASSERT_TRUE(set_diagnostic_mask(logger, mask));
+        configuration->set("x", 1);
+        configuration->get("x");
+    }
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(CoreDiagnostics, AreOnWhateverOtherBitsAreOn) {
+    for (const unsigned mask : {8u, 9u, 24u, ~0u}) {
+        ASSERT_TRUE(set_diagnostic_mask(logger, mask));
+        configuration->removeSource("nobody");
+    }
+    EXPECT_EQ(4u, log.lines().size());
+}
+
+} // namespace

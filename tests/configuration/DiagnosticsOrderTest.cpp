@@ -1,0 +1,200 @@
+/// When diagnostic lines are written: before or after the mutex is taken, before or after the deed.
+/// A sink that throws shows the second, since what comes later does not happen.
+#include "configuration/Answers.hpp"
+#include "configuration/MutexHolder.hpp"
+#include "configuration/RecordingSubscriber.hpp"
+#include "support/Expect.hpp"
+#include "support/LogCapture.hpp"
+
+#include <foundation/log/basic_diagnostic_logger.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <future>
+#include <memory>
+#include <string>
+
+namespace {
+
+using connector::configuration::ConfigurationImpl;
+using foundation::log::set_diagnostic_mask;
+using test::expectThrows;
+using test::has;
+using test::intOf;
+using test::LogCapture;
+using test::LogRecord;
+using test::makeConfiguration;
+using test::MutexHolder;
+using test::sourcesOf;
+using testing::ElementsAre;
+
+const std::string logger = "connector::configuration";
+
+struct Operation {
+    int line;
+    std::string text; // of the line that is looked for
+    std::function<void(ConfigurationImpl&)> run;
+};
+
+const Operation writtenBeforeTheMutex[] = {
+    {__LINE__, "set: x", [](auto& configuration) { configuration.set("x", 1); }},
+    {__LINE__, "set: x, default",
+     [](auto& configuration) { configuration.set("x", 1, "default"); }},
+    {__LINE__, "addSource: a, , 5, 0, N9connector13configuration14InMemorySourceE",
+     [](auto& configuration) { configuration.addInMemorySource("a", "", 5, false, {}); }},
+    {__LINE__, "removeSource: a", [](auto& configuration) { configuration.removeSource("a"); }},
+    {__LINE__, "watchOption: x", [](auto& configuration) { configuration.watchOption("x"); }},
+};
+
+const Operation writtenUnderTheMutex[] = {
+    {__LINE__, "get: y from default", [](auto& configuration) { configuration.get("y"); }},
+    {__LINE__, "get option: y from default",
+     [](auto& configuration) { configuration.getOption("y"); }},
+    {__LINE__, "set: x@override", [](auto& configuration) { configuration.set("x", 1); }},
+    {__LINE__, "set: x@default", [](auto& configuration) { configuration.set("x", 1, "default"); }},
+    {__LINE__, "updatePublishers: z",
+     [](auto& configuration) {
+         configuration.addInMemorySource("a", "", 5, false, {{"z", 1}});
+     }},
+};
+
+std::shared_ptr<ConfigurationImpl> withY() {
+    auto configuration = makeConfiguration();
+    configuration->set("y", 2, "default");
+    return configuration;
+}
+
+TEST(DiagnosticsOrder, TheFirstLineOfAnOperationComesBeforeTheMutex) {
+    for (const Operation& operation : writtenBeforeTheMutex) {
+        SCOPED_TRACE(operation.line);
+        const auto configuration = withY();
+        MutexHolder holder(*configuration);
+        std::promise<void> written;
+        const LogCapture log([&](const LogRecord& record) {
+            if (record.message == operation.text)
+                written.set_value();
+        });
+        set_diagnostic_mask(logger, 8);
+        auto over = std::async(std::launch::async, [&] { operation.run(*configuration); });
+        EXPECT_EQ(std::future_status::ready, written.get_future().wait_for(test::patience));
+        set_diagnostic_mask(logger, 0);
+        holder.release();
+        over.get();
+    }
+}
+
+TEST(DiagnosticsOrder, TheLaterLinesComeUnderTheMutex) {
+    for (const Operation& operation : writtenUnderTheMutex) {
+        SCOPED_TRACE(operation.line);
+        const auto configuration = withY();
+        std::future<void> intruder;
+        bool gotIn = true;
+        const LogCapture log([&](const LogRecord& record) {
+            if (record.message != operation.text)
+                return;
+            intruder = std::async(std::launch::async, [&] { configuration->has("x"); });
+            // Nobody gets in, so this is a wait for nothing, and short.
+            gotIn = intruder.wait_for(std::chrono::milliseconds(20)) == std::future_status::ready;
+        });
+        set_diagnostic_mask(logger, 8);
+        operation.run(*configuration);
+        EXPECT_FALSE(gotIn);
+    }
+}
+
+/// Runs an operation with a sink that throws at one line, and expects that the exception comes out.
+void runWithFailingSink(const std::string& lineThatFails, const std::function<void()>& operation) {
+    const LogCapture log([&](const LogRecord& record) {
+        if (record.message == lineThatFails)
+            throw std::runtime_error("the sink failed");
+    });
+    set_diagnostic_mask(logger, 8);
+    expectThrows<std::runtime_error>("the sink failed", operation);
+}
+
+TEST(FailingSink, BeforeASetPreventsIt) {
+    const auto configuration = makeConfiguration();
+    for (const std::string line : {"set: x", "set: x@override"}) {
+        runWithFailingSink(line, [&] { configuration->set("x", 1); });
+        EXPECT_FALSE(has(*configuration, "x"));
+        EXPECT_TRUE(test::isFree(*configuration));
+    }
+}
+
+TEST(FailingSink, BeforeASetOfANamedSourcePreventsIt) {
+    const auto configuration = makeConfiguration();
+    for (const std::string line : {"set: x, default", "set: x@default"}) {
+        runWithFailingSink(line, [&] { configuration->set("x", 1, "default"); });
+        EXPECT_FALSE(has(*configuration, "x"));
+        EXPECT_TRUE(test::isFree(*configuration));
+    }
+}
+
+TEST(FailingSink, BeforeAnUpdateLeavesTheValueWritten) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = test::watch(*configuration, "x");
+    runWithFailingSink("updatePublishers: x", [&] { configuration->set("x", 1); });
+    EXPECT_EQ(1, intOf(*configuration, "x"));
+    EXPECT_THAT(subscriber->values(), ElementsAre());
+    EXPECT_TRUE(test::isFree(*configuration));
+}
+
+TEST(FailingSink, BeforeALookupPreventsIt) {
+    const auto configuration = withY();
+    runWithFailingSink("get: y from default", [&] { configuration->get("y"); });
+    runWithFailingSink("get option: y from default", [&] { configuration->getOption("y"); });
+    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_EQ(2, intOf(*configuration, "y"));
+}
+
+TEST(FailingSink, BeforeAnAdditionPreventsIt) {
+    const auto configuration = makeConfiguration();
+    runWithFailingSink("addSource: a, , 5, 0, N9connector13configuration14InMemorySourceE",
+                       [&] { configuration->addInMemorySource("a", "", 5, false, {}); });
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
+}
+
+TEST(FailingSink, DuringAnAdditionLeavesTheSourceRegistered) {
+    const auto configuration = makeConfiguration();
+    runWithFailingSink("updatePublishers: x", [&] {
+        configuration->addInMemorySource("a", "", 5, false, {{"x", 1}});
+    });
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "a", "default"));
+    EXPECT_TRUE(test::isFree(*configuration));
+}
+
+TEST(FailingSink, BeforeARemovalPreventsIt) {
+    const auto configuration = makeConfiguration();
+    runWithFailingSink("removeSource: default", [&] { configuration->removeSource("default"); });
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
+}
+
+TEST(FailingSink, DuringARemovalLeavesTheSourceRemoved) {
+    const auto configuration = withY();
+    runWithFailingSink("updatePublishers: y", [&] { configuration->removeSource("default"); });
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override"));
+    EXPECT_TRUE(test::isFree(*configuration));
+}
+
+TEST(FailingSink, BeforeWatchingTakesNoId) {
+    const auto configuration = makeConfiguration();
+    runWithFailingSink("watchOption: x", [&] { configuration->watchOption("x"); });
+    const auto subscriber = test::watch(*configuration, "x");
+    configuration->removeStream(0);
+    EXPECT_EQ(1, subscriber->completions());
+}
+
+TEST(FailingSink, DuringWatchingLeavesTheStreamInTheList) {
+    const auto configuration = withY();
+    runWithFailingSink("get: y from default", [&] { configuration->watchOption("y"); });
+    EXPECT_TRUE(test::isFree(*configuration));
+    test::CoreLog log;
+    configuration->set("y", 3, "default");
+    EXPECT_THAT(log.lines(), ElementsAre("set: y, default", "set: y@default", "updatePublishers: y",
+                                         "get: y from default", "notifying watcher: y"));
+}
+
+} // namespace

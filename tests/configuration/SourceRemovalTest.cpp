@@ -1,0 +1,196 @@
+/// What a source sees when it is removed and when its configuration goes.
+#include "configuration/Answers.hpp"
+#include "configuration/MutexHolder.hpp"
+#include "configuration/RecordingSubscriber.hpp"
+#include "configuration/ScriptedSource.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using test::Journal;
+using test::RecordingSubscriber;
+using test::ScriptedSource;
+using test::sourcesOf;
+using test::watch;
+using testing::ElementsAre;
+
+class SourceRemoval : public testing::Test {
+protected:
+    std::shared_ptr<ScriptedSource> add(const std::string& name, const std::string& group,
+                                        int order,
+                                        std::map<std::string, ScriptedSource::OptionValue> values) {
+        auto source = std::make_shared<ScriptedSource>(journal, name, std::move(values));
+        EXPECT_TRUE(configuration->addSource(name, group, order, false, source).get());
+        journal.clear();
+        return source;
+    }
+
+    bool remove(const std::string& name) { return configuration->removeSource(name).get(); }
+
+    Journal journal;
+    std::shared_ptr<connector::configuration::ConfigurationImpl> configuration =
+        test::makeConfiguration();
+};
+
+TEST_F(SourceRemoval, AsksForTheKeysThenLetsTheSourceGo) {
+    add("a", "", -1, {{"x", 1}});
+    EXPECT_TRUE(remove("a"));
+    EXPECT_THAT(journal, ElementsAre("a keys", "a destroyed"));
+}
+
+TEST_F(SourceRemoval, LooksUpEachKeyInAscendingOrderAmongTheOthers) {
+    const auto removed = add("a", "", -1, {{"x", 1}, {"b", 2}});
+    add("rest", "", -1, {{"x", 3}});
+    remove("a");
+    EXPECT_THAT(journal,
+                ElementsAre("a keys", "rest has b", "rest has x", "rest has x", "rest get x"));
+}
+
+TEST_F(SourceRemoval, TellsTheValueThatIsEffectiveNow) {
+    const auto subscriber = watch(*configuration, "x");
+    configuration->set("x", 1, "default");
+    add("a", "", -1, {{"x", 2}});
+    remove("a");
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 1));
+}
+
+TEST_F(SourceRemoval, TellsTheSameValueAgainWhenTheSourceDidNotSupplyIt) {
+    configuration->set("x", 1);
+    const auto subscriber = watch(*configuration, "x");
+    add("a", "", 5, {{"x", 2}});
+    remove("a");
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 1, 1));
+}
+
+TEST_F(SourceRemoval, IsNotToldWhenAKeyLostItsLastValue) {
+    const auto subscriber = watch(*configuration, "x");
+    add("a", "", -1, {{"x", 2}});
+    remove("a");
+    EXPECT_THAT(subscriber->values(), ElementsAre(2));
+    EXPECT_EQ(0, subscriber->completions());
+}
+
+TEST_F(SourceRemoval, OfAGroupIsNotToldToTheWatchersOfItsKeys) {
+    configuration->set("net.port", 1);
+    const auto subscriber = watch(*configuration, "net.port");
+    add("a", "net", -1, {{"port", 2}});
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
+    remove("a");
+    EXPECT_EQ(1, test::intOf(*configuration, "net.port"));
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 2)); // although 1 is effective again
+}
+
+TEST_F(SourceRemoval, OfAGroupIsToldToTheWatchersOfItsKeysWithoutTheGroup) {
+    configuration->set("port", 1);
+    const auto subscriber = watch(*configuration, "port");
+    add("a", "net", -1, {{"port", 2}});
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+    remove("a");
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
+}
+
+TEST_F(SourceRemoval, LeavesTheWatcherInstalled) {
+    const auto source = add("a", "", -1, {{"x", 1}});
+    remove("a");
+    EXPECT_TRUE(source->isWatched());
+    EXPECT_THAT(journal, ElementsAre("a keys"));
+}
+
+TEST_F(SourceRemoval, StillHearsTheRemovedSource) {
+    const auto source = add("a", "net", -1, {{"x", 1}});
+    remove("a");
+    configuration->set("net.x", 5);
+    const auto subscriber = watch(*configuration, "net.x");
+    source->change("x", 2);
+    EXPECT_THAT(subscriber->values(), ElementsAre(5, 5)); // the effective value, not the source's
+}
+
+TEST_F(SourceRemoval, NeverAsksTheRemovedSourceAgain) {
+    const auto source = add("a", "", -1, {{"x", 1}});
+    remove("a");
+    journal.clear();
+    source->report("x");
+    configuration->set("x", 2);
+    configuration->get("x");
+    configuration->keys();
+    configuration->explain("x");
+    EXPECT_THAT(journal, ElementsAre());
+}
+
+TEST_F(SourceRemoval, OfASourceWhoseKeysCannotBeListedThrowsAndKeepsIt) {
+    const auto source = add("a", "", -1, {{"x", 1}});
+    source->onKeys = [](const std::string&) { throw std::range_error("no keys"); };
+    EXPECT_THROW(remove("a"), std::range_error);
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("a", "override", "default"));
+    EXPECT_TRUE(test::isFree(*configuration));
+}
+
+TEST_F(SourceRemoval, StandsAlthoughAnotherSourceFailsAfterwards) {
+    add("a", "", -1, {{"x", 1}});
+    const auto other = add("other", "", 5, {});
+    other->onHas = [](const std::string&) { throw std::range_error("no answer"); };
+    EXPECT_THROW(remove("a"), std::range_error);
+    other->onHas = nullptr;
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "other", "default"));
+    EXPECT_TRUE(test::isFree(*configuration));
+}
+
+TEST_F(SourceRemoval, GoesOnWithTheRegistryAsASubscriberLeftIt) {
+    configuration->set("b", 1, "default");
+    configuration->set("x", 2, "default");
+    add("a", "", -1, {{"b", 3}, {"x", 4}});
+    int calls = 0;
+    watch(*configuration, "b", [&](int) {
+        if (++calls == 2)
+            remove("default");
+    });
+    const auto second = watch(*configuration, "x");
+    EXPECT_TRUE(remove("a"));
+    EXPECT_EQ(2, calls);
+    EXPECT_THAT(second->values(), ElementsAre(4)); // nobody has x any more
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override"));
+}
+
+TEST_F(SourceRemoval, ByTheDestructorClearsTheWatchersInTheOrderOfConsultation) {
+    const auto a = add("a", "", 5, {});
+    const auto b = add("b", "net", 5, {});
+    const auto c = add("c", "", -1, {});
+    configuration.reset();
+    EXPECT_THAT(journal, ElementsAre("c unwatched", "b unwatched", "a unwatched"));
+    EXPECT_FALSE(a->isWatched());
+}
+
+TEST_F(SourceRemoval, BeforeTheDestructorLeavesTheWatcherForGood) {
+    const auto a = add("a", "", 5, {});
+    remove("a");
+    journal.clear();
+    configuration.reset();
+    EXPECT_TRUE(a->isWatched());
+    EXPECT_THAT(journal, ElementsAre());
+}
+
+TEST_F(SourceRemoval, ByTheDestructorLeavesASharedSourceUsable) {
+    const auto a = add("a", "", 5, {{"x", 1}});
+    const auto subscriber = watch(*configuration, "x");
+    configuration.reset();
+    a->change("x", 2); // reaches nobody
+    EXPECT_EQ(1, a.use_count());
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+}
+
+TEST_F(SourceRemoval, ByTheDestructorEndsTheStreamsBetweenTheWatchersAndTheSources) {
+    add("a", "", 5, {});
+    const auto subscriber = watch(*configuration, "x");
+    subscriber->inOnComplete = [&] { journal.push_back("completed"); };
+    journal.clear();
+    configuration.reset();
+    EXPECT_THAT(journal, ElementsAre("a unwatched", "completed", "a destroyed"));
+}
+
+} // namespace

@@ -1,0 +1,278 @@
+/// Writing options.
+#include "configuration/Answers.hpp"
+#include "configuration/MutexHolder.hpp"
+#include "configuration/RecordingSubscriber.hpp"
+#include "configuration/ScriptedSource.hpp"
+#include "support/Expect.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using connector::Future;
+using connector::configuration::OptionValue;
+using test::expectThrows;
+using test::intIn;
+using test::intOf;
+using test::Journal;
+using test::makeConfiguration;
+using test::ScriptedSource;
+using test::supplierOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+TEST(Set, WritesToOverrideAndReturnsTheNewValueOfANewKey) {
+    const auto configuration = makeConfiguration();
+    EXPECT_EQ(1, intIn(configuration->set("x", 1)));
+    EXPECT_EQ("override", supplierOf(*configuration, "x"));
+    EXPECT_EQ(1, intOf(*configuration, "x"));
+}
+
+TEST(Set, ReturnsThePreviousValueOfAKnownKey) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    EXPECT_EQ(1, intIn(configuration->set("x", 2)));
+    EXPECT_EQ(2, intIn(configuration->set("x", 3)));
+    EXPECT_EQ(3, intOf(*configuration, "x"));
+}
+
+TEST(Set, ReturnsWhatThatSourceHeldAndNotTheEffectiveValue) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1, "default");
+    EXPECT_EQ(2, intIn(configuration->set("x", 2))); // new in "override"
+    EXPECT_EQ(1, intIn(configuration->set("x", 3, "default")));
+}
+
+TEST(Set, MayChangeTheTypeOfAnOption) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    configuration->set("x", std::string("text"));
+    EXPECT_EQ("text", boost::get<std::string>(configuration->get("x").get()));
+}
+
+TEST(Set, AnswersBeforeItReturns) {
+    bool answered = false;
+    makeConfiguration()->set("x", 1).then([&](Future<OptionValue>&) { answered = true; });
+    EXPECT_TRUE(answered);
+}
+
+TEST(Set, WritesToTheFirstWritableSourceWhoeverHasTheKey) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 9, "default");
+    configuration->addInMemorySource("first", "", -1, false, {});
+    configuration->addInMemorySource("fixed", "", -2, true, {});
+    configuration->set("x", 1);
+    EXPECT_EQ("first", supplierOf(*configuration, "x"));
+}
+
+TEST(Set, PassesBySourcesWhoseGroupDoesNotFit) {
+    const auto configuration = makeConfiguration();
+    configuration->addInMemorySource("net", "net", -1, false, {});
+    configuration->set("x", 1);
+    configuration->set("net.port", 2);
+    EXPECT_EQ("override", supplierOf(*configuration, "x"));
+    EXPECT_EQ("net", supplierOf(*configuration, "net.port"));
+}
+
+TEST(Set, WritesToTheNextWritableSourceWhenOverrideIsRemoved) {
+    const auto configuration = makeConfiguration();
+    configuration->removeSource("override");
+    configuration->set("x", 1);
+    EXPECT_EQ("default", supplierOf(*configuration, "x"));
+}
+
+TEST(Set, WithoutAnySourceFails) {
+    const auto configuration = makeConfiguration();
+    configuration->removeSource("override");
+    configuration->removeSource("default");
+    auto result = configuration->set("x", 1);
+    expectThrows<std::runtime_error>("No writable configuration source for key: x",
+                                     [&] { result.get(); });
+}
+
+TEST(Set, WithReadOnlyAndUnfittingSourcesOnlyFails) {
+    const auto configuration = makeConfiguration();
+    configuration->removeSource("override");
+    configuration->removeSource("default");
+    configuration->addInMemorySource("fixed", "", 5, true, {{"x", 1}});
+    configuration->addInMemorySource("net", "net", 5, false, {{"x", 1}});
+    auto result = configuration->set("x", 2);
+    expectThrows<std::runtime_error>("No writable configuration source for key: x",
+                                     [&] { result.get(); });
+    EXPECT_EQ(1, intOf(*configuration, "x"));
+    EXPECT_THAT(configuration->keys().get(), ElementsAre("net.x", "x"));
+}
+
+TEST(Set, StaysHiddenBehindAReadOnlySource) {
+    const auto configuration = makeConfiguration();
+    configuration->addInMemorySource("fixed", "", -1, true, {{"x", 1}});
+    EXPECT_EQ(2, intIn(configuration->set("x", 2)));
+    EXPECT_EQ(1, intOf(*configuration, "x"));
+    configuration->removeSource("fixed");
+    EXPECT_EQ(2, intOf(*configuration, "x"));
+}
+
+TEST(SetAt, WritesToTheNamedSource) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    EXPECT_EQ(2, intIn(configuration->set("x", 2, "default")));
+    EXPECT_EQ(1, intOf(*configuration, "x"));
+    configuration->removeSource("override");
+    EXPECT_EQ(2, intOf(*configuration, "x"));
+}
+
+TEST(SetAt, OfAnUnknownSourceFails) {
+    const auto configuration = makeConfiguration();
+    auto result = configuration->set("x", 1, "nobody");
+    expectThrows<std::runtime_error>("Source not found or not writable: x, nobody",
+                                     [&] { result.get(); });
+    EXPECT_THAT(configuration->keys().get(), IsEmpty());
+}
+
+TEST(SetAt, OfAReadOnlySourceFails) {
+    const auto configuration = makeConfiguration();
+    configuration->addInMemorySource("fixed", "", 5, true, {{"x", 1}});
+    auto result = configuration->set("x", 2, "fixed");
+    expectThrows<std::runtime_error>("Source not found or not writable: x, fixed",
+                                     [&] { result.get(); });
+    EXPECT_EQ(1, intOf(*configuration, "x"));
+}
+
+TEST(SetAt, OfASourceWhoseGroupDoesNotFitFails) {
+    const auto configuration = makeConfiguration();
+    configuration->addInMemorySource("net", "net", 5, false, {});
+    auto result = configuration->set("x", 2, "net");
+    expectThrows<std::runtime_error>("Source not found or not writable: x, net",
+                                     [&] { result.get(); });
+    EXPECT_THAT(configuration->keys().get(), IsEmpty());
+}
+
+TEST(SetAt, OfARemovedSourceFails) {
+    const auto configuration = makeConfiguration();
+    configuration->removeSource("default");
+    auto result = configuration->set("x", 2, "default");
+    expectThrows<std::runtime_error>("Source not found or not writable: x, default",
+                                     [&] { result.get(); });
+}
+
+TEST(SetAt, NeverFallsBackToAnotherSource) {
+    const auto configuration = makeConfiguration();
+    EXPECT_ANY_THROW(configuration->set("x", 2, "").get());
+    EXPECT_THAT(configuration->keys().get(), IsEmpty());
+}
+
+/// Writes to a source that writes down what it is told. It serves "net", before all others.
+class SetCalls : public testing::Test {
+protected:
+    SetCalls() {
+        configuration->addSource("net", "net", -1, false, source).get();
+        journal.clear();
+    }
+
+    Journal journal;
+    std::shared_ptr<ScriptedSource> source = std::make_shared<ScriptedSource>(journal, "net");
+    std::shared_ptr<connector::configuration::ConfigurationImpl> configuration =
+        makeConfiguration();
+};
+
+TEST_F(SetCalls, WriteTheLocalKeyAndThenLookItUpForTheWatchers) {
+    configuration->set("net.port", 80);
+    EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
+                                     "net set over"));
+    EXPECT_EQ(80, boost::get<int>(source->values.at("port")));
+}
+
+TEST_F(SetCalls, AreTheSameForANamedSource) {
+    configuration->set("net.port", 80, "net");
+    EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
+                                     "net set over"));
+}
+
+TEST_F(SetCalls, ReturnWhatTheSourceReturned) {
+    source->resultOfSet = 77;
+    EXPECT_EQ(77, intIn(configuration->set("net.port", 80)));
+    EXPECT_EQ(77, intIn(configuration->set("net.port", 81, "net")));
+}
+
+TEST_F(SetCalls, DoNotReachASourceThatIsNotMeant) {
+    configuration->set("x", 1);
+    EXPECT_ANY_THROW(configuration->set("x", 1, "net").get());
+    EXPECT_ANY_THROW(configuration->set("net.x", 1, "nobody").get());
+    EXPECT_THAT(journal, IsEmpty());
+}
+
+TEST_F(SetCalls, OfAFailedSetTellNoWatcher) {
+    configuration->set("x", 1);
+    const auto subscriber = test::watch(*configuration, "x");
+    EXPECT_ANY_THROW(configuration->set("x", 2, "net").get());
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+}
+
+TEST_F(SetCalls, LetTheExceptionOfASourceThrough) {
+    source->onSet = [](const std::string&) { throw std::range_error("refused"); };
+    expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80); });
+    expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80, "net"); });
+    EXPECT_FALSE(test::has(*configuration, "net.port"));
+    EXPECT_TRUE(test::isFree(*configuration));
+}
+
+TEST_F(SetCalls, KeepASourceThatItsWatcherRemovesUntilTheyAreOver) {
+    test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net"); });
+    journal.clear();
+    source->resultOfSet = 77;
+    source.reset();
+    EXPECT_EQ(77, intIn(configuration->set("net.port", 80)));
+    EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
+                                     "net keys", "net set over", "net destroyed"));
+}
+
+TEST_F(SetCalls, KeepANamedSourceThatItsWatcherRemovesUntilTheyAreOver) {
+    test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net"); });
+    journal.clear();
+    source.reset();
+    configuration->set("net.port", 80, "net");
+    ASSERT_EQ(7u, journal.size());
+    EXPECT_EQ("net set over", journal[5]);
+    EXPECT_EQ("net destroyed", journal[6]);
+}
+
+/// Writes beside a property file with the entry port = 80.
+class SetBesidePropertyFile : public testing::Test {
+protected:
+    SetBesidePropertyFile() { std::ofstream(path) << "port = 80\n"; }
+    ~SetBesidePropertyFile() override { std::filesystem::remove(path); }
+
+    const std::filesystem::path path =
+        std::filesystem::temp_directory_path() /
+        ("update-test-" + std::to_string(::getpid()) + ".properties");
+    const std::shared_ptr<connector::configuration::ConfigurationImpl> configuration =
+        makeConfiguration();
+};
+
+TEST_F(SetBesidePropertyFile, PassesItByWhenItIsReadOnly) {
+    configuration->addPropertyFileSource("file", "", -1, true, path.u16string()).get();
+    configuration->set("port", 81);
+    EXPECT_EQ("80", boost::get<std::string>(configuration->get("port").get()));
+    EXPECT_EQ(81, boost::get<int>(*configuration->explain("port")[1].value));
+}
+
+TEST_F(SetBesidePropertyFile, ThrowsWhenItIsRegisteredAsWritable) {
+    configuration->addPropertyFileSource("file", "", -1, false, path.u16string()).get();
+    expectThrows<std::runtime_error>("PropertyFileSource does not support writing",
+                                     [&] { configuration->set("port", 81); });
+    expectThrows<std::runtime_error>("PropertyFileSource does not support writing",
+                                     [&] { configuration->set("port", 81, "file"); });
+    EXPECT_EQ("80", boost::get<std::string>(configuration->get("port").get()));
+    EXPECT_TRUE(test::isFree(*configuration));
+}
+
+} // namespace

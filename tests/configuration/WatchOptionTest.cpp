@@ -1,0 +1,265 @@
+/// Which values reach the watchers of an option, and when.
+#include "configuration/Answers.hpp"
+#include "configuration/MutexHolder.hpp"
+#include "configuration/RecordingSubscriber.hpp"
+#include "configuration/ScriptedSource.hpp"
+#include "support/Expect.hpp"
+#include "support/LogCapture.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace {
+
+using test::expectThrows;
+using test::makeConfiguration;
+using test::RecordingSubscriber;
+using test::ScriptedSource;
+using test::watch;
+using testing::ElementsAre;
+
+TEST(WatchOption, GivesTheEffectiveValueAtOnce) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    EXPECT_THAT(watch(*configuration, "x")->values(), ElementsAre(1));
+}
+
+TEST(WatchOption, HoldsTheValueUntilItIsAskedFor) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    const auto subscriber = watch(*configuration, "x", nullptr, 0);
+    EXPECT_THAT(subscriber->values(), ElementsAre());
+    subscriber->request(1);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+}
+
+TEST(WatchOption, HoldsTheValueUntilSomebodySubscribes) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    const auto publisher = configuration->watchOption("x");
+    configuration->set("x", 2);
+    const auto subscriber = std::make_shared<RecordingSubscriber>();
+    publisher->subscribe(subscriber);
+    EXPECT_THAT(subscriber->values(), ElementsAre(2));
+}
+
+TEST(WatchOption, KeepsTheNewestUndeliveredValueOnly) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    const auto subscriber = watch(*configuration, "x", nullptr, 1);
+    for (const int value : {2, 3, 4})
+        configuration->set("x", value);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+    subscriber->request(5);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 4));
+    configuration->set("x", 5);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 4, 5));
+}
+
+TEST(WatchOption, OfAKeyWithoutAValueWaitsForTheFirst) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x");
+    EXPECT_THAT(subscriber->values(), ElementsAre());
+    configuration->set("x", 1);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+}
+
+TEST(WatchOption, DeliversBeforeSetReturns) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x");
+    auto result = configuration->set("x", 1);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+}
+
+TEST(WatchOption, DeliversTheSameValueAgain) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x");
+    configuration->set("x", 1);
+    configuration->set("x", 1);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
+}
+
+TEST(WatchOption, DeliversTheEffectiveValueWhenALowerSourceChanges) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    const auto subscriber = watch(*configuration, "x");
+    configuration->set("x", 2, "default");
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
+}
+
+TEST(WatchOption, DeliversTheEffectiveValueWhenALowerSourceIsAdded) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    const auto subscriber = watch(*configuration, "x");
+    configuration->addInMemorySource("lower", "", 5, false, {{"x", 2}});
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
+}
+
+TEST(WatchOption, DeliversTheValueOfAHigherSourceThatIsAdded) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    const auto subscriber = watch(*configuration, "x");
+    configuration->addInMemorySource("higher", "", -1, true, {{"x", 2}});
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
+}
+
+TEST(WatchOption, IsNotTouchedByASourceWithoutTheKey) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1);
+    const auto subscriber = watch(*configuration, "x");
+    configuration->addInMemorySource("other", "", -1, false, {{"y", 2}});
+    configuration->removeSource("other");
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+}
+
+TEST(WatchOption, FollowsItsOwnKeyOnly) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x");
+    for (const std::string key : {"X", "x.", "xx", "", "net.x"})
+        configuration->set(key, 1);
+    configuration->set(std::string("x\0", 2), 1);
+    EXPECT_THAT(subscriber->values(), ElementsAre());
+}
+
+TEST(WatchOption, FollowsTheKeyWithItsGroup) {
+    const auto configuration = makeConfiguration();
+    configuration->addInMemorySource("net", "net", -1, false, {{"port", 80}});
+    const auto prefixed = watch(*configuration, "net.port");
+    const auto bare = watch(*configuration, "port");
+    configuration->set("net.port", 81);
+    EXPECT_THAT(prefixed->values(), ElementsAre(80, 81));
+    EXPECT_THAT(bare->values(), ElementsAre());
+}
+
+TEST(WatchOption, MakesAStreamOfItsOwnEachTime) {
+    const auto configuration = makeConfiguration();
+    EXPECT_NE(configuration->watchOption("x"), configuration->watchOption("x"));
+    const auto first = watch(*configuration, "x");
+    const auto second = watch(*configuration, "x");
+    configuration->set("x", 1);
+    configuration->set("x", 2);
+    EXPECT_THAT(first->values(), ElementsAre(1, 2));
+    EXPECT_THAT(second->values(), ElementsAre(1, 2));
+}
+
+TEST(WatchOption, ServesTheStreamsInTheOrderOfTheirCreation) {
+    const auto configuration = makeConfiguration();
+    std::vector<int> order;
+    for (int i = 0; i < 5; ++i)
+        watch(*configuration, "x", [&order, i](int) { order.push_back(i); });
+    configuration->set("x", 1);
+    EXPECT_THAT(order, ElementsAre(0, 1, 2, 3, 4));
+}
+
+TEST(WatchOption, KeepsTheOrderOfTheOthersWhenAStreamEnds) {
+    const auto configuration = makeConfiguration();
+    std::vector<int> order;
+    std::vector<std::shared_ptr<RecordingSubscriber>> subscribers;
+    for (int i = 0; i < 5; ++i)
+        subscribers.push_back(watch(*configuration, "x", [&order, i](int) { order.push_back(i); }));
+    subscribers[1]->cancel();
+    subscribers[3]->cancel();
+    configuration->set("x", 1);
+    EXPECT_THAT(order, ElementsAre(0, 2, 4));
+}
+
+TEST(WatchOption, CountsItsStreamsFromZero) {
+    const auto configuration = makeConfiguration();
+    const auto first = watch(*configuration, "x");
+    const auto second = watch(*configuration, "y");
+    configuration->removeStream(0);
+    EXPECT_EQ(1, first->completions());
+    EXPECT_EQ(0, second->completions());
+    configuration->removeStream(1);
+    EXPECT_EQ(1, second->completions());
+}
+
+TEST(WatchOption, NeverUsesTheIdOfAStreamAgain) {
+    const auto configuration = makeConfiguration();
+    watch(*configuration, "x")->cancel();
+    const auto second = watch(*configuration, "x");
+    configuration->removeStream(0);
+    EXPECT_EQ(0, second->completions());
+    configuration->removeStream(1);
+    EXPECT_EQ(1, second->completions());
+}
+
+TEST(WatchOption, OnTheStackThrows) {
+    connector::configuration::ConfigurationImpl configuration;
+    EXPECT_THROW(configuration.watchOption("x"), std::bad_weak_ptr);
+    EXPECT_TRUE(test::isFree(configuration));
+}
+
+TEST(WatchOption, WithoutAnOwnerConsumesAnId) {
+    auto* const ownerless = new connector::configuration::ConfigurationImpl;
+    EXPECT_THROW(ownerless->watchOption("x"), std::bad_weak_ptr);
+    const std::shared_ptr<connector::configuration::ConfigurationImpl> configuration(ownerless);
+    const auto subscriber = watch(*configuration, "x");
+    configuration->removeStream(0);
+    EXPECT_EQ(0, subscriber->completions());
+    configuration->removeStream(1);
+    EXPECT_EQ(1, subscriber->completions());
+}
+
+TEST(WatchOption, ThrowsWhatASourceThrowsAndKeepsTheStream) {
+    test::Journal journal;
+    const auto configuration = makeConfiguration();
+    const auto source = std::make_shared<ScriptedSource>(journal, "a");
+    configuration->addSource("a", "", -1, false, source);
+    source->onHas = [](const std::string&) { throw std::range_error("no answer"); };
+    expectThrows<std::range_error>("no answer", [&] { configuration->watchOption("x"); });
+    source->onHas = nullptr;
+    EXPECT_TRUE(test::isFree(*configuration));
+
+    const test::CoreLog log; // the only witness: nobody has a pointer to that stream
+    configuration->set("x", 1);
+    configuration->removeStream(0);
+    configuration->set("x", 2);
+    EXPECT_THAT(log.lines(), testing::Contains("notifying watcher: x").Times(1));
+}
+
+TEST(WatchOption, AsksForTheKeyTwiceAndThenForTheValue) {
+    test::Journal journal;
+    const auto configuration = makeConfiguration();
+    const auto source = std::make_shared<ScriptedSource>(
+        journal, "a", std::map<std::string, ScriptedSource::OptionValue>{{"x", 1}});
+    configuration->addSource("a", "", -1, false, source);
+    journal.clear();
+    configuration->watchOption("x");
+    EXPECT_THAT(journal, ElementsAre("a has x", "a has x", "a get x"));
+}
+
+TEST(WatchOption, LooksAReportedKeyUpOnceForAllItsWatchers) {
+    test::Journal journal;
+    const auto configuration = makeConfiguration();
+    const auto source = std::make_shared<ScriptedSource>(
+        journal, "a", std::map<std::string, ScriptedSource::OptionValue>{{"x", 1}});
+    configuration->addSource("a", "", -1, false, source);
+    const auto first = watch(*configuration, "x");
+    const auto second = watch(*configuration, "x");
+    journal.clear();
+    source->report("x");
+    EXPECT_THAT(journal, ElementsAre("a has x", "a has x", "a get x"));
+    source->report("nobody's key");
+    EXPECT_THAT(first->values(), ElementsAre(1, 1));
+    EXPECT_THAT(second->values(), ElementsAre(1, 1));
+}
+
+TEST(WatchOption, TellsNothingOfAReportedKeyWithoutAValue) {
+    test::Journal journal;
+    const auto configuration = makeConfiguration();
+    const auto source = std::make_shared<ScriptedSource>(
+        journal, "a", std::map<std::string, ScriptedSource::OptionValue>{{"x", 1}});
+    configuration->addSource("a", "", -1, false, source);
+    const auto subscriber = watch(*configuration, "x");
+    source->values.clear();
+    source->report("x");
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+    EXPECT_EQ(0, subscriber->completions());
+}
+
+} // namespace

@@ -1,0 +1,232 @@
+/// Subscribers that call back into the configuration, and the locks that are held meanwhile.
+#include "configuration/Answers.hpp"
+#include "configuration/MutexHolder.hpp"
+#include "configuration/RecordingSubscriber.hpp"
+#include "configuration/ScriptedSource.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <future>
+#include <memory>
+#include <string>
+
+namespace {
+
+using connector::configuration::ConfigurationImpl;
+using connector::configuration::OptionValue;
+using test::has;
+using test::intOf;
+using test::Journal;
+using test::makeConfiguration;
+using test::patience;
+using test::RecordingSubscriber;
+using test::ScriptedSource;
+using test::sourcesOf;
+using test::watch;
+using testing::ElementsAre;
+
+TEST(WatchReentrancy, ASubscriberSeesTheNewValueInTheConfiguration) {
+    const auto configuration = makeConfiguration();
+    int seen = 0;
+    watch(*configuration, "x", [&](int) { seen = intOf(*configuration, "x"); });
+    configuration->set("x", 1);
+    EXPECT_EQ(1, seen);
+}
+
+TEST(WatchReentrancy, ASubscriberMaySetAnotherOption) {
+    const auto configuration = makeConfiguration();
+    const auto other = watch(*configuration, "y");
+    watch(*configuration, "x", [&](int value) { configuration->set("y", value + 1); });
+    configuration->set("x", 1);
+    EXPECT_THAT(other->values(), ElementsAre(2));
+}
+
+TEST(WatchReentrancy, ASubscriberMaySetItsOwnOption) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x", [&](int value) {
+        if (value < 3)
+            configuration->set("x", value + 1);
+    });
+    configuration->set("x", 1);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 3));
+    EXPECT_EQ(3, intOf(*configuration, "x"));
+}
+
+TEST(WatchReentrancy, AStreamThatIsMadeDuringAPassIsNotServedByIt) {
+    const auto configuration = makeConfiguration();
+    std::shared_ptr<RecordingSubscriber> late;
+    watch(*configuration, "x", [&](int) {
+        if (!late)
+            late = watch(*configuration, "x");
+    });
+    configuration->set("x", 1);
+    EXPECT_THAT(late->values(), ElementsAre(1)); // once, from watchOption itself
+    configuration->set("x", 2);
+    EXPECT_THAT(late->values(), ElementsAre(1, 2));
+}
+
+TEST(WatchReentrancy, AStreamThatIsRemovedDuringAPassStillGetsItsValue) {
+    const auto configuration = makeConfiguration();
+    watch(*configuration, "x", [&](int) { configuration->removeStream(1); });
+    const auto removed = watch(*configuration, "x");
+    configuration->set("x", 1);
+    EXPECT_THAT(removed->values(), ElementsAre(1));
+    EXPECT_EQ(1, removed->completions()); // only the pass had kept it
+    configuration->set("x", 2);
+    EXPECT_THAT(removed->values(), ElementsAre(1));
+}
+
+TEST(WatchReentrancy, AStreamThatIsCancelledDuringAPassGetsNothing) {
+    const auto configuration = makeConfiguration();
+    std::shared_ptr<RecordingSubscriber> second;
+    watch(*configuration, "x", [&](int) { second->cancel(); });
+    second = watch(*configuration, "x");
+    configuration->set("x", 1);
+    EXPECT_THAT(second->values(), ElementsAre());
+}
+
+TEST(WatchReentrancy, ASubscriberMayCancelItsOwnStream) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x");
+    subscriber->inOnNext = [&, self = subscriber.get()](int) { self->cancel(); };
+    configuration->set("x", 1);
+    configuration->set("x", 2);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1));
+    EXPECT_EQ(1, subscriber.use_count());
+}
+
+TEST(WatchReentrancy, ASubscriberMayAskForOneValueAtATime) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x", nullptr, 1);
+    subscriber->inOnNext = [self = subscriber.get()](int) { self->request(1); };
+    for (const int value : {1, 2, 3})
+        configuration->set("x", value);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 3));
+}
+
+TEST(WatchReentrancy, ASubscriberMayAddASource) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x", [&](int value) {
+        if (value == 1)
+            configuration->addInMemorySource("added", "", -1, false, {{"x", 2}}).get();
+    });
+    configuration->set("x", 1);
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("added", "override", "default"));
+}
+
+TEST(WatchReentrancy, ASubscriberMayRemoveTheSourceThatSupplies) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 9, "default");
+    const auto subscriber = watch(*configuration, "x", [&](int value) {
+        if (value == 1)
+            configuration->removeSource("override");
+    });
+    configuration->set("x", 1);
+    EXPECT_THAT(subscriber->values(), ElementsAre(9, 1, 9));
+    EXPECT_THAT(sourcesOf(*configuration), ElementsAre("default"));
+}
+
+TEST(WatchReentrancy, OnePassOffersOneValueWhateverASubscriberChanges) {
+    const auto configuration = makeConfiguration();
+    watch(*configuration, "x", [&](int value) {
+        if (value == 1)
+            configuration->set("x", 2);
+    });
+    const auto second = watch(*configuration, "x");
+    configuration->set("x", 1);
+    EXPECT_THAT(second->values(), ElementsAre(2, 1)); // the inner pass comes first
+}
+
+TEST(WatchReentrancy, ASubscriberMayUseTheConfigurationWhenItsStreamCompletes) {
+    const auto configuration = makeConfiguration();
+    bool found = true;
+    watch(*configuration, "x")->inOnComplete = [&] { found = has(*configuration, "x"); };
+    configuration->removeStream(0);
+    EXPECT_FALSE(found);
+}
+
+/// Makes another thread ask the configuration, from inside a subscriber.
+class Intruder {
+public:
+    explicit Intruder(ConfigurationImpl& newConfiguration) : configuration(newConfiguration) {}
+
+    /// @return whether another thread gets in within the time
+    bool getsIn(std::chrono::milliseconds limit) {
+        visit = std::async(std::launch::async, [this] { configuration.has("intruder"); });
+        return visit.wait_for(limit) == std::future_status::ready;
+    }
+
+private:
+    ConfigurationImpl& configuration;
+    std::future<void> visit; // ends at the latest when everything is over
+};
+
+TEST(WatchLocks, TheThreadThatSetsKeepsTheMutexDuringTheNotifications) {
+    const auto configuration = makeConfiguration();
+    Intruder intruder(*configuration);
+    bool gotIn = true;
+    watch(*configuration, "x",
+          [&](int) { gotIn = intruder.getsIn(std::chrono::milliseconds(50)); });
+    configuration->set("x", 1);
+    EXPECT_FALSE(gotIn);
+}
+
+TEST(WatchLocks, AChangeThatASourceReportsIsToldWithTheMutexReleased) {
+    Journal journal;
+    const auto configuration = makeConfiguration();
+    const auto source = std::make_shared<ScriptedSource>(journal, "a");
+    configuration->addSource("a", "", -1, false, source);
+    Intruder intruder(*configuration);
+    bool gotIn = false;
+    watch(*configuration, "x", [&](int) { gotIn = intruder.getsIn(patience); });
+    source->change("x", 1);
+    EXPECT_TRUE(gotIn);
+}
+
+TEST(WatchLocks, AnAddedSourceIsToldWithTheMutexReleased) {
+    const auto configuration = makeConfiguration();
+    Intruder intruder(*configuration);
+    bool gotIn = false;
+    watch(*configuration, "x", [&](int) { gotIn = intruder.getsIn(patience); });
+    configuration->addInMemorySource("a", "", -1, false, {{"x", 1}});
+    EXPECT_TRUE(gotIn);
+}
+
+TEST(WatchLocks, ARemovedSourceIsToldWithTheMutexReleased) {
+    const auto configuration = makeConfiguration();
+    configuration->set("x", 1, "default");
+    configuration->set("x", 2);
+    Intruder intruder(*configuration);
+    bool gotIn = false;
+    const auto subscriber = watch(*configuration, "x", [&](int value) {
+        if (value == 1)
+            gotIn = intruder.getsIn(patience);
+    });
+    configuration->removeSource("override");
+    EXPECT_TRUE(gotIn);
+}
+
+TEST(WatchLocks, AStreamThatIsRemovedCompletesWithTheMutexReleased) {
+    const auto configuration = makeConfiguration();
+    Intruder intruder(*configuration);
+    bool gotIn = false;
+    watch(*configuration, "x")->inOnComplete = [&] { gotIn = intruder.getsIn(patience); };
+    configuration->removeStream(0);
+    EXPECT_TRUE(gotIn);
+}
+
+TEST(WatchLocks, TheMutexIsFreeAfterEveryKindOfNotification) {
+    const auto configuration = makeConfiguration();
+    const auto subscriber = watch(*configuration, "x");
+    configuration->set("x", 1);
+    configuration->addInMemorySource("a", "", -1, false, {{"x", 2}});
+    configuration->removeSource("a");
+    EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 1));
+    EXPECT_TRUE(test::isFree(*configuration));
+}
+
+} // namespace

@@ -1,0 +1,78 @@
+/// The interface of sources, as other libraries are compiled against it.
+
+#include <connector/configuration/sources/ConfigurationSource.hpp>
+#include <connector/configuration/sources/InMemorySource.hpp>
+#include <connector/configuration/sources/PropertyFileSource.hpp>
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+
+namespace test {
+
+namespace {
+
+using connector::configuration::ConfigurationSource;
+using connector::configuration::InMemorySource;
+using connector::configuration::OptionValue;
+using connector::configuration::PropertyFileSource;
+
+/// @return the slot of a virtual operation in the table of its class. A pointer to it begins with the
+///         offset in that table, in which some machines set the lowest bit.
+template <typename Operation>
+std::size_t slotOf(Operation operation) {
+    std::ptrdiff_t offset = 0;
+    std::memcpy(&offset, &operation, sizeof(offset));
+    return static_cast<std::size_t>(offset) / sizeof(void*);
+}
+
+} // namespace
+
+TEST(ConfigurationSource, HasItsOperationsInTheOrderOfTheBinaryInterface) {
+    EXPECT_EQ(2u, slotOf(&ConfigurationSource::get)); // behind the two destructors
+    EXPECT_EQ(3u, slotOf(&ConfigurationSource::set));
+    EXPECT_EQ(4u, slotOf(&ConfigurationSource::has));
+    EXPECT_EQ(5u, slotOf(&ConfigurationSource::setWatcher));
+    EXPECT_EQ(6u, slotOf(&ConfigurationSource::keys));
+}
+
+TEST(ConfigurationSource, HasNoDataAndOnlyPureOperations) {
+    EXPECT_EQ(sizeof(void*), sizeof(ConfigurationSource));
+    EXPECT_TRUE(std::is_abstract_v<ConfigurationSource>);
+    EXPECT_TRUE(std::has_virtual_destructor_v<ConfigurationSource>);
+}
+
+TEST(ConfigurationSource, DeclaresItsOperationsAsCallersAndImplementationsUseThem) {
+    using Source = ConfigurationSource;
+    using Watcher = std::function<void(const std::string&)>;
+    EXPECT_TRUE(
+        (std::is_same_v<OptionValue (Source::*)(const std::string&), decltype(&Source::get)>));
+    EXPECT_TRUE((std::is_same_v<OptionValue (Source::*)(const std::string&, OptionValue),
+                                decltype(&Source::set)>));
+    EXPECT_TRUE((std::is_same_v<bool (Source::*)(const std::string&), decltype(&Source::has)>));
+    EXPECT_TRUE((std::is_same_v<void (Source::*)(Watcher), decltype(&Source::setWatcher)>));
+    EXPECT_TRUE((std::is_same_v<std::set<std::string> (Source::*)(), decltype(&Source::keys)>));
+}
+
+TEST(ConfigurationSource, IsTheFirstBaseOfBothSources) {
+    const auto inMemory =
+        std::make_shared<InMemorySource>(std::unordered_map<std::string, OptionValue>());
+    EXPECT_EQ(static_cast<void*>(inMemory.get()),
+              static_cast<void*>(static_cast<ConfigurationSource*>(inMemory.get())));
+    const auto propertyFile = std::make_shared<PropertyFileSource>(u"/dev/null");
+    EXPECT_EQ(static_cast<void*>(propertyFile.get()),
+              static_cast<void*>(static_cast<ConfigurationSource*>(propertyFile.get())));
+}
+
+TEST(ConfigurationSource, HandsOutSharedPointersToItselfInBothSources) {
+    const auto inMemory =
+        std::make_shared<InMemorySource>(std::unordered_map<std::string, OptionValue>());
+    EXPECT_EQ(inMemory, inMemory->shared_from_this());
+    const auto propertyFile = std::make_shared<PropertyFileSource>(u"/dev/null");
+    EXPECT_EQ(propertyFile, propertyFile->shared_from_this());
+}
+
+} // namespace test
