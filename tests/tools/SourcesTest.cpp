@@ -1,0 +1,246 @@
+/// The options that name sources: --file, --set and --default.
+#include "tools/support/Program.hpp"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace {
+
+using test::Result;
+using test::runConnectorConfig;
+using test::TemporaryFile;
+using test::wrongUse;
+
+TEST(FileOption, APlainPathIsANamelessGrouplessSourceOfOrder100NamedAfterThePath) {
+    const TemporaryFile file("k=1\n");
+    const Result result = runConnectorConfig({"-f", file.path(), "--json", "explain", "k"});
+    EXPECT_NE(std::string::npos, result.output.find(R"({"name":")" + file.path() +
+                                                    R"(","order":100,"group":"","readOnly":true,)"))
+        << result.output;
+}
+
+TEST(FileOption, TheLongFormWithThePathAloneIsTheSame) {
+    const TemporaryFile file("k=1\n");
+    EXPECT_EQ(runConnectorConfig({"-f", file.path(), "explain", "k"}),
+              runConnectorConfig({"--file", "path=" + file.path(), "explain", "k"}));
+}
+
+TEST(FileOption, MembersBehindThePathStandInAnyOrder) {
+    const TemporaryFile file("k=1\n");
+    const std::string expected =
+        "n         order -7          group g.  read-only  supplies the value"
+        "  1\n";
+    for (const char* members :
+         {",name=n,group=g,order=-7", ",order=-7,group=g.,name=n", ",group=g,order=-7,name=n"}) {
+        SCOPED_TRACE(members);
+        const Result result =
+            runConnectorConfig({"-f", "path=" + file.path() + members, "explain", "g.k"});
+        EXPECT_EQ(0u, result.output.find(expected)) << result.output;
+    }
+}
+
+TEST(FileOption, APlainPathWithCommasAndEqualsSignsIsOnePath) {
+    const std::string path = testing::TempDir() + "connector-config a,order=x,b=c";
+    const TemporaryFile file("k=1\n");
+    std::filesystem::copy_file(file.path(), path,
+                               std::filesystem::copy_options::overwrite_existing);
+    EXPECT_EQ((Result{0, "1\n", ""}), runConnectorConfig({"-f", path, "get", "k"}));
+    std::filesystem::remove(path);
+}
+
+TEST(FileOption, TheLongFormEndsThePathAtTheFirstComma) {
+    EXPECT_EQ((Result{1, "", "connector-config: Property file could not be opened: no\n"}),
+              runConnectorConfig({"-f", "path=no,name=such,order=1", "keys"}));
+}
+
+TEST(FileOption, WrongMembersAreWrongUse) {
+    const struct {
+        int line;
+        const char* file;
+        const char* message;
+    } rows[] = {
+        {__LINE__, "path=a,colour=red", "Unknown member of a file: colour=red"},
+        {__LINE__, "path=a,name", "Unknown member of a file: name"},
+        {__LINE__, "path=a,", "Unknown member of a file: "},
+        {__LINE__, "path=a,Name=b", "Unknown member of a file: Name=b"},
+        {__LINE__, "path=a, name=b", "Unknown member of a file:  name=b"},
+        {__LINE__, "path=a,name=b,name=c", "Repeated member of a file: name=c"},
+        {__LINE__, "path=a,path=b", "Repeated member of a file: path=b"},
+        {__LINE__, "path=a,order=", "Order is no 32-bit integer: "},
+        {__LINE__, "path=a,order=ten", "Order is no 32-bit integer: ten"},
+        {__LINE__, "path=a,order=1.5", "Order is no 32-bit integer: 1.5"},
+        {__LINE__, "path=a,order=1 ", "Order is no 32-bit integer: 1 "},
+        {__LINE__, "path=a,order=2147483648", "Order is no 32-bit integer: 2147483648"},
+        {__LINE__, "path=a,order=-2147483649", "Order is no 32-bit integer: -2147483649"},
+        {__LINE__, "path=a,order=1,group=g,x=y", "Unknown member of a file: x=y"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ((Result{2, "", wrongUse(row.message)}),
+                  runConnectorConfig({"-f", row.file, "keys"}));
+    }
+}
+
+TEST(FileOption, TheGreatestAndTheSmallestOrderAreTaken) {
+    const TemporaryFile file("k=1\n");
+    for (const char* order : {",order=2147483647", ",order=-2147483648", ",order=0"}) {
+        SCOPED_TRACE(order);
+        EXPECT_EQ((Result{0, "1\n", ""}),
+                  runConnectorConfig({"-f", file.named("n", order), "get", "k"}));
+    }
+}
+
+TEST(FileOption, AFileThatIsNotThereFailsWithTheLibrarysText) {
+    EXPECT_EQ(
+        (Result{1, "", "connector-config: Property file could not be opened: /no/such\\nfile\n"}),
+        runConnectorConfig({"-f", "/no/such\nfile", "keys"}));
+}
+
+TEST(FileOption, ADirectoryFailsWithTheLibrarysText) {
+    EXPECT_EQ((Result{1, "", "connector-config: Property file could not be opened: /\n"}),
+              runConnectorConfig({"-f", "/", "keys"}));
+}
+
+TEST(FileOption, AnEmptyPathFailsWithTheLibrarysText) {
+    EXPECT_EQ((Result{1, "", "connector-config: Property file could not be opened: \n"}),
+              runConnectorConfig({"-f", "", "keys"}));
+}
+
+TEST(FileOption, APathThatIsNoUtf8FailsWithTheLibrarysText) {
+    EXPECT_EQ((Result{1, "", "connector-config: Text is not valid UTF-8\n"}),
+              runConnectorConfig({"-f", "\xff", "keys"}));
+}
+
+TEST(FileOption, TheSameFileTwiceFailsBecauseTheNameIsTaken) {
+    const TemporaryFile file("k=1\n");
+    EXPECT_EQ((Result{1, "",
+                      "connector-config: Source with the requested name already exists: " +
+                          file.path() + "\n"}),
+              runConnectorConfig({"-f", file.path(), "-f", file.path(), "keys"}));
+}
+
+TEST(FileOption, TheNameOfABuiltInSourceFailsBecauseItIsTaken) {
+    const TemporaryFile file("k=1\n");
+    EXPECT_EQ(
+        (Result{1, "",
+                "connector-config: Source with the requested name already exists: override\n"}),
+        runConnectorConfig({"-f", file.named("override"), "keys"}));
+}
+
+TEST(FileOption, FilesOfTheSameOrderTheLastOneGivenIsConsultedFirst) {
+    const TemporaryFile first("k=first\n");
+    const TemporaryFile second("k=second\n");
+    EXPECT_EQ((Result{0, "second\n", ""}),
+              runConnectorConfig({"-f", first.path(), "get", "k", "-f", second.path()}));
+}
+
+TEST(FileOption, SeveralPathsBehindOneOptionAreWrongUse) {
+    const TemporaryFile file("k=1\n");
+    EXPECT_EQ((Result{2, "", wrongUse("Unexpected argument: b")}),
+              runConnectorConfig({"-f", file.path(), "b", "keys"}));
+}
+
+TEST(SetOption, AValueGoesIntoOverride) {
+    EXPECT_EQ((Result{0,
+                      R"({"key":"k","source":"override","value":{"type":"string","value":"v"}})"
+                      "\n",
+                      ""}),
+              runConnectorConfig({"--set", "k=v", "get", "k", "--json"}));
+}
+
+TEST(SetOption, TheSameKeyTwiceKeepsTheLastValue) {
+    EXPECT_EQ((Result{0, "2\n", ""}),
+              runConnectorConfig({"-s", "k=1", "-s", "k:int=2", "get", "k"}));
+}
+
+TEST(DefaultOption, AValueGoesIntoDefault) {
+    EXPECT_EQ((Result{0,
+                      R"({"key":"k","source":"default","value":{"type":"string","value":"v"}})"
+                      "\n",
+                      ""}),
+              runConnectorConfig({"--default", "k=v", "get", "k", "--json"}));
+}
+
+TEST(Sources, OfAllKindsAreAskedFromOverrideToDefault) {
+    const TemporaryFile file("a=file\nb=file\n");
+    EXPECT_EQ((Result{0,
+                      "KEY  TYPE    VALUE     SOURCE\n"
+                      "a    string  override  override\n"
+                      "b    string  file      f\n"
+                      "c    string  default   default\n",
+                      ""}),
+              runConnectorConfig({"-d", "a=default", "-d", "b=default", "-d", "c=default", "-f",
+                                  file.named("f"), "-s", "a=override", "show"}));
+}
+
+TEST(Sources, OfAllKindsAreAddedInTheOrderGiven) {
+    const TemporaryFile file("f=1\n");
+    const Result result = runConnectorConfig(
+        {"--trace", "-d", "a=1", "-f", file.named("f"), "keys", "none", "-s", "b=1", "-d", "c=1"});
+    std::string order;
+    for (const char* step :
+         {"set: a, default\n", "addSource: f, ", "set: b, override\n", "set: c, default\n"}) {
+        const std::size_t position = result.errors.find(step);
+        ASSERT_NE(std::string::npos, position) << step;
+        EXPECT_GE(position, order.size()) << step;
+        order.assign(position, ' ');
+    }
+}
+
+TEST(Sources, WrongArgumentsBehindAMissingFileAreWrongUse) {
+    EXPECT_EQ((Result{2, "", wrongUse("Value does not convert to int: x")}),
+              runConnectorConfig({"-f", "/no/such/file", "-s", "k:int=x", "keys"}));
+}
+
+TEST(Assignment, KeysAndTypesAreToldApart) {
+    const struct {
+        int line;
+        const char* assignment;
+        const char* json;
+    } rows[] = {
+        {__LINE__, "k=v",
+         R"([{"key":"k","source":"override","value":{"type":"string","value":"v"}}])"},
+        {__LINE__, "k=a=b",
+         R"([{"key":"k","source":"override","value":{"type":"string","value":"a=b"}}])"},
+        {__LINE__, "k=a:int=b",
+         R"([{"key":"k","source":"override","value":{"type":"string","value":"a:int=b"}}])"},
+        {__LINE__, "k:int=1",
+         R"([{"key":"k","source":"override","value":{"type":"int","value":1}}])"},
+        {__LINE__, "k:INT=1",
+         R"([{"key":"k:INT","source":"override","value":{"type":"string","value":"1"}}])"},
+        {__LINE__, "k:integer=1",
+         R"([{"key":"k:integer","source":"override","value":{"type":"string","value":"1"}}])"},
+        {__LINE__, "k: int=1",
+         R"([{"key":"k: int","source":"override","value":{"type":"string","value":"1"}}])"},
+        {__LINE__, "k:=1",
+         R"([{"key":"k:","source":"override","value":{"type":"string","value":"1"}}])"},
+        {__LINE__, "k:int:string=1",
+         R"([{"key":"k:int","source":"override","value":{"type":"string","value":"1"}}])"},
+        {__LINE__, "a:b:uint=1",
+         R"([{"key":"a:b","source":"override","value":{"type":"uint","value":1}}])"},
+        {__LINE__, "int=1",
+         R"([{"key":"int","source":"override","value":{"type":"string","value":"1"}}])"},
+        {__LINE__, "-k= v ",
+         R"([{"key":"-k","source":"override","value":{"type":"string","value":" v "}}])"},
+        {__LINE__, "[k]=[v]",
+         R"([{"key":"[k]","source":"override","value":{"type":"string","value":"[v]"}}])"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ((Result{0, std::string(row.json) + "\n", ""}),
+                  runConnectorConfig({"-s", row.assignment, "show", "--json"}));
+    }
+}
+
+TEST(Assignment, WithoutAKeyOrAnEqualsSignIsWrongUse) {
+    for (const char* assignment : {"", "k", "k:int", "=v", ":int=5"}) {
+        SCOPED_TRACE(assignment);
+        const Result expected{
+            2, "", wrongUse(std::string("Not of the form KEY[:TYPE]=VALUE: ") + assignment)};
+        EXPECT_EQ(expected, runConnectorConfig({"-s", assignment, "keys"}));
+        EXPECT_EQ(expected, runConnectorConfig({"-d", assignment, "keys"}));
+    }
+}
+
+} // namespace

@@ -1,0 +1,218 @@
+/// connector-config watch
+#include "tools/support/Program.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using test::connectorConfig;
+using test::Process;
+using test::Result;
+using test::runConnectorConfig;
+using test::TemporaryFile;
+
+TEST(Watch, AnOptionThatHasAValueWritesItAtOnce) {
+    Process process(connectorConfig({"-s", "net.port=1", "watch", "net.port"}));
+    EXPECT_EQ("net.port = 1  (override)", process.readLine());
+    EXPECT_EQ((Result{0, "", ""}), process.finish());
+}
+
+TEST(Watch, AnOptionWithoutAValueWritesNothing) {
+    EXPECT_EQ((Result{0, "", ""}), runConnectorConfig({"watch", "net.port"}));
+}
+
+TEST(Watch, AChangeIsWrittenBeforeTheNextLineIsRead) {
+    Process process(connectorConfig({"watch", "k"}));
+    process.write("set k=1\n");
+    EXPECT_EQ("k = 1  (override)", process.readLine());
+    process.write("set k:uint=2\n");
+    EXPECT_EQ("k = 2  (override)", process.readLine());
+    EXPECT_EQ((Result{0, "", ""}), process.finish());
+}
+
+TEST(Watch, TheSameValueAgainIsWrittenAgain) {
+    EXPECT_EQ((Result{0, "k = 1  (override)\nk = 1  (override)\n", ""}),
+              runConnectorConfig({"watch", "k"}, "set k=1\nset k=1\n"));
+}
+
+TEST(Watch, SeveralKeysAreWrittenAsTheyChange) {
+    EXPECT_EQ(
+        (Result{0,
+                "b = 0  (override)\n"
+                "a = 1  (override)\n"
+                "b = 2  (override)\n",
+                ""}),
+        runConnectorConfig({"-s", "b=0", "watch", "a", "b"}, "set a=1\nset other=9\nset b=2\n"));
+}
+
+TEST(Watch, AChangeOfALowerSourceWritesTheEffectiveValueAgain) {
+    EXPECT_EQ((Result{0, "k = 1  (override)\nk = 1  (override)\n", ""}),
+              runConnectorConfig({"-s", "k=1", "watch", "k"}, "set k=2 @default\n"));
+}
+
+TEST(Watch, ASourceThatIsNamedTakesTheValue) {
+    EXPECT_EQ((Result{0, "k = 2  (default)\n", ""}),
+              runConnectorConfig({"watch", "k"}, "set k=2 @default\n"));
+}
+
+TEST(Watch, AddingAFileWritesItsValues) {
+    const TemporaryFile file("port=1\n");
+    EXPECT_EQ(
+        (Result{0, "net.port = 1  (f)\n", ""}),
+        runConnectorConfig({"watch", "net.port"}, "add " + file.named("f", ",group=net") + "\n"));
+}
+
+TEST(Watch, AddingAPlainPathNamesTheSourceAfterIt) {
+    const TemporaryFile file("k=1\n");
+    EXPECT_EQ((Result{0, "k = 1  (" + file.path() + ")\n", ""}),
+              runConnectorConfig({"watch", "k"}, "add " + file.path() + "\n"));
+}
+
+TEST(Watch, RemovingASourceWritesWhatHoldsNow) {
+    const TemporaryFile file("k=1\n");
+    EXPECT_EQ((Result{0, "k = 1  (my file)\nk = 0  (default)\n", ""}),
+              runConnectorConfig({"-d", "k=0", "-f", file.named("my file"), "watch", "k"},
+                                 "remove my file\n"));
+}
+
+TEST(Watch, TheLastValueGoesWritesNothing) {
+    EXPECT_EQ((Result{0, "k = 1  (override)\n", ""}),
+              runConnectorConfig({"-s", "k=1", "watch", "k"}, "remove override\n"));
+}
+
+TEST(Watch, RemovingASourceWithAGroupTellsTheUnprefixedKeysOnly) {
+    const TemporaryFile file("port=1\n");
+    EXPECT_EQ((Result{0,
+                      "net.port = 1  (f)\n"
+                      "port = 5  (default)\n"
+                      "port = 5  (default)\n",
+                      ""}),
+              runConnectorConfig({"-f", file.named("f", ",group=net"), "-d", "net.port=4", "-d",
+                                  "port=5", "watch", "net.port", "port"},
+                                 "remove f\n"));
+}
+
+TEST(Watch, ValuesStayOnTheirLineEscaped) {
+    EXPECT_EQ(
+        (Result{0,
+                "k\\n = a\\rb\\x1b[31m\\xff\\u0085\\u2028  (override)\n"
+                "l = [\"a\\nb\",\"\\u007f\"]  (override)\n",
+                ""}),
+        runConnectorConfig({"-s", "k\n=a\rb\x1b[31m\xff\xc2\x85\xe2\x80\xa8", "watch", "k\n", "l"},
+                           "set l:stringArray=[\"a\\nb\",\"\x7f\"]\n"));
+}
+
+TEST(Watch, LinesWithBlanksAndAtSignsAreReadAsTheyStand) {
+    const struct {
+        int line;
+        const char* input;
+        const char* output;
+    } rows[] = {
+        {__LINE__, "set k=a@b", "a@b  (override)"},
+        {__LINE__, "set k=@default", "@default  (override)"},
+        {__LINE__, "set k= @default", "  (default)"},
+        {__LINE__, "set k=a b @default", "a b  (default)"},
+        {__LINE__, "set k=a\t@default", "a  (default)"},
+        {__LINE__, "set k=a  @default", "a   (default)"},
+        {__LINE__, "set k=a @default ", "a  (default)"},
+        {__LINE__, "set k=a @b c", "a @b c  (override)"},
+        {__LINE__, "set k=a @b @default", "a @b  (default)"},
+        {__LINE__, "set k=a ", "a   (override)"},
+        {__LINE__, "  set \t k=a", "a  (override)"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ((Result{0, std::string("k = ") + row.output + "\n", ""}),
+                  runConnectorConfig({"watch", "k"}, std::string(row.input) + "\n"));
+    }
+}
+
+TEST(Watch, AWrongLineIsAnsweredOnStandardErrorAndHarmsNothing) {
+    const std::string unknown =
+        "Neither set KEY[:TYPE]=VALUE [@SOURCE], add FILE, remove NAME nor quit: ";
+    const struct {
+        int line;
+        const char* input;
+        std::string message;
+    } rows[] = {
+        {__LINE__, "", unknown},
+        {__LINE__, "get k", unknown + "get k"},
+        {__LINE__, "SET k=1", unknown + "SET k=1"},
+        {__LINE__, "setk=1", unknown + "setk=1"},
+        {__LINE__, "set", unknown + "set"},
+        {__LINE__, "add", unknown + "add"},
+        {__LINE__, "remove ", unknown + "remove "},
+        {__LINE__, "quit now", unknown + "quit now"},
+        {__LINE__, "\x1b[31m", unknown + "\\x1b[31m"},
+        {__LINE__, "set k", "Not of the form KEY[:TYPE]=VALUE: k"},
+        {__LINE__, "set k:int=x", "Value does not convert to int: x"},
+        {__LINE__, "set k=1 @nobody", "Source not found or not writable: k, nobody"},
+        {__LINE__, "set k=1 @", "Source not found or not writable: k, "},
+        {__LINE__, "set k=1 @file", "Source not found or not writable: k, file"},
+        {__LINE__, "add /no/such/file", "Property file could not be opened: /no/such/file"},
+        {__LINE__, "add path=a,b=c", "Unknown member of a file: b=c"},
+        {__LINE__, "add path=a,order=x", "Order is no 32-bit integer: x"},
+        {__LINE__, "remove nobody", "No source with that name: nobody"},
+    };
+    const TemporaryFile file("k=0\n");
+    Process process(connectorConfig({"-f", file.named("file"), "watch", "k"}));
+    EXPECT_EQ("k = 0  (file)", process.readLine());
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        process.write(std::string(row.input) + "\n");
+        EXPECT_EQ("connector-config: " + row.message, process.readErrorLine());
+    }
+    process.write("set k=1\n");
+    EXPECT_EQ("k = 1  (override)", process.readLine());
+    EXPECT_EQ((Result{0, "", ""}), process.finish());
+}
+
+TEST(Watch, AddingANameThatIsTakenIsAnsweredWithTheLibrarysText) {
+    const TemporaryFile file("k=0\n");
+    EXPECT_EQ(
+        (Result{0, "k = 0  (f)\n",
+                "connector-config: Source with the requested name already exists: f\n"}),
+        runConnectorConfig({"-f", file.named("f"), "watch", "k"}, "add " + file.named("f") + "\n"));
+}
+
+TEST(Watch, NoWritableSourceIsLeftIsAnsweredWithTheLibrarysText) {
+    EXPECT_EQ((Result{0, "", "connector-config: No writable configuration source for key: k\n"}),
+              runConnectorConfig({"watch", "k"}, "remove override\nremove default\nset k=1\n"));
+}
+
+TEST(Watch, QuitEndsWithoutReadingOn) {
+    Process process(connectorConfig({"watch", "k"}));
+    process.write(" quit \nset k=1\n");
+    EXPECT_EQ("", process.readLine());
+    EXPECT_EQ((Result{0, "", ""}), process.finish());
+}
+
+TEST(Watch, TheLastLineWithoutALineEndCounts) {
+    EXPECT_EQ((Result{0, "k = 1  (override)\n", ""}),
+              runConnectorConfig({"watch", "k"}, "set k=1"));
+}
+
+TEST(Watch, WithTraceWritesTheLinesOnStandardError) {
+    const Result result = runConnectorConfig({"--trace", "watch", "k"}, "set k=1\n");
+    EXPECT_EQ("k = 1  (override)\n", result.output);
+    EXPECT_NE(std::string::npos, result.errors.find("set: k\nset: k@override\nupdatePublishers: k\n"
+                                                    "get: k from override\nnotifying watcher: k\n"))
+        << result.errors;
+}
+
+TEST(WatchJson, EveryValueIsAnObjectOnALine) {
+    Process process(connectorConfig({"--json", "-s", "k\n=a\nb\xff", "watch", "k\n", "l"}));
+    EXPECT_EQ("{\"key\":\"k\\n\",\"source\":\"override\",\"value\":"
+              "{\"type\":\"string\",\"value\":\"a\\nb\xEF\xBF\xBD\"}}",
+              process.readLine());
+    process.write("set l:intArray=[1, 2] @default\n");
+    EXPECT_EQ(R"({"key":"l","source":"default","value":{"type":"intArray","value":[1,2]}})",
+              process.readLine());
+    process.write("nonsense\n");
+    EXPECT_EQ("connector-config: Neither set KEY[:TYPE]=VALUE [@SOURCE], add FILE, remove NAME nor "
+              "quit: nonsense",
+              process.readErrorLine());
+    EXPECT_EQ((Result{0, "", ""}), process.finish());
+}
+
+} // namespace

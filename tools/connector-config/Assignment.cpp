@@ -1,0 +1,27 @@
+#include "Assignment.hpp"
+
+#include "ValueReading.hpp"
+#include "WrongArguments.hpp"
+
+namespace connector_config {
+
+Assignment parseAssignment(const std::string& text) {
+    const std::size_t equalsSign = text.find('=');
+    if (equalsSign == std::string::npos)
+        throw WrongArguments("Not of the form KEY[:TYPE]=VALUE: " + text);
+    std::string key = text.substr(0, equalsSign);
+
+    ValueType type = ValueType::String;
+    const std::size_t colon = key.rfind(':');
+    if (colon != std::string::npos) {
+        if (const auto named = typeNamed(std::string_view(key).substr(colon + 1))) {
+            type = *named;
+            key.resize(colon);
+        }
+    }
+    if (key.empty())
+        throw WrongArguments("Not of the form KEY[:TYPE]=VALUE: " + text);
+    return {std::move(key), readValue(type, text.substr(equalsSign + 1))};
+}
+
+} // namespace connector_config

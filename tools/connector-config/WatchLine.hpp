@@ -1,0 +1,35 @@
+/// What watch reads from standard input.
+#pragma once
+
+#include "Assignment.hpp"
+#include "FileArgument.hpp"
+
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace connector_config {
+
+struct SetLine {
+    Assignment assignment;
+    std::optional<std::string> source;
+};
+struct AddLine {
+    FileArgument file;
+};
+struct RemoveLine {
+    std::string name;
+};
+struct QuitLine {};
+
+using WatchLine = std::variant<SetLine, AddLine, RemoveLine, QuitLine>;
+
+/// Blanks, that is spaces and tabs, may stand before and between the words; what follows the blanks
+/// behind add and remove is the argument, to the end of the line. In
+///     set KEY[:TYPE]=VALUE [@SOURCE]
+/// a last word that begins with "@" is the source, and the blank before it is no part of VALUE. Every
+/// other "@" is, and so is every other blank.
+/// @throws WrongArguments
+WatchLine parseWatchLine(const std::string& line);
+
+} // namespace connector_config

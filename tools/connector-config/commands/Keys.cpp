@@ -1,0 +1,45 @@
+#include "Commands.hpp"
+
+#include "Escaping.hpp"
+#include "Json.hpp"
+
+#include <Poco/JSON/Array.h>
+
+namespace connector_config {
+
+std::vector<std::string> keysWithPrefix(ConfigurationImpl& configuration,
+                                        const std::string& prefix) {
+    const std::set<std::string> all = configuration.keys().get();
+    std::vector<std::string> matching;
+    for (auto key = all.lower_bound(prefix); key != all.end(); ++key) {
+        if (key->compare(0, prefix.size(), prefix) != 0)
+            break; // sorted byte by byte, all that match stand together
+        matching.push_back(*key);
+    }
+    return matching;
+}
+
+namespace {
+
+std::string asJson(const std::vector<std::string>& keys) {
+    Poco::JSON::Array::Ptr array = new Poco::JSON::Array;
+    for (const std::string& key : keys)
+        array->add(repaired(key));
+    return toText(array) + '\n';
+}
+
+std::string asLines(const std::vector<std::string>& keys) {
+    std::string lines;
+    for (const std::string& key : keys)
+        lines += escaped(key) + '\n';
+    return lines;
+}
+
+} // namespace
+
+std::string keys(ConfigurationImpl& configuration, const Arguments& arguments) {
+    const std::vector<std::string> keys = keysWithPrefix(configuration, arguments.prefix);
+    return arguments.json ? asJson(keys) : asLines(keys);
+}
+
+} // namespace connector_config

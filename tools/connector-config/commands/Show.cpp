@@ -1,0 +1,57 @@
+#include "Commands.hpp"
+
+#include "Escaping.hpp"
+#include "Json.hpp"
+#include "Secrets.hpp"
+#include "Table.hpp"
+#include "ValueText.hpp"
+
+#include <Poco/JSON/Array.h>
+
+namespace connector_config {
+
+namespace {
+
+using connector::configuration::Option;
+
+std::vector<Option> optionsToShow(ConfigurationImpl& configuration, const Arguments& arguments) {
+    const Secrets secrets(arguments.secrets);
+    std::vector<Option> options;
+    for (const std::string& key : keysWithPrefix(configuration, arguments.prefix))
+        options.push_back(secrets.shown(configuration.getOption(key).get()));
+    return options;
+}
+
+std::string asJson(const std::vector<Option>& options) {
+    Poco::JSON::Array::Ptr array = new Poco::JSON::Array;
+    for (const Option& option : options)
+        array->add(toJson(option));
+    return toText(array) + '\n';
+}
+
+std::string asTable(const std::vector<Option>& options, const Terminal& terminal) {
+    if (options.empty())
+        return "";
+    constexpr std::size_t valueColumn = 2;
+    Table table;
+    table.add({{"KEY", Style::Strong},
+               {"TYPE", Style::Strong},
+               {"VALUE", Style::Strong},
+               {"SOURCE", Style::Strong}});
+    for (const Option& option : options)
+        table.add({{escaped(option.key)},
+                   {nameOf(typeOf(option.value)), Style::Quiet},
+                   {shownText(option.value)},
+                   {escaped(option.source), Style::Quiet}});
+    return table.textCutToWidth(terminal, valueColumn);
+}
+
+} // namespace
+
+std::string show(ConfigurationImpl& configuration, const Arguments& arguments,
+                 const Terminal& terminal) {
+    const std::vector<Option> options = optionsToShow(configuration, arguments);
+    return arguments.json ? asJson(options) : asTable(options, terminal);
+}
+
+} // namespace connector_config

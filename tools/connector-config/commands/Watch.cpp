@@ -1,0 +1,136 @@
+#include "Commands.hpp"
+
+#include "Escaping.hpp"
+#include "Json.hpp"
+#include "Output.hpp"
+#include "Secrets.hpp"
+#include "Sources.hpp"
+#include "ValueText.hpp"
+#include "WatchLine.hpp"
+#include "WrongArguments.hpp"
+
+#include <connector/reactive_streams/Subscriber.hpp>
+
+#include <exception>
+#include <iostream>
+
+namespace connector_config {
+
+namespace {
+
+using connector::configuration::Option;
+using connector::reactive_streams::Subscription;
+
+std::string lineOf(const Option& option) {
+    return escaped(option.key) + " = " + shownText(option.value) + "  (" + escaped(option.source) +
+           ")\n";
+}
+
+/// Writes the values of one option, asking for the next when one is written.
+class Printer : public connector::reactive_streams::Subscriber<OptionValue> {
+public:
+    Printer(ConfigurationImpl& newConfiguration, const Secrets& newSecrets, std::string newKey,
+            bool newJson)
+        : configuration(newConfiguration), secrets(newSecrets), key(std::move(newKey)),
+          json(newJson) {}
+
+    void onSubscribe(std::weak_ptr<Subscription> newSubscription) override {
+        subscription = std::move(newSubscription);
+        requestOne();
+    }
+
+    // What goes wrong here is none of the library's business: it is kept for whoever runs the loop.
+    void onNext(const OptionValue& value) override {
+        try {
+            print(value);
+            requestOne();
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+
+    void onComplete() override {}
+    void onError(std::exception_ptr) override {}
+
+    void rethrowFailure() const {
+        if (failure)
+            std::rethrow_exception(failure);
+    }
+
+private:
+    void print(const OptionValue& value) const {
+        const Option option =
+            secrets.shown(Option{key, configuration.getOption(key).get().source, value});
+        writeOutput(json ? toText(toJson(option)) + '\n' : lineOf(option));
+    }
+
+    void requestOne() const {
+        if (const auto alive = subscription.lock())
+            alive->request(1);
+    }
+
+    ConfigurationImpl& configuration;
+    const Secrets& secrets;
+    const std::string key;
+    const bool json;
+    std::weak_ptr<Subscription> subscription;
+    std::exception_ptr failure;
+};
+
+/// Does what a line asks for. @return whether to go on
+struct Change {
+    ConfigurationImpl& configuration;
+
+    bool operator()(const SetLine& line) const {
+        const auto& [key, value] = line.assignment;
+        if (line.source)
+            configuration.set(key, value, *line.source).get();
+        else
+            configuration.set(key, value).get();
+        return true;
+    }
+    bool operator()(const AddLine& line) const {
+        addFile(configuration, line.file);
+        return true;
+    }
+    bool operator()(const RemoveLine& line) const {
+        if (!configuration.removeSource(line.name).get())
+            throw WrongArguments("No source with that name: " + line.name);
+        return true;
+    }
+    bool operator()(const QuitLine&) const { return false; }
+};
+
+/// @return whether to go on
+bool obey(ConfigurationImpl& configuration, const std::string& line) {
+    try {
+        return std::visit(Change{configuration}, parseWatchLine(line));
+    } catch (const std::exception& error) {
+        complain(error.what());
+        return true;
+    }
+}
+
+} // namespace
+
+void watch(ConfigurationImpl& configuration, const Arguments& arguments) {
+    const Secrets secrets(arguments.secrets);
+    std::vector<std::shared_ptr<Printer>> printers;
+    const auto rethrowFailures = [&printers] {
+        for (const auto& printer : printers)
+            printer->rethrowFailure();
+    };
+
+    for (const std::string& key : arguments.keys) {
+        printers.push_back(std::make_shared<Printer>(configuration, secrets, key, arguments.json));
+        configuration.watchOption(key)->subscribe(printers.back());
+    }
+    rethrowFailures();
+    for (std::string line; std::getline(std::cin, line);) {
+        if (!obey(configuration, line))
+            return;
+        rethrowFailures();
+    }
+}
+
+} // namespace connector_config

@@ -1,0 +1,67 @@
+/// connector-config: what value has an option, and who says so? docs/connector-config.md tells more.
+#include "Arguments.hpp"
+#include "ExitStatus.hpp"
+#include "Help.hpp"
+#include "Output.hpp"
+#include "Sources.hpp"
+#include "Trace.hpp"
+#include "WrongArguments.hpp"
+#include "commands/Commands.hpp"
+
+#include <iostream>
+
+namespace connector_config {
+
+namespace {
+
+void runCommand(ConfigurationImpl& configuration, const Arguments& arguments) {
+    switch (arguments.command) {
+    case Command::Get:
+        return writeOutput(get(configuration, arguments));
+    case Command::Keys:
+        return writeOutput(keys(configuration, arguments));
+    case Command::Show:
+        return writeOutput(show(configuration, arguments, terminalOfOutput()));
+    case Command::Explain:
+        return writeOutput(explain(configuration, arguments, terminalOfOutput()));
+    case Command::Watch:
+        return watch(configuration, arguments);
+    case Command::Serve:
+        return serveMessages(configuration, arguments);
+    }
+}
+
+void run(const Arguments& arguments) {
+    if (!arguments.information.empty())
+        return writeOutput(arguments.information);
+    const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
+                                                       : nullptr);
+    const auto configuration = std::make_shared<ConfigurationImpl>();
+    addSources(*configuration, arguments.sources);
+    runCommand(*configuration, arguments);
+}
+
+ExitStatus runReportingFailure(int argc, const char* const argv[]) {
+    try {
+        run(parseArguments(argc, argv));
+        return Success;
+    } catch (const WrongArguments& error) {
+        complain(error.what());
+        std::cerr << usageLine() << "Try connector-config --help\n" << std::flush;
+        return WrongUse;
+    } catch (const OutputFailure& error) {
+        if (!error.readerLeft())
+            complain(error.what());
+    } catch (const std::exception& error) {
+        complain(error.what());
+    }
+    return Failure;
+}
+
+} // namespace
+
+} // namespace connector_config
+
+int main(int argc, char* argv[]) {
+    return connector_config::runReportingFailure(argc, argv);
+}

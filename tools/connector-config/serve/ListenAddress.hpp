@@ -1,0 +1,18 @@
+/// HOST:PORT, as the user writes it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace connector_config::serve {
+
+struct ListenAddress {
+    std::string host; ///< a name, or an address without brackets; the loopback one if none is given
+    std::uint16_t port = 0; ///< 0 for any that is free
+};
+
+/// @param text  HOST:PORT, [ADDRESS]:PORT, :PORT or PORT
+/// @throws WrongArguments "Not of the form HOST:PORT: " + text
+ListenAddress parseListenAddress(const std::string& text);
+
+} // namespace connector_config::serve

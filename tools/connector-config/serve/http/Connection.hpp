@@ -1,0 +1,27 @@
+/// One client and its one request.
+#pragma once
+
+#include "serve/http/HttpServer.hpp"
+#include "serve/http/Wire.hpp"
+
+#include <Poco/Net/TCPServerConnection.h>
+
+namespace connector_config::serve {
+
+class Connection : public Poco::Net::TCPServerConnection {
+public:
+    Connection(const Poco::Net::StreamSocket& socket, Shared& newShared)
+        : TCPServerConnection(socket), shared(newShared) {}
+
+    /// Throws nothing: a client that went has nobody to be told.
+    void run() override;
+
+private:
+    void serve();
+    Answer answer(Wire& wire);
+    bool watch(const std::string& key);
+
+    Shared& shared;
+};
+
+} // namespace connector_config::serve

@@ -1,0 +1,54 @@
+#include "serve/http/HttpServer.hpp"
+
+#include "serve/http/Connection.hpp"
+
+namespace connector_config::serve {
+
+namespace {
+
+constexpr int mostThreads = 1024;
+constexpr int mostWaiting = 4096; // for a thread
+constexpr int stackSize = 512 * 1024;
+constexpr int secondsOfIdleness = 2;
+
+class ConnectionFactory : public Poco::Net::TCPServerConnectionFactory {
+public:
+    explicit ConnectionFactory(Shared& newShared) : shared(newShared) {}
+
+    Poco::Net::TCPServerConnection*
+    createConnection(const Poco::Net::StreamSocket& socket) override {
+        return new Connection(socket, shared);
+    }
+
+private:
+    Shared& shared;
+};
+
+Poco::Net::TCPServerParams::Ptr parameters() {
+    Poco::Net::TCPServerParams::Ptr parameters = new Poco::Net::TCPServerParams;
+    parameters->setMaxThreads(mostThreads);
+    parameters->setMaxQueued(mostWaiting);
+    parameters->setThreadIdleTime(Poco::Timespan(secondsOfIdleness, 0));
+    return parameters;
+}
+
+} // namespace
+
+HttpServer::HttpServer(const Poco::Net::ServerSocket& socket, Shared& newShared)
+    : shared(newShared), threads("http", 2, mostThreads, secondsOfIdleness, stackSize),
+      server(new ConnectionFactory(shared), threads, socket, parameters()) {
+    server.start();
+}
+
+HttpServer::~HttpServer() {
+    if (!shared.ending.isAnnounced())
+        shared.ending.announce(Clock::now());
+    stop();
+}
+
+void HttpServer::stop() {
+    server.stop();
+    threads.joinAll();
+}
+
+} // namespace connector_config::serve
