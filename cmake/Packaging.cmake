@@ -1,0 +1,84 @@
+# What `cmake --install` leaves behind: headers, libraries, the program, a CMake package and a
+# pkg-config file. Nothing installed knows where it lies: the prefix can be moved afterwards.
+
+if(NOT CONNECTOR_INSTALL)
+    return()
+endif()
+
+include(CMakePackageConfigHelpers)
+
+set(connector_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/connector-configuration")
+set(connector_pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+# connector_relative_path(FROM TO RESULT): the way between two installed directories
+function(connector_relative_path from to result)
+    file(RELATIVE_PATH path "/${from}" "/${to}")
+    string(REGEX REPLACE "/$" "" path "${path}")
+    set(${result} "${path}" PARENT_SCOPE)
+endfunction()
+
+# connector_install_headers(DIRECTORY DESTINATION): the headers below a directory, without those of
+# its detail/ folders
+function(connector_install_headers directory destination)
+    install(DIRECTORY "${directory}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${destination}"
+        FILES_MATCHING PATTERN "*.hpp" PATTERN detail EXCLUDE)
+endfunction()
+
+# The library
+connector_install_headers("${PROJECT_SOURCE_DIR}/connector" connector)
+foreach(header IN ITEMS async/detail/Errors configuration/detail/OptionStreams) # public ones need them
+    cmake_path(GET header PARENT_PATH parent)
+    install(FILES "${PROJECT_SOURCE_DIR}/connector/${header}.hpp"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/${parent}")
+endforeach()
+install(FILES "${PROJECT_BINARY_DIR}/connector/include/connector/Export.hpp"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector")
+install(TARGETS connector-configuration EXPORT connector-configuration-targets)
+
+# The platform. Where the application brings its own, connector-platform is but a name for that, and
+# there are no files of it.
+if(TARGET connector-platform)
+    install(TARGETS connector-platform EXPORT connector-configuration-targets)
+endif()
+if(NOT CONNECTOR_PLATFORM)
+    connector_install_headers("${PROJECT_SOURCE_DIR}/platform" "")
+    install(FILES "${PROJECT_BINARY_DIR}/platform/include/connector/platform/Export.hpp"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/platform")
+endif()
+
+# The program
+if(TARGET connector-config)
+    connector_relative_path("${CMAKE_INSTALL_BINDIR}" "${CMAKE_INSTALL_LIBDIR}" bin_to_lib)
+    set_target_properties(connector-config PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+    install(TARGETS connector-config)
+endif()
+
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+
+# find_package(connector-configuration)
+install(EXPORT connector-configuration-targets
+    NAMESPACE connector::
+    DESTINATION "${connector_package_dir}")
+configure_package_config_file(
+    "${CMAKE_CURRENT_LIST_DIR}/connector-configuration-config.cmake.in"
+    "${PROJECT_BINARY_DIR}/cmake/connector-configuration-config.cmake"
+    INSTALL_DESTINATION "${connector_package_dir}"
+    NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(
+    "${PROJECT_BINARY_DIR}/cmake/connector-configuration-config-version.cmake"
+    COMPATIBILITY SameMinorVersion) # until 1.0, see docs/abi-policy.md
+install(FILES
+    "${PROJECT_BINARY_DIR}/cmake/connector-configuration-config.cmake"
+    "${PROJECT_BINARY_DIR}/cmake/connector-configuration-config-version.cmake"
+    DESTINATION "${connector_package_dir}")
+
+# pkg-config. With a platform of the application's own, what that takes is the application's to say.
+set(connector_platform_libs "-lconnector-platform -lboost_log -lboost_thread")
+if(CONNECTOR_PLATFORM)
+    set(connector_platform_libs "")
+endif()
+connector_relative_path("${connector_pkgconfig_dir}" "" pkgconfig_to_prefix)
+configure_file("${CMAKE_CURRENT_LIST_DIR}/connector-configuration.pc.in"
+    "${PROJECT_BINARY_DIR}/cmake/connector-configuration.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/cmake/connector-configuration.pc"
+    DESTINATION "${connector_pkgconfig_dir}")

@@ -1,0 +1,46 @@
+# Installs the build, moves the prefix, and looks at what lies there.
+include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
+
+file(REMOVE_RECURSE "${WORK_DIR}/installed" "${WORK_DIR}/moved")
+run(ignored "${CMAKE_COMMAND}" --install "${BUILD_DIR}" --prefix "${WORK_DIR}/installed")
+cmake_path(GET PREFIX PARENT_PATH prefix_parent)
+file(MAKE_DIRECTORY "${prefix_parent}")
+file(RENAME "${WORK_DIR}/installed" "${PREFIX}")
+
+expect_exists(
+    "${PREFIX}/${INCLUDEDIR}/connector/Export.hpp"
+    "${PREFIX}/${INCLUDEDIR}/connector/configuration/Configuration.hpp"
+    "${PREFIX}/${INCLUDEDIR}/connector/platform/Export.hpp"
+    "${PREFIX}/${INCLUDEDIR}/connector/reactive_streams/Subscriber.hpp"
+    "${PREFIX}/${INCLUDEDIR}/fl/i18n/codecvt.hpp"
+    "${PREFIX}/${INCLUDEDIR}/foundation/log/basic_diagnostic_logger.hpp"
+    "${PREFIX}/share/doc/connector-configuration/LICENSE")
+
+# What only our sources include stays at home, and nothing of the tests comes along.
+file(GLOB_RECURSE installed RELATIVE "${PREFIX}" "${PREFIX}/*")
+foreach(path IN LISTS installed)
+    if(path MATCHES "\\.cpp$|PropertyParser|StreamCursor|gtest|gmock|test-support|benchmark")
+        fail("should not be installed: ${path}")
+    endif()
+endforeach()
+
+# The program finds the libraries beside it, wherever both lie.
+if(EXISTS "${BUILD_DIR}/tools/connector-config/connector-config")
+    run(version "${PREFIX}/bin/connector-config" --version)
+    if(NOT version MATCHES "${PROGRAM_VERSION}")
+        fail("the installed program gives its version as ${version}")
+    endif()
+endif()
+
+# Nothing that is text remembers the directories of the build.
+foreach(path IN LISTS installed)
+    if(path MATCHES "\\.(hpp|cmake|pc)$")
+        file(STRINGS "${PREFIX}/${path}" lines)
+        foreach(directory IN ITEMS "${SOURCE_DIR}" "${BUILD_DIR}" "${WORK_DIR}")
+            string(FIND "${lines}" "${directory}" position)
+            if(NOT position EQUAL -1)
+                fail("${path} mentions ${directory}")
+            endif()
+        endforeach()
+    endif()
+endforeach()
