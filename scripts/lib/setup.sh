@@ -37,6 +37,11 @@ packages_of() {
     fi
 }
 
+# What clang's fuzzer links; its name has the version of the compiler that is installed by then.
+fuzzing_package() {
+    printf 'libclang-rt-%s-dev' "$(clang++ -dumpversion | cut -d. -f1)"
+}
+
 # missing_of PACKAGE...: those that are not installed, one a line
 missing_of() {
     local installed
@@ -159,6 +164,9 @@ set_up() {
     local packages
     mapfile -t packages < <(packages_of "$1")
     ensure_packages "${packages[@]}"
+    if [[ $1 == clang ]]; then
+        ensure_packages "$(fuzzing_package)"
+    fi
     cd "$root" || die "cannot enter $root" # where the presets are
     configure "$1"
     build "$@"

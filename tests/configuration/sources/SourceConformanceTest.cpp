@@ -11,6 +11,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <ostream>
 #include <sstream>
 
 namespace test {
@@ -31,6 +32,10 @@ struct SourceKind {
     std::function<void(ConfigurationSource&, const std::string& key, const std::string& value)>
         change;
 };
+
+std::ostream& operator<<(std::ostream& stream, const SourceKind& kind) {
+    return stream << kind.name;
+}
 
 std::shared_ptr<ConfigurationSource> makeInMemorySource(const Texts& texts) {
     return std::make_shared<InMemorySource>(

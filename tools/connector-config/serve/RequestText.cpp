@@ -1,5 +1,6 @@
 #include "serve/RequestText.hpp"
 
+#include "Number.hpp"
 #include "Utf8.hpp"
 #include "serve/JsonTokens.hpp"
 
@@ -8,6 +9,7 @@
 #include <Poco/NumberParser.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <stdexcept>
 
 namespace connector_config::serve {
@@ -60,10 +62,8 @@ bool fits(const std::string& number) {
         double value = 0;
         return Poco::NumberParser::tryParseFloat(number, value);
     }
-    Poco::Int64 value = 0;
-    Poco::UInt64 bigValue = 0;
-    return Poco::NumberParser::tryParse64(number, value) ||
-           Poco::NumberParser::tryParseUnsigned64(number, bigValue);
+    // Poco's own answer is no help here: beyond 64 bits it wraps around.
+    return readNumber<std::int64_t>(number) || readNumber<std::uint64_t>(number);
 }
 
 /// @return the text with quotes around the numbers that the parser has no type for

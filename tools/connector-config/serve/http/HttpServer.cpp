@@ -10,6 +10,7 @@ constexpr int mostThreads = 1024;
 constexpr int mostWaiting = 4096; // for a thread
 constexpr int stackSize = 512 * 1024;
 constexpr int secondsOfIdleness = 2;
+constexpr long millisecondsForWork = 500; // a thread waits that long for work, or for the end
 
 class ConnectionFactory : public Poco::Net::TCPServerConnectionFactory {
 public:
@@ -28,7 +29,7 @@ Poco::Net::TCPServerParams::Ptr parameters() {
     Poco::Net::TCPServerParams::Ptr parameters = new Poco::Net::TCPServerParams;
     parameters->setMaxThreads(mostThreads);
     parameters->setMaxQueued(mostWaiting);
-    parameters->setThreadIdleTime(Poco::Timespan(secondsOfIdleness, 0));
+    parameters->setThreadIdleTime(millisecondsForWork * Poco::Timespan::MILLISECONDS);
     return parameters;
 }
 

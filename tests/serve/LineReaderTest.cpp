@@ -1,0 +1,69 @@
+#include "serve/LineReader.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+using connector_config::serve::LineReader;
+
+/// @return the lines that a reader finds in these bytes
+std::vector<std::string> linesOf(const std::string& bytes, std::size_t longest) {
+    int ends[2];
+    if (::pipe(ends) != 0)
+        throw std::runtime_error("no pipe");
+    std::thread writer([&] {
+        for (std::size_t done = 0; done < bytes.size();) {
+            const ssize_t count = ::write(ends[1], bytes.data() + done, bytes.size() - done);
+            done += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        }
+        ::close(ends[1]);
+    });
+    std::vector<std::string> lines;
+    LineReader reader(ends[0], longest);
+    while (const auto line = reader.next())
+        lines.push_back(*line);
+    writer.join();
+    ::close(ends[0]);
+    return lines;
+}
+
+using Lines = std::vector<std::string>;
+
+TEST(LineReader, Lines_ComeWithoutTheirEnds) {
+    EXPECT_EQ((Lines{"a", "", "b"}), linesOf("a\n\nb\n", 10));
+}
+
+TEST(LineReader, NoInput_IsNoLine) {
+    EXPECT_EQ(Lines{}, linesOf("", 10));
+}
+
+TEST(LineReader, TheLastLine_NeedsNoEnd) {
+    EXPECT_EQ((Lines{"a", "b"}), linesOf("a\nb", 10));
+}
+
+TEST(LineReader, ALineThatIsTooLong_IsCutToOneByteTooMany) {
+    EXPECT_EQ((Lines{"abcd", "e"}), linesOf("abcdefgh\ne\n", 3));
+    EXPECT_EQ((Lines{"abc", "abcd"}), linesOf("abc\nabcd\n", 3));
+}
+
+TEST(LineReader, LinesLongerThanTheBuffer_StayWhole) {
+    const std::string line(200000, 'x');
+    EXPECT_EQ((Lines{line, "y"}), linesOf(line + "\ny\n", 300000));
+    EXPECT_EQ((Lines{line.substr(0, 70001), "y"}), linesOf(line + "\ny\n", 70000));
+}
+
+TEST(LineReader, WhatCannotBeRead_IsAFailure) {
+    LineReader reader(-1, 10);
+    EXPECT_THROW(reader.next(), std::system_error);
+}
+
+} // namespace

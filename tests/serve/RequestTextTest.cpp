@@ -1,0 +1,149 @@
+#include "serve/RequestText.hpp"
+
+#include "support/Expect.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using connector_config::serve::deepestNesting;
+using connector_config::serve::readRequest;
+
+TEST(RequestText, WhatIsNotJson_IsInvalid) {
+    const struct {
+        int line;
+        std::string text;
+    } rows[] = {
+        {__LINE__, "{"},
+        {__LINE__, "{\"a\":1"},
+        {__LINE__, "{\"a\":1} x"},
+        {__LINE__, "{\"a\":1}{\"b\":2}"},
+        {__LINE__, std::string("{}\0", 3)},
+        {__LINE__, "{\"a\":1,}"},
+        {__LINE__, "{\"a\":[1,]}"},
+        {__LINE__, "{\"a\" 1}"},
+        {__LINE__, "{a:1}"},
+        {__LINE__, "{'a':1}"},
+        {__LINE__, "{1:1}"},
+        {__LINE__, "{1e400:1}"},
+        {__LINE__, "{\"a\":01}"},
+        {__LINE__, "{\"a\":+1}"},
+        {__LINE__, "{\"a\":.5}"},
+        {__LINE__, "{\"a\":1.}"},
+        {__LINE__, "{\"a\":1e}"},
+        {__LINE__, "{\"a\":-}"},
+        {__LINE__, "{\"a\":099999999999999999999999}"},
+        {__LINE__, "{\"a\":1e400x}"},
+        {__LINE__, "{\"a\":0x10}"},
+        {__LINE__, "{\"a\":NaN}"},
+        {__LINE__, "{\"a\":Infinity}"},
+        {__LINE__, "{\"a\":True}"},
+        {__LINE__, "{\"a\":nul}"},
+        {__LINE__, "{\"a\":\"b}"},
+        {__LINE__, "{\"a\":\"\\x\"}"},
+        {__LINE__, "{\"a\":\"\\"},
+        {__LINE__, "{\"a\":\"\\u12\"}"},
+        {__LINE__, "{\"a\":\"\\ud800\"}"},
+        {__LINE__, "{\"a\":\"\\ud800\\u0041\"}"},
+        {__LINE__, "{\"a\":\"\\udc00\"}"},
+        {__LINE__, "{\"a\":\"\t\"}"},
+        {__LINE__, "{\"a\":\"\n\"}"},
+        {__LINE__, std::string("{\"a\":\"\0\"}", 9)},
+        {__LINE__, "{} // comment"},
+        {__LINE__, "{/* comment */}"},
+        {__LINE__, "{\"id\":}"},
+        {__LINE__, "{\"id\":[}"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        try {
+            readRequest(row.text);
+            ADD_FAILURE() << "was read: " << row.text;
+        } catch (const std::invalid_argument& error) {
+            EXPECT_EQ(typeid(std::invalid_argument).name(), std::string(typeid(error).name()));
+            EXPECT_EQ(0u, std::string(error.what()).find("Text is not valid JSON: "))
+                << error.what();
+        }
+    }
+}
+
+TEST(RequestText, WhatIsNoUtf8_IsInvalid) {
+    for (const char* text : {"\xff", "{\"a\":\"\xc3\"}", "{\"a\":\"\xed\xa0\x80\"}",
+                             "{\"a\":\"\xc0\x80\"}", "{\"a\":\"\xf4\x90\x80\x80\"}"})
+        test::expectThrows<std::invalid_argument>("Text is not valid UTF-8",
+                                                  [text] { readRequest(text); });
+}
+
+TEST(RequestText, WhatIsNoObject_IsNoRequest) {
+    for (const char* text :
+         {"", " ", "[]", "[{}]", "1", "\"a\"", "null", "x", "}", "\xEF\xBB\xBF{}"})
+        test::expectThrows<std::invalid_argument>("A request is a JSON object",
+                                                  [text] { readRequest(text); });
+}
+
+TEST(RequestText, BlanksAround_AreNothing) {
+    EXPECT_TRUE(readRequest(" \t\r\n{ }\n ").object->getNames().empty());
+}
+
+TEST(RequestText, OfTwoMembers_TheLastCounts) {
+    EXPECT_EQ(2, readRequest(R"({"a":1,"a":2})").object->getValue<int>("a"));
+}
+
+TEST(RequestText, ANulInAString_IsACharacter) {
+    EXPECT_EQ(std::string("x\0y", 3),
+              readRequest(R"({"a":"x\u0000y"})").object->getValue<std::string>("a"));
+}
+
+TEST(RequestText, NumbersThatFitNoType_AreTheirText) {
+    for (const std::string number : {"1e400", "-1e400", "1.5E+999", "99999999999999999999",
+                                     "-9223372036854775809", "18446744073709551616"}) {
+        SCOPED_TRACE(number);
+        const auto object = readRequest("{\"a\":" + number + ",\"b\":[" + number + "]}").object;
+        EXPECT_EQ(number, object->getValue<std::string>("a"));
+        EXPECT_EQ(number, object->getArray("b")->getElement<std::string>(0));
+    }
+}
+
+TEST(RequestText, NumbersThatFit_StayNumbers) {
+    for (const char* number :
+         {"0", "-1", "-9223372036854775808", "9223372036854775807", "9223372036854775808",
+          "18446744073709551615", "1.5", "1e+300"}) {
+        SCOPED_TRACE(number);
+        const auto object = readRequest(std::string("{\"a\":") + number + "}").object;
+        EXPECT_EQ(number, object->getValue<std::string>("a"));
+        EXPECT_TRUE(object->get("a").isNumeric());
+        EXPECT_FALSE(object->get("a").isString());
+    }
+}
+
+TEST(RequestText, DigitsInAString_AreLeftAlone) {
+    EXPECT_EQ(
+        "\"1e400 99999999999999999999",
+        readRequest(R"({"a":"\"1e400 99999999999999999999"})").object->getValue<std::string>("a"));
+}
+
+TEST(RequestText, Nesting_HasALimit) {
+    const auto nested = [](std::size_t depth) {
+        return "{\"a\":" + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
+    };
+    EXPECT_NO_THROW(readRequest(nested(deepestNesting)));
+    test::expectThrows<std::invalid_argument>("Text is not valid JSON: Maximum depth exceeded",
+                                              [&] { readRequest(nested(deepestNesting + 1)); });
+    test::expectThrows<std::invalid_argument>("Text is not valid JSON: Maximum depth exceeded", [] {
+        readRequest("{\"a\":" + std::string(500000, '['));
+    });
+}
+
+TEST(RequestText, TheIdOfAnInnerObject_IsNotTheRequests) {
+    EXPECT_FALSE(readRequest(R"({"a":{"id":1},"b":["id",{"id":2}],"c":"id"})").id);
+    EXPECT_EQ("3", readRequest(R"({"a":{"id":1},"id":3,"b":{"id":4}})").id);
+}
+
+TEST(RequestText, AnIdWithEscapesInItsName_IsAnId) {
+    EXPECT_EQ("1", readRequest(R"({"\u0069\u0064":1})").id);
+    EXPECT_FALSE(readRequest(R"({"\\u0069d":1,"ID":2,"i\u0064 ":3})").id);
+}
+
+} // namespace

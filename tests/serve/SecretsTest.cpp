@@ -1,0 +1,77 @@
+#include "Secrets.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using connector_config::OptionValue;
+using connector_config::Secrets;
+
+TEST(Secrets, OfThemselves_ArePasswordsSecretsAndTokens) {
+    const Secrets secrets;
+    for (const char* key : {"password", "db.password", "db.PassWord.old", "SECRET", "my-secrets",
+                            "token", "auth.tokens", "\xffTOKEN\n"})
+        EXPECT_TRUE(secrets.hides(key)) << key;
+    for (const char* key : {"", "passwor", "pass.word", "secre", "toke n", "net.port"})
+        EXPECT_FALSE(secrets.hides(key)) << key;
+}
+
+TEST(Secrets, Globs_FitWholeKeysInAnyCase) {
+    const struct {
+        int line;
+        const char* glob;
+        const char* key;
+        bool fits;
+    } rows[] = {
+        {__LINE__, "a", "a", true},
+        {__LINE__, "a", "A", true},
+        {__LINE__, "A", "a", true},
+        {__LINE__, "a", "ab", false},
+        {__LINE__, "a", "", false},
+        {__LINE__, "", "", true},
+        {__LINE__, "", "a", false},
+        {__LINE__, "*", "", true},
+        {__LINE__, "*", "a.b", true},
+        {__LINE__, "a*", "a", true},
+        {__LINE__, "a*", "ba", false},
+        {__LINE__, "*a", "aba", true},
+        {__LINE__, "*a", "ab", false},
+        {__LINE__, "a*b*c", "axxbxxbxc", true},
+        {__LINE__, "a*b*c", "axxcxxb", false},
+        {__LINE__, "a**b", "ab", true},
+        {__LINE__, "?", "a", true},
+        {__LINE__, "?", "", false},
+        {__LINE__, "a?c", "abc", true},
+        {__LINE__, "a?c", "ac", false},
+        {__LINE__, "*?", "", false},
+        {__LINE__, "*?b", "ab", true},
+        {__LINE__, "[ab]", "a", false},
+        {__LINE__, "[ab]", "[AB]", true},
+        {__LINE__, "\\*", "\\x", true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ(row.fits, Secrets({row.glob}).hides(row.key));
+    }
+}
+
+TEST(Secrets, AMeanGlobOnALongKey_TakesNoTimeToSpeakOf) {
+    std::string glob;
+    for (int i = 0; i < 50; ++i)
+        glob += "a*";
+    EXPECT_FALSE(Secrets({glob + "b"}).hides(std::string(100000, 'a')));
+}
+
+TEST(Secrets, AHiddenValue_IsShownAsStarsWhateverItsType) {
+    const Secrets secrets;
+    EXPECT_EQ("******", boost::get<std::string>(secrets.shown("token", OptionValue(5))));
+    EXPECT_EQ(5, boost::get<int>(secrets.shown("port", OptionValue(5))));
+    const auto option = secrets.shown(connector_config::Option{"token", "s", OptionValue(true)});
+    EXPECT_EQ("token", option.key);
+    EXPECT_EQ("s", option.source);
+    EXPECT_EQ("******", boost::get<std::string>(option.value));
+}
+
+} // namespace

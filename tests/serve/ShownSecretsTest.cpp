@@ -1,0 +1,101 @@
+/// Where a secret is shown as stars, and where it is not.
+#include "tools/support/Program.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using test::Result;
+using test::runConnectorConfig;
+using test::TemporaryFile;
+
+const std::vector<std::string> source{"-s", "db.Password=hush", "-s", "db.user=me"};
+
+Result runWithSecret(std::vector<std::string> arguments, const std::string& input = "") {
+    arguments.insert(arguments.begin(), source.begin(), source.end());
+    return runConnectorConfig(arguments, input);
+}
+
+TEST(ShownSecrets, InShow_AreStars) {
+    EXPECT_EQ("KEY          TYPE    VALUE   SOURCE\n"
+              "db.Password  string  ******  override\n"
+              "db.user      string  me      override\n",
+              runWithSecret({"show"}).output);
+    EXPECT_EQ(
+        R"([{"key":"db.Password","source":"override","value":{"type":"string","value":"******"}}])"
+        "\n",
+        runWithSecret({"show", "--json", "db.P"}).output);
+}
+
+TEST(ShownSecrets, InExplain_AreStars) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"explain", "db.Password"},
+          std::vector<std::string>{"explain", "db.Password", "--json"}}) {
+        const std::string output = runWithSecret(arguments).output;
+        EXPECT_EQ(output.npos, output.find("hush")) << output;
+        EXPECT_NE(output.npos, output.find("******")) << output;
+    }
+}
+
+TEST(ShownSecrets, InWatch_AreStars) {
+    EXPECT_EQ("db.Password = ******  (override)\ndb.Password = ******  (override)\n",
+              runWithSecret({"watch", "db.Password"}, "set db.Password=more\n").output);
+    EXPECT_EQ(
+        R"({"key":"db.Password","source":"override","value":{"type":"string","value":"******"}})"
+        "\n",
+        runWithSecret({"watch", "--json", "db.Password"}).output);
+}
+
+TEST(ShownSecrets, InTheLinesOfAFile_AreStars) {
+    const TemporaryFile file("password = hush\na = password = hush\nb=1\nsecret=hush");
+    const std::string errors =
+        runConnectorConfig({"--trace", "-f", file.named("f"), "get", "b"}).errors;
+    EXPECT_NE(errors.npos, errors.find("Parsed property: password = ******\n")) << errors;
+    EXPECT_NE(errors.npos, errors.find("Parsed final property: secret = ******")) << errors;
+    EXPECT_NE(errors.npos, errors.find("Parsed property: b = 1\n")) << errors;
+    // The key of this one might be "a = password", for all that the line tells.
+    EXPECT_NE(errors.npos, errors.find("Parsed property: a = password = ******\n")) << errors;
+}
+
+TEST(ShownSecrets, InTheLinesOfAFileWithASecretGroup_AreStars) {
+    const TemporaryFile file("a=hush\n");
+    for (const char* group : {",group=tokens", ",group=tokens."}) {
+        const std::string errors =
+            runConnectorConfig({"--trace", "-f", file.named("f", group), "keys"}).errors;
+        EXPECT_NE(errors.npos, errors.find("Parsed property: a = ******\n")) << errors;
+    }
+}
+
+TEST(ShownSecrets, InTheLinesOfAFileThatAMessageAdds_AreStars) {
+    const TemporaryFile file("a=hush\npassword=hush\n");
+    const std::string errors =
+        runConnectorConfig(
+            {"--trace", "serve"},
+            R"({"type":"connector/configuration/AddPropertyFileSource","message":{"name":"f","group":"token","path":")" +
+                file.path() + "\"}}\n")
+            .errors;
+    EXPECT_NE(errors.npos, errors.find("Parsed property: a = ******\n")) << errors;
+    EXPECT_EQ(errors.npos, errors.find("hush")) << errors;
+}
+
+TEST(ShownSecrets, InGet_AreRaw) {
+    EXPECT_EQ("hush\n", runWithSecret({"get", "db.Password"}).output);
+    EXPECT_EQ(
+        R"({"key":"db.Password","source":"override","value":{"type":"string","value":"hush"}})"
+        "\n",
+        runWithSecret({"get", "--json", "db.Password"}).output);
+}
+
+TEST(ShownSecrets, OptionsForMore_StandBesideTheDefaults) {
+    EXPECT_EQ("KEY          TYPE    VALUE   SOURCE\n"
+              "db.Password  string  ******  override\n"
+              "db.user      string  ******  override\n",
+              runWithSecret({"--secret", "x", "show", "--secret", "DB.?ser"}).output);
+    EXPECT_EQ("KEY  TYPE    VALUE   SOURCE\n"
+              "[a]  string  ******  override\n",
+              runConnectorConfig({"-s", "[a]=1", "--secret", "[A]", "show"}).output);
+}
+
+} // namespace
