@@ -65,13 +65,28 @@ Future<bool> ConfigurationImpl::has(const std::string& key) {
     return makeReadyFuture(doHas(lock, key));
 }
 
+namespace {
+
+/// Moves a source's keys to all the others, with the group in front. No key is copied.
+void moveKeys(std::set<std::string>&& keys, const std::string& group, std::set<std::string>& all) {
+    if (group.empty()) {
+        all.merge(keys);
+        return;
+    }
+    while (!keys.empty()) {
+        auto node = keys.extract(keys.begin());
+        node.value().insert(0, group);
+        all.insert(std::move(node));
+    }
+}
+
+} // namespace
+
 Future<std::set<std::string>> ConfigurationImpl::keys() {
     const Lock lock(mutex);
     std::set<std::string> keys;
-    for (const ConfigurationSourceMap& record : sources) {
-        for (const std::string& key : record.source->keys())
-            keys.insert(record.group + key);
-    }
+    for (const ConfigurationSourceMap& record : sources)
+        moveKeys(record.source->keys(), record.group, keys);
     return makeReadyFuture(std::move(keys));
 }
 

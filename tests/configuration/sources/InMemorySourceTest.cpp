@@ -41,6 +41,23 @@ TEST(InMemorySource, TheInitialValuesAreAnswered) {
     EXPECT_EQ((std::set<std::string>{"a", "b"}), source->keys());
 }
 
+TEST(InMemorySource, KeysOfAnyBytesAreInTheOrderOfTheirBytes) {
+    // All the ways in which keys can differ: early, late, by a byte that reads as negative or as the
+    // end, by being longer than what both begin with.
+    std::set<std::string> keys;
+    for (const std::string& beginning : {std::string(), std::string("section.option.")}) {
+        keys.clear();
+        for (const char* middle : {"", "a", "ab", "abcdefg", "abcdefgh", "abcdefghi"})
+            for (const std::string& end : {std::string(), std::string("\0", 1), std::string("\xff"),
+                                           std::string("\0b", 2), std::string("z")})
+                keys.insert(beginning + middle + end);
+        Values values;
+        for (const std::string& key : keys)
+            values.emplace(key, 1);
+        EXPECT_EQ(keys, make(std::move(values))->keys());
+    }
+}
+
 TEST(InMemorySource, SetOfANewKeyReturnsTheValueJustWritten) {
     EXPECT_EQ(5, boost::get<int>(make()->set("a", 5)));
 }

@@ -23,11 +23,7 @@ inline const OptionValue& at(const Table& table, const std::string& key) {
     return entry->second;
 }
 
-inline std::set<std::string> keysOf(const Table& table) {
-    std::set<std::string> keys;
-    for (const auto& entry : table)
-        keys.insert(entry.first);
-    return keys;
-}
+/// @return the keys as a set
+std::set<std::string> keysOf(const Table& table);
 
 } // namespace connector::configuration::detail
