@@ -73,7 +73,7 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
 
     const detail::OptionStreams::Pass pass(streams, key); // goes when the lock is held again
     const Released released(lock);
-    for (const std::shared_ptr<OptionPublisher>& publisher : pass.publishers()) {
+    for (OptionPublisher* const publisher : pass.publishers()) {
         try {
             logCore("notifying watcher: ", key);
             publisher->onNext(value);

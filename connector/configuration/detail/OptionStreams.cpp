@@ -6,15 +6,16 @@
 namespace connector::configuration::detail {
 
 OptionStreams::~OptionStreams() {
-    watchersByKey.clear(); // `streams` holds every publisher, too, so none goes yet
+    watchersByKey.clear(); // they refer to what goes now
     while (!streams.empty())
         streams.erase(streams.begin());
 }
 
 void OptionStreams::add(std::uint64_t id, const std::string& key, Publisher publisher) {
-    const auto stream = streams.emplace_hint(streams.end(), id, Stream{key, publisher});
+    OptionPublisher* const watcher = publisher.get();
+    const auto stream = streams.emplace_hint(streams.end(), id, Stream{key, std::move(publisher)});
     try {
-        watchersByKey[key].push_back({id, std::move(publisher)});
+        watchersByKey[key].push_back({id, watcher});
     } catch (...) {
         streams.erase(stream);
         throw;
@@ -50,13 +51,12 @@ OptionStreams::Pass::Pass(OptionStreams& newStreams, const std::string& key)
 OptionStreams::Pass::~Pass() {
     // What goes now can call anything, so it must not find this pass any more.
     streams.passes.erase(std::find(streams.passes.begin(), streams.passes.end(), this));
-    served.clear(); // the list of streams, or else `removed`, holds every one of them, too
     while (!removed.empty())
         removed.erase(removed.begin());
 }
 
-std::vector<OptionStreams::Publisher> OptionStreams::publishersOf(const std::string& key) const {
-    std::vector<Publisher> publishers;
+std::vector<OptionPublisher*> OptionStreams::publishersOf(const std::string& key) const {
+    std::vector<OptionPublisher*> publishers;
     const auto ofKey = watchersByKey.find(key);
     if (ofKey == watchersByKey.end())
         return publishers;
