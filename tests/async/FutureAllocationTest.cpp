@@ -3,7 +3,7 @@
 #include <connector/async/Future.hpp>
 #include <connector/async/Promise.hpp>
 
-#include "async/AllocationCount.hpp"
+#include "support/AllocationCount.hpp"
 
 #include <gtest/gtest.h>
 

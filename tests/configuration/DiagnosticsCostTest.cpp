@@ -1,6 +1,6 @@
 /// What diagnostics cost while they are off. This program counts its allocations, those of the
 /// libraries included; therefore it is a program of its own.
-#include "async/AllocationCount.hpp"
+#include "support/AllocationCount.hpp"
 #include "configuration/Answers.hpp"
 #include "support/LogCapture.hpp"
 

@@ -1,5 +1,5 @@
 /// The command line of serve.
-#include "configuration/sources/TemporaryDirectory.hpp"
+#include "support/TemporaryDirectory.hpp"
 #include "serve/support/ServerProcess.hpp"
 #include "tools/support/Program.hpp"
 

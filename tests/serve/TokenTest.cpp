@@ -1,6 +1,6 @@
 #include "serve/Token.hpp"
 
-#include "configuration/sources/TemporaryDirectory.hpp"
+#include "support/TemporaryDirectory.hpp"
 #include "support/Expect.hpp"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 /// The bundled serializer: the envelope, and what it refuses.
 #include "service/Json.hpp"
 #include "service/Messages.hpp"
-#include "service/Slots.hpp"
+#include "support/Slots.hpp"
 #include "support/Expect.hpp"
 
 #include <connector/json/JsonSerializerImpl.hpp>

@@ -1,6 +1,6 @@
 /// What the messages are made of: what other programs are compiled against.
 #include "service/Messages.hpp"
-#include "service/Slots.hpp"
+#include "support/Slots.hpp"
 
 #include <connector/configuration/service/ConfigurationServiceProvider.hpp>
 

@@ -1,6 +1,6 @@
 /// The shape of the provider: what frameworks and applications are compiled against.
 #include "service/RecordingProvider.hpp"
-#include "service/Slots.hpp"
+#include "support/Slots.hpp"
 
 #include <connector/configuration/service/ConfigurationServiceProviderImpl.hpp>
 

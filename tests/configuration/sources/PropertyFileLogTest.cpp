@@ -1,6 +1,6 @@
 /// The lines that property files leave in the log.
 
-#include "configuration/sources/TemporaryDirectory.hpp"
+#include "support/TemporaryDirectory.hpp"
 #include "configuration/sources/parsing/Observation.hpp"
 #include "support/Expect.hpp"
 #include "support/LogCapture.hpp"

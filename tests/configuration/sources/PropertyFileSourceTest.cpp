@@ -1,6 +1,6 @@
 /// Property files as files: opening, failing, closing.
 
-#include "configuration/sources/TemporaryDirectory.hpp"
+#include "support/TemporaryDirectory.hpp"
 #include "configuration/sources/parsing/Observation.hpp"
 #include "support/Expect.hpp"
 

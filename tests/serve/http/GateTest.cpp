@@ -1,6 +1,6 @@
 /// Who is let in.
 #include "serve/http/Gate.hpp"
-#include "configuration/sources/TemporaryDirectory.hpp"
+#include "support/TemporaryDirectory.hpp"
 #include "serve/http/Response.hpp"
 #include "serve/support/HttpClient.hpp"
 #include "serve/support/ServerProcess.hpp"

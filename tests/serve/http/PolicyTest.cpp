@@ -1,5 +1,5 @@
 /// What others may change.
-#include "configuration/sources/TemporaryDirectory.hpp"
+#include "support/TemporaryDirectory.hpp"
 #include "serve/support/HttpClient.hpp"
 #include "serve/support/ServerProcess.hpp"
 

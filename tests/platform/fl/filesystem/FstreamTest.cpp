@@ -1,6 +1,6 @@
 /// File streams over native paths.
 
-#include "configuration/sources/TemporaryDirectory.hpp"
+#include "support/TemporaryDirectory.hpp"
 #include "support/Expect.hpp"
 
 #include <fl/filesystem/fstream.hpp>

@@ -1,6 +1,6 @@
 // The operators stand in a file of their own: where the compiler sees through them, it takes the
 // pair of operator new and std::free for a mistake.
-#include "async/AllocationCount.hpp"
+#include "support/AllocationCount.hpp"
 
 #include <cstdlib>
 #include <new>
