@@ -94,18 +94,16 @@ void Future<T>::then(Callable&& callable) {
 /// @return a future that is resolved with `value` already
 template <typename T>
 Future<T> makeReadyFuture(T value) {
-    auto state = std::make_shared<detail::SharedFutureState<T>>();
-    state->setValue(std::move(value));
-    return Future<T>(std::move(state));
+    return Future<T>(
+        std::make_shared<detail::SharedFutureState<T>>(detail::WithValue(), std::move(value)));
 }
 
 /// @return a future that has failed with a copy of `exception` already: get throws it, with the type
 ///         that it has here
 template <typename T, typename Exception>
 Future<T> makeFailedFuture(const Exception& exception) {
-    auto state = std::make_shared<detail::SharedFutureState<T>>();
-    state->setException(std::make_exception_ptr(exception));
-    return Future<T>(std::move(state));
+    return Future<T>(std::make_shared<detail::SharedFutureState<T>>(
+        detail::WithException(), std::make_exception_ptr(exception)));
 }
 
 // Instantiated in the library. The types of the core join where they are declared.

@@ -50,12 +50,23 @@ public:
     virtual void invoke(Future<T>& future) = 0;
 };
 
+struct WithValue {};     ///< chooses the state that is born with a value
+struct WithException {}; ///< chooses the state that is born with an exception
+
 template <typename T>
 class CONNECTOR_EXPORT SharedFutureState
     : public std::enable_shared_from_this<SharedFutureState<T>> {
 public:
     /// A pending state. getFuture and continuations need it to be owned by a std::shared_ptr.
     SharedFutureState() = default;
+
+    /// A state that is born with its result. Nobody knows it yet, so it takes no lock and wakes nobody,
+    /// which is a third of what a result costs that is known already: most are.
+    SharedFutureState(WithValue, T&& value)
+        : result(new T(std::move(value))), status(FutureStatus::Value) {}
+    SharedFutureState(WithException, std::exception_ptr&& exception)
+        : result(new std::exception_ptr(std::move(exception))), status(FutureStatus::Exception) {}
+
     ~SharedFutureState();
 
     SharedFutureState(const SharedFutureState&) = delete;
@@ -134,7 +145,7 @@ namespace connector::detail {
 
 template <typename T>
 SharedFutureState<T>::~SharedFutureState() {
-    const Lock lock(mutex);
+    // No lock: whoever let the last handle go has seen everything that was done through the others.
     if (status == FutureStatus::Value)
         delete static_cast<T*>(result);
     else if (status == FutureStatus::Exception)

@@ -5,6 +5,7 @@
 #include <connector/configuration/detail/Errors.hpp>
 #include <connector/configuration/sources/InMemorySource.hpp>
 #include <connector/configuration/sources/PropertyFileSource.hpp>
+#include <connector/configuration/sources/detail/OwnTable.hpp>
 
 #include <algorithm>
 #include <limits>
@@ -27,7 +28,7 @@ ConfigurationImpl::ConfigurationSourceMap::ConfigurationSourceMap(
     const std::string& newName, const std::string& newGroup, int newOrder, bool newReadOnly,
     std::shared_ptr<ConfigurationSource> newSource)
     : name(newName), group(newGroup), order(newOrder), readOnly(newReadOnly),
-      source(std::move(newSource)) {
+      source(std::move(newSource)), table(detail::OwnTable::of(*source)) {
 }
 
 ConfigurationImpl::ConfigurationImpl() {

@@ -21,6 +21,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -93,7 +94,7 @@ private:
 
         /// @return whether the source is asked about the key at all: its keys begin with the group
         bool serves(const std::string& key) const {
-            return key.compare(0, group.size(), group) == 0;
+            return group.empty() || key.compare(0, group.size(), group) == 0;
         }
 
         /// @return the key as the source knows it. REQUIRES: serves(key)
@@ -104,6 +105,14 @@ private:
         int order;         // smaller is consulted first
         bool readOnly;     // set never writes here
         std::shared_ptr<ConfigurationSource> source;
+        const std::unordered_map<std::string, OptionValue>* table; // see askTables; may be null
+    };
+
+    /// What the library's own tables say about a key.
+    struct TableAnswer {
+        bool isComplete; // false: others must be asked, in the way that they can observe
+        const ConfigurationSourceMap* record; // who supplies the value; null: nobody
+        const OptionValue* value;
     };
 
     // The lock argument of these is the proof that the caller holds `mutex`.
@@ -111,6 +120,10 @@ private:
     OptionValue doGet(Lock& lock, const std::string& key);
     Option doGetOption(Lock& lock, const std::string& key);
     const ConfigurationSourceMap* findSupplier(const std::string& key);
+    std::optional<OptionValue> valueOf(Lock& lock, const std::string& key);
+    std::optional<Option> optionOf(Lock& lock, const std::string& key);
+    TableAnswer askTables(Lock& lock, const std::string& key);
+    const std::string& borrowLocalKey(const ConfigurationSourceMap& record, const std::string& key);
 
     static Future<OptionValue> write(const ConfigurationSourceMap& target, const std::string& key,
                                      OptionValue&& value);
@@ -125,6 +138,7 @@ private:
     std::atomic<std::uint64_t> nextStreamId{0}; // advanced under the mutex only
     [[maybe_unused]] bool reserved = false;     // keeps the object's shape; has no meaning
     std::vector<ConfigurationSourceMap> sources; // in the order of consultation
+    std::string localKeyBuffer;                  // of borrowLocalKey
     detail::OptionStreams streams;               // destroyed before the sources
 };
 

@@ -42,27 +42,59 @@ Option ConfigurationImpl::doGetOption(Lock&, const std::string& key) {
     return Option{key, supplier->name, supplier->source->get(supplier->localKey(key))};
 }
 
-// get and getOption ask twice, has first and then for the value. A source that changes its mind in
-// between makes the second question throw, with a text of its own: that is no missing option.
+// The two questions, has first and then the value, are part of what a source sees. One that changes its
+// mind in between makes the second throw, with a text of its own: that is no missing option.
+
+std::optional<OptionValue> ConfigurationImpl::valueOf(Lock& lock, const std::string& key) {
+    const TableAnswer answer = askTables(lock, key);
+    if (answer.value != nullptr)
+        return *answer.value;
+    if (answer.isComplete || !doHas(lock, key))
+        return std::nullopt;
+    return doGet(lock, key);
+}
+
+std::optional<Option> ConfigurationImpl::optionOf(Lock& lock, const std::string& key) {
+    const TableAnswer answer = askTables(lock, key);
+    if (answer.value != nullptr)
+        return Option{key, answer.record->name, *answer.value};
+    if (answer.isComplete || !doHas(lock, key))
+        return std::nullopt;
+    return doGetOption(lock, key);
+}
+
+namespace {
+
+/// Makes the future outside the lock: its allocations would be most of the time that the lock is held.
+template <typename T>
+Future<T> found(std::optional<T>&& answer, const std::string& key) {
+    if (!answer)
+        return makeFailedFuture<T>(std::runtime_error(detail::errors::noSuchOption + key));
+    return makeReadyFuture(std::move(*answer));
+}
+
+} // namespace
 
 Future<OptionValue> ConfigurationImpl::get(const std::string& key) {
     Lock lock(mutex);
-    if (!doHas(lock, key))
-        return makeFailedFuture<OptionValue>(
-            std::runtime_error(detail::errors::noSuchOption + key));
-    return makeReadyFuture(doGet(lock, key));
+    std::optional<OptionValue> value = valueOf(lock, key);
+    lock.unlock();
+    return found(std::move(value), key);
 }
 
 Future<Option> ConfigurationImpl::getOption(const std::string& key) {
     Lock lock(mutex);
-    if (!doHas(lock, key))
-        return makeFailedFuture<Option>(std::runtime_error(detail::errors::noSuchOption + key));
-    return makeReadyFuture(doGetOption(lock, key));
+    std::optional<Option> option = optionOf(lock, key);
+    lock.unlock();
+    return found(std::move(option), key);
 }
 
 Future<bool> ConfigurationImpl::has(const std::string& key) {
     Lock lock(mutex);
-    return makeReadyFuture(doHas(lock, key));
+    const TableAnswer answer = askTables(lock, key);
+    const bool isThere = answer.isComplete ? answer.value != nullptr : doHas(lock, key);
+    lock.unlock();
+    return makeReadyFuture(isThere);
 }
 
 namespace {

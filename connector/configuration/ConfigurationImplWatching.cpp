@@ -50,10 +50,9 @@ ConfigurationImpl::watchOption(const std::string& key) {
         1);
     streams.add(id, key, publisher);
 
-    if (doHas(lock, key)) {
-        const OptionValue value = doGet(lock, key);
+    if (const std::optional<OptionValue> value = valueOf(lock, key)) {
         lock.unlock();
-        publisher->onNext(value);
+        publisher->onNext(*value);
     }
     return publisher;
 }
@@ -67,16 +66,16 @@ void ConfigurationImpl::removeStream(std::uint64_t id) {
 
 void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     logCore("updatePublishers: ", key);
-    if (!doHas(lock, key))
+    const std::optional<OptionValue> value = valueOf(lock, key);
+    if (!value)
         return; // that a key lost its last value is not announced
-    const OptionValue value = doGet(lock, key);
 
     const detail::OptionStreams::Pass pass(streams, key); // goes when the lock is held again
     const Released released(lock);
     for (OptionPublisher* const publisher : pass.publishers()) {
         try {
             logCore("notifying watcher: ", key);
-            publisher->onNext(value);
+            publisher->onNext(*value);
         } catch (...) {
             reportFailedSubscriber(key);
         }

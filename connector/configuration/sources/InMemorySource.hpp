@@ -8,6 +8,10 @@
 
 namespace connector::configuration {
 
+namespace detail {
+class OwnTable;
+} // namespace detail
+
 /// Holds whatever is put into it, of every type. Has no lock, as every source.
 class CONNECTOR_EXPORT InMemorySource : public ConfigurationSource,
                                         public std::enable_shared_from_this<InMemorySource> {
@@ -34,6 +38,8 @@ public:
     std::set<std::string> keys() override;
 
 private:
+    friend class detail::OwnTable;
+
     std::unordered_map<std::string, OptionValue> values;
     Watcher watcher;
 };

@@ -9,6 +9,10 @@
 
 namespace connector::configuration {
 
+namespace detail {
+class OwnTable;
+} // namespace detail
+
 /// Reads a property file once, when it is made, and answers from memory afterwards. All values are
 /// of the std::string alternative, byte for byte as they stand in the file. Refuses every write.
 /// Has no lock, as every source.
@@ -46,6 +50,8 @@ public:
     std::set<std::string> keys() override;
 
 private:
+    friend class detail::OwnTable;
+
     void store(const std::string& key, const std::string& value, bool atEndOfInput);
 
     std::unordered_map<std::string, OptionValue> options;
