@@ -1,0 +1,329 @@
+#!/usr/bin/env python3
+"""Sets the contestants of every benchmark case in relation.
+
+    bench_report.py [--limits FILE] [--json FILE] [--markdown FILE] [--charts DIRECTORY] RESULT...
+
+RESULT is what a benchmark program wrote as JSON; its benchmarks are named SUBJECT/CASE/CONTESTANT.
+Prints one table a subject: medians over the repetitions, and the ratio of our time to that of each
+contestant. The ratio is taken within each repetition first, and the median of those after: what
+disturbs the machine disturbs neighbours alike. The status is 1 when a benchmark reports an error, 2
+for wrong arguments or files.
+"""
+
+import argparse
+import fnmatch
+import json
+import os
+import re
+import statistics
+import subprocess
+import sys
+from dataclasses import dataclass, field
+
+UNITS_IN_SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
+ORDER = ["ours", "floor", "literal"]  # the columns; peers come after them
+
+
+@dataclass
+class Case:
+    """One row: what each contestant took, by repetition, in seconds or, if `in_bytes`, in bytes."""
+
+    subject: str
+    name: str
+    samples: dict = field(default_factory=dict)  # contestant -> {repetition: figure}
+    in_bytes: bool = False
+
+    def own(self):
+        """The contestant that the others are set in relation to."""
+        return "ours" if "ours" in self.samples else next(iter(self.samples))
+
+    def median(self, contestant):
+        return statistics.median(self.samples[contestant].values())
+
+    def ratio(self, contestant):
+        """Our figure over the contestant's; None if no repetition has both."""
+        ours, others = self.samples[self.own()], self.samples[contestant]
+        ratios = [ours[i] / others[i] for i in ours if others.get(i)]
+        return statistics.median(ratios) if ratios else None
+
+
+@dataclass
+class Limit:
+    subject: str
+    case: str
+    contestant: str
+    bound: float
+    absolute: bool  # of our own figure, not of a ratio
+    only_if: str = ""
+
+    def is_for(self, case, contestant):
+        return (
+            self.subject == case.subject
+            and self.contestant == contestant
+            and fnmatch.fnmatchcase(case.name, self.case)
+        )
+
+    def holds(self, case):
+        figure = case.median(case.own()) if self.absolute else case.ratio(self.contestant)
+        return figure is not None and figure <= self.bound
+
+    def text(self):
+        return f"{self.bound:g} B" if self.absolute else f"{self.bound:g} x"
+
+
+# Reading
+
+
+def read_results(documents):
+    """-> (cases in the order of appearance, texts of errors)"""
+    cases, errors = {}, []
+    for document in documents:
+        for run in document["benchmarks"]:
+            if run.get("run_type") == "aggregate":
+                continue
+            name = run.get("run_name", run["name"])
+            parts = name.split("/")
+            if run.get("error_occurred"):
+                errors.append(f"{name}: {run.get('error_message', 'failed')}")
+            elif len(parts) >= 3:
+                subject, title, contestant = parts[:3]
+                case = cases.setdefault((subject, title), Case(subject, title))
+                case.in_bytes = "bytes" in run
+                repetitions = case.samples.setdefault(contestant, {})
+                repetitions[run.get("repetition_index", 0)] = figure_of(run, parts[3:])
+    return list(cases.values()), errors
+
+
+def figure_of(run, options):
+    """Of one thread the processor time, which others on the machine disturb less."""
+    if "bytes" in run:
+        return run["bytes"]
+    clock = "real_time" if {"real_time", "manual_time"} & set(options) else "cpu_time"
+    return run[clock] * UNITS_IN_SECONDS[run["time_unit"]]
+
+
+def read_limits(text):
+    limits = []
+    for number, line in enumerate(text.splitlines(), 1):
+        if not line.strip() or line.startswith("#"):
+            continue
+        columns = [column.strip() for column in line.split("|")]
+        bound = re.fullmatch(r"([0-9.]+) (x|B)", columns[3]) if len(columns) in (4, 5) else None
+        if bound is None:
+            raise ValueError(f"line {number} is no limit: {line}")
+        limits.append(
+            Limit(*columns[:3], float(bound[1]), bound[2] == "B", "".join(columns[4:]))
+        )
+    return limits
+
+
+# Judging
+
+
+def verdicts(case, contestant, limits, cases):
+    """-> [(limit, "holds", "MISSED" or "not judged")]"""
+    return [
+        (limit, judge(limit, case, limits, cases))
+        for limit in limits
+        if limit.is_for(case, contestant)
+    ]
+
+
+def judge(limit, case, limits, cases):
+    if limit.only_if and not condition_holds(limit, limits, cases):
+        return "not judged"
+    return "holds" if limit.holds(case) else "MISSED"
+
+
+def condition_holds(limit, limits, cases):
+    named = [c for c in cases if c.subject == limit.subject and c.name == limit.only_if]
+    return bool(named) and all(
+        other.holds(case)
+        for case in named
+        for other in limits
+        if any(other.is_for(case, contestant) for contestant in case.samples)
+    )
+
+
+# Writing
+
+
+def figure_text(case, figure):
+    if case.in_bytes:
+        return f"{figure:.1f} B"
+    for unit in ("ns", "us", "ms"):
+        scaled = figure / UNITS_IN_SECONDS[unit]
+        if scaled < 1000:
+            return f"{scaled:.3g} {unit}"
+    return f"{figure:.3g} s"
+
+
+def cell(case, contestant, limits, cases):
+    if contestant not in case.samples:
+        return ""
+    text = figure_text(case, case.median(contestant))
+    if contestant != case.own() and (ratio := case.ratio(contestant)) is not None:
+        text += f", {ratio:.2f} x"
+    for limit, verdict in verdicts(case, contestant, limits, cases):
+        text += f" (at most {limit.text()}: {verdict})"
+    return text
+
+
+def columns_of(cases):
+    names = list(dict.fromkeys(name for case in cases for name in case.samples))
+    return sorted(names, key=lambda name: ORDER.index(name) if name in ORDER else len(ORDER))
+
+
+def table(subject_cases, limits, cases):
+    """-> rows of cells, the head first"""
+    columns = columns_of(subject_cases)
+    rows = [["case", *columns]]
+    for case in subject_cases:
+        rows.append([case.name, *(cell(case, column, limits, cases) for column in columns)])
+    return rows
+
+
+def by_subject(cases):
+    subjects = dict.fromkeys(case.subject for case in cases)
+    return [(subject, [c for c in cases if c.subject == subject]) for subject in subjects]
+
+
+def as_text(rows):
+    widths = [max(len(row[i]) for row in rows) for i in range(len(rows[0]))]
+    lines = ["  ".join(text.ljust(width) for text, width in zip(row, widths)) for row in rows]
+    return "\n".join(line.rstrip() for line in lines) + "\n"
+
+
+def as_markdown(rows):
+    head, *rest = ["| " + " | ".join(row) + " |\n" for row in rows]
+    return head + "|" + "---|" * len(rows[0]) + "\n" + "".join(rest)
+
+
+def as_json(cases, limits):
+    return [
+        {
+            "subject": case.subject,
+            "case": case.name,
+            "unit": "bytes" if case.in_bytes else "seconds",
+            "contestants": {
+                name: {
+                    "median": case.median(name),
+                    "ratio": case.ratio(name),
+                    "limits": [
+                        {"limit": limit.text(), "verdict": verdict}
+                        for limit, verdict in verdicts(case, name, limits, cases)
+                    ],
+                }
+                for name in case.samples
+            },
+        }
+        for case in cases
+    ]
+
+
+# Charts
+
+
+def chart(subject, cases):
+    """-> a gnuplot script that writes an SVG: each contestant's figure as a multiple of the floor's"""
+    columns = columns_of(cases)
+    base = "floor" if any("floor" in case.samples for case in cases) else "ours"
+    shown = [case for case in cases if base in case.samples]
+    lines = ["$data << END", '"" ' + " ".join(f'"{column}"' for column in columns)]
+    for case in shown:
+        bars = [
+            f"{case.median(column) / case.median(base):.4f}" if column in case.samples else "NaN"
+            for column in columns
+        ]
+        lines.append(f'"{case.name}" ' + " ".join(bars))
+    lines += [
+        "END",
+        f"set terminal svg size {300 + 45 * max(len(shown), 6)},520 background '#ffffff' dynamic",
+        f'set title "{subject}: time as a multiple of {base}, less is better" noenhanced',
+        "set style data histograms",
+        "set style histogram clustered gap 1",
+        "set style fill solid 0.8 noborder",
+        "set key outside right top noenhanced",
+        "set grid ytics",
+        "set yrange [0:*]",
+        "set xtics rotate by -55 noenhanced",
+        "set bmargin 14",
+        f"plot for [i=2:{len(columns) + 1}] $data using i:xtic(1) title columnheader(i)",
+    ]
+    return "\n".join(lines) + "\n" if shown else ""
+
+
+def write_charts(directory, cases):
+    os.makedirs(directory, exist_ok=True)
+    for subject, subject_cases in by_subject(cases):
+        script = chart(subject, subject_cases)
+        if script:
+            path = os.path.join(directory, subject.replace(" ", "-") + ".svg")
+            svg = subprocess.run(
+                ["gnuplot"], input=script, text=True, check=True, capture_output=True
+            )
+            write(path, svg.stdout)
+
+
+def write(path, text):
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+# The program
+
+
+def parse_arguments(arguments):
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--limits", metavar="FILE")
+    parser.add_argument("--json", metavar="FILE")
+    parser.add_argument("--markdown", metavar="FILE")
+    parser.add_argument("--charts", metavar="DIRECTORY")
+    parser.add_argument("results", metavar="RESULT", nargs="+")
+    return parser.parse_args(arguments)
+
+
+def read_json(path):
+    with open(path, encoding="utf-8") as file:
+        return json.load(file)
+
+
+def read_files(options):
+    """-> (cases, errors, limits)"""
+    cases, errors = read_results(read_json(path) for path in options.results)
+    if not options.limits:
+        return cases, errors, []
+    with open(options.limits, encoding="utf-8") as file:
+        return cases, errors, read_limits(file.read())
+
+
+def report(options, cases, limits):
+    tables = [(name, table(rows, limits, cases)) for name, rows in by_subject(cases)]
+    for subject, rows in tables:
+        print(f"{subject}\n\n{as_text(rows)}")
+    if options.markdown:
+        write(options.markdown, "\n".join(f"## {name}\n\n{as_markdown(t)}" for name, t in tables))
+    if options.json:
+        write(options.json, json.dumps(as_json(cases, limits), indent=2) + "\n")
+    if options.charts:
+        write_charts(options.charts, cases)
+
+
+def main(arguments):
+    options = parse_arguments(arguments)
+    try:
+        cases, errors, limits = read_files(options)
+    except (OSError, ValueError, KeyError) as failure:
+        print(f"bench_report: {failure}", file=sys.stderr)
+        return 2
+    report(options, cases, limits)
+    for error in dict.fromkeys(errors):
+        print(f"bench_report: {error}", file=sys.stderr)
+    if not cases and not errors:
+        print("bench_report: nothing was measured", file=sys.stderr)
+        return 1
+    return 1 if errors else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
