@@ -37,13 +37,14 @@ public:
         return *this;
     }
 
-    ~Future() { isValid = false; }
+    // Relaxed: whoever would see more of it would use a handle that is gone.
+    ~Future() { isValid.store(false, std::memory_order_relaxed); }
 
     /// Waits for the result, without a time limit, and takes it. The handle stays valid, but there
     /// is nothing left to take: see detail::SharedFutureState::get for every outcome.
     /// @throws std::runtime_error "Future state isn't valid!" when the handle was default-made,
     ///         moved from or made from a null state
-    T get() { return keepState()->get(); }
+    T get() { return validState()->get(); }
 
     /// @return whether the handle refers to a result
     bool valid() const { return isValid; }
@@ -57,12 +58,14 @@ public:
     void then(Callable&& callable);
 
 private:
-    // The copy keeps the state alive during the call, whatever happens to this handle.
-    std::shared_ptr<detail::SharedFutureState<T>> keepState() const {
+    const std::shared_ptr<detail::SharedFutureState<T>>& validState() const {
         if (!isValid)
             throw std::runtime_error(detail::errors::futureNotValid);
         return state;
     }
+
+    // The copy keeps the state alive during the call, whatever happens to this handle.
+    std::shared_ptr<detail::SharedFutureState<T>> keepState() const { return validState(); }
 
     std::shared_ptr<detail::SharedFutureState<T>> state;
     std::atomic<bool> isValid{false};
@@ -91,11 +94,21 @@ void Future<T>::then(Callable&& callable) {
     keepState()->setContinuation(std::make_unique<Continuation>(std::forward<Callable>(callable)));
 }
 
+namespace detail {
+
+/// As makeReadyFuture, for those who have the value in a cell of its own already.
+/// @param value  not null
+template <typename T>
+Future<T> makeFutureOfCell(std::unique_ptr<T> value) {
+    return Future<T>(std::make_shared<SharedFutureState<T>>(WithValue(), std::move(value)));
+}
+
+} // namespace detail
+
 /// @return a future that is resolved with `value` already
 template <typename T>
 Future<T> makeReadyFuture(T value) {
-    return Future<T>(
-        std::make_shared<detail::SharedFutureState<T>>(detail::WithValue(), std::move(value)));
+    return detail::makeFutureOfCell(std::make_unique<T>(std::move(value)));
 }
 
 /// @return a future that has failed with a copy of `exception` already: get throws it, with the type

@@ -62,8 +62,9 @@ public:
 
     /// A state that is born with its result. Nobody knows it yet, so it takes no lock and wakes nobody,
     /// which is a third of what a result costs that is known already: most are.
-    SharedFutureState(WithValue, T&& value)
-        : result(new T(std::move(value))), status(FutureStatus::Value) {}
+    /// @param value  not null; becomes the cell of the result
+    SharedFutureState(WithValue, std::unique_ptr<T>&& value)
+        : result(value.release()), status(FutureStatus::Value) {}
     SharedFutureState(WithException, std::exception_ptr&& exception)
         : result(new std::exception_ptr(std::move(exception))), status(FutureStatus::Exception) {}
 
@@ -211,11 +212,15 @@ Future<T> SharedFutureState<T>::getFuture() {
 
 template <typename T>
 T SharedFutureState<T>::get() {
+    std::shared_ptr<SharedFutureState> keptAlive; // before the lock, so that it goes after it
     Lock lock(mutex);
     if (valueTaken || continuation)
         throw std::runtime_error(errors::alreadyTaken);
     valueTaken = true;
-    condition.wait(lock, [this] { return status != FutureStatus::Pending; });
+    if (status == FutureStatus::Pending) {
+        keptAlive = this->weak_from_this().lock();
+        condition.wait(lock, [this] { return status != FutureStatus::Pending; });
+    }
 
     switch (status) {
     case FutureStatus::Value:

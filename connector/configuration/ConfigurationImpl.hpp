@@ -3,7 +3,7 @@
 ///
 /// The rules of precedence stand in three places: addSource keeps `sources` in the order of
 /// consultation, ConfigurationSourceMap::serves is the rule of groups, and the walks of
-/// ConfigurationImplLookup.cpp stop at the first record that answers.
+/// ConfigurationImplLookup.cpp and ConfigurationImplTables.cpp stop at the first record that answers.
 ///
 /// Threads and locks. Every operation but addEnvironmentSource and getPtr takes `mutex`. Lock order:
 /// `mutex` first, then the mutex of a publisher or of a future's state, never the other way round
@@ -21,7 +21,6 @@
 #include <functional>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -120,10 +119,12 @@ private:
     OptionValue doGet(Lock& lock, const std::string& key);
     Option doGetOption(Lock& lock, const std::string& key);
     const ConfigurationSourceMap* findSupplier(const std::string& key);
-    std::optional<OptionValue> valueOf(Lock& lock, const std::string& key);
-    std::optional<Option> optionOf(Lock& lock, const std::string& key);
+    bool lookUp(Lock& lock, const std::string& key, OptionValue& value);
+    bool lookUp(Lock& lock, const std::string& key, Option& option);
     TableAnswer askTables(Lock& lock, const std::string& key);
-    const std::string& borrowLocalKey(const ConfigurationSourceMap& record, const std::string& key);
+
+    template <typename T>
+    Future<T> answer(const std::string& key);
 
     static Future<OptionValue> write(const ConfigurationSourceMap& target, const std::string& key,
                                      OptionValue&& value);
@@ -138,7 +139,7 @@ private:
     std::atomic<std::uint64_t> nextStreamId{0}; // advanced under the mutex only
     [[maybe_unused]] bool reserved = false;     // keeps the object's shape; has no meaning
     std::vector<ConfigurationSourceMap> sources; // in the order of consultation
-    std::string localKeyBuffer;                  // of borrowLocalKey
+    std::string localKeyBuffer;                  // of askTables
     detail::OptionStreams streams;               // destroyed before the sources
 };
 

@@ -3,6 +3,7 @@
 
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
 #include <connector/configuration/detail/Errors.hpp>
+#include <connector/configuration/detail/PatientLock.hpp>
 
 #include <algorithm>
 #include <stdexcept>
@@ -45,52 +46,51 @@ Option ConfigurationImpl::doGetOption(Lock&, const std::string& key) {
 // The two questions, has first and then the value, are part of what a source sees. One that changes its
 // mind in between makes the second throw, with a text of its own: that is no missing option.
 
-std::optional<OptionValue> ConfigurationImpl::valueOf(Lock& lock, const std::string& key) {
+bool ConfigurationImpl::lookUp(Lock& lock, const std::string& key, OptionValue& value) {
     const TableAnswer answer = askTables(lock, key);
     if (answer.value != nullptr)
-        return *answer.value;
-    if (answer.isComplete || !doHas(lock, key))
-        return std::nullopt;
-    return doGet(lock, key);
+        value = *answer.value;
+    else if (answer.isComplete || !doHas(lock, key))
+        return false;
+    else
+        value = doGet(lock, key);
+    return true;
 }
 
-std::optional<Option> ConfigurationImpl::optionOf(Lock& lock, const std::string& key) {
+bool ConfigurationImpl::lookUp(Lock& lock, const std::string& key, Option& option) {
     const TableAnswer answer = askTables(lock, key);
     if (answer.value != nullptr)
-        return Option{key, answer.record->name, *answer.value};
-    if (answer.isComplete || !doHas(lock, key))
-        return std::nullopt;
-    return doGetOption(lock, key);
+        option = {key, answer.record->name, *answer.value};
+    else if (answer.isComplete || !doHas(lock, key))
+        return false;
+    else
+        option = doGetOption(lock, key);
+    return true;
 }
 
-namespace {
-
-/// Makes the future outside the lock: its allocations would be most of the time that the lock is held.
+/// The allocations that a future needs are made outside of the lock, before it the cell into which the
+/// answer is copied: they would be most of the time that the lock is held.
 template <typename T>
-Future<T> found(std::optional<T>&& answer, const std::string& key) {
-    if (!answer)
+Future<T> ConfigurationImpl::answer(const std::string& key) {
+    auto cell = std::make_unique<T>();
+    Lock lock = detail::lockPatiently(mutex);
+    const bool isThere = lookUp(lock, key, *cell);
+    lock.unlock();
+    if (!isThere)
         return makeFailedFuture<T>(std::runtime_error(detail::errors::noSuchOption + key));
-    return makeReadyFuture(std::move(*answer));
+    return connector::detail::makeFutureOfCell(std::move(cell));
 }
-
-} // namespace
 
 Future<OptionValue> ConfigurationImpl::get(const std::string& key) {
-    Lock lock(mutex);
-    std::optional<OptionValue> value = valueOf(lock, key);
-    lock.unlock();
-    return found(std::move(value), key);
+    return answer<OptionValue>(key);
 }
 
 Future<Option> ConfigurationImpl::getOption(const std::string& key) {
-    Lock lock(mutex);
-    std::optional<Option> option = optionOf(lock, key);
-    lock.unlock();
-    return found(std::move(option), key);
+    return answer<Option>(key);
 }
 
 Future<bool> ConfigurationImpl::has(const std::string& key) {
-    Lock lock(mutex);
+    Lock lock = detail::lockPatiently(mutex);
     const TableAnswer answer = askTables(lock, key);
     const bool isThere = answer.isComplete ? answer.value != nullptr : doHas(lock, key);
     lock.unlock();

@@ -12,28 +12,46 @@
 
 namespace connector::configuration {
 
+namespace {
+
+/// The key as the sources know it. It is cut off only when the group is another than that of the source
+/// before, and into a buffer that stays: a string for each source would cost an allocation each.
+class LocalKey {
+public:
+    LocalKey(const std::string& newKey, std::string& newBuffer) : key(newKey), buffer(newBuffer) {}
+
+    /// @param groupLength  of a group with which the key begins
+    const std::string& without(std::size_t groupLength) {
+        if (groupLength == 0)
+            return key;
+        if (groupLength != cutOff)
+            buffer.assign(key, groupLength, std::string::npos);
+        cutOff = groupLength;
+        return buffer;
+    }
+
+private:
+    const std::string& key;
+    std::string& buffer;
+    std::size_t cutOff = 0;
+};
+
+} // namespace
+
 ConfigurationImpl::TableAnswer ConfigurationImpl::askTables(Lock&, const std::string& key) {
     if (detail::coreLogger.enabled(detail::coreSeverity))
         return {false, nullptr, nullptr};
+    LocalKey localKey(key, localKeyBuffer);
     for (const ConfigurationSourceMap& record : sources) {
         if (!record.serves(key))
             continue;
         if (record.table == nullptr)
             return {false, nullptr, nullptr};
-        const auto entry =
-            record.table->find(record.group.empty() ? key : borrowLocalKey(record, key));
+        const auto entry = record.table->find(localKey.without(record.group.size()));
         if (entry != record.table->end())
             return {true, &record, &entry->second};
     }
     return {true, nullptr, nullptr};
-}
-
-/// @return the key as the source knows it, in a buffer that the next call uses again: a string of its
-///         own would cost an allocation for every key of more than 15 characters
-const std::string& ConfigurationImpl::borrowLocalKey(const ConfigurationSourceMap& record,
-                                                     const std::string& key) {
-    localKeyBuffer.assign(key, record.group.size(), std::string::npos);
-    return localKeyBuffer;
 }
 
 } // namespace connector::configuration

@@ -50,9 +50,10 @@ ConfigurationImpl::watchOption(const std::string& key) {
         1);
     streams.add(id, key, publisher);
 
-    if (const std::optional<OptionValue> value = valueOf(lock, key)) {
+    OptionValue value;
+    if (lookUp(lock, key, value)) {
         lock.unlock();
-        publisher->onNext(*value);
+        publisher->onNext(value);
     }
     return publisher;
 }
@@ -66,8 +67,8 @@ void ConfigurationImpl::removeStream(std::uint64_t id) {
 
 void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     logCore("updatePublishers: ", key);
-    const std::optional<OptionValue> value = valueOf(lock, key);
-    if (!value)
+    OptionValue value;
+    if (!lookUp(lock, key, value))
         return; // that a key lost its last value is not announced
 
     const detail::OptionStreams::Pass pass(streams, key); // goes when the lock is held again
@@ -75,7 +76,7 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     for (OptionPublisher* const publisher : pass.publishers()) {
         try {
             logCore("notifying watcher: ", key);
-            publisher->onNext(*value);
+            publisher->onNext(value);
         } catch (...) {
             reportFailedSubscriber(key);
         }
