@@ -75,10 +75,11 @@ class Limit:
 
 
 def read_results(documents):
-    """-> (cases in the order of appearance, texts of errors)"""
+    """-> (cases in the order of registration, texts of errors)"""
     cases, errors = {}, []
     for document in documents:
-        for run in document["benchmarks"]:
+        # Interleaved at random they end at random: the order is that in which they were registered.
+        for run in sorted(document["benchmarks"], key=lambda run: run.get("family_index", 0)):
             if run.get("run_type") == "aggregate":
                 continue
             name = run.get("run_name", run["name"])

@@ -1,5 +1,5 @@
-# What scripts/run and scripts/test share: the Debian packages, the configuration and the build.
-# Sourced, not run. Standard output is left to what the user asked for; everything said here goes to
+# What scripts/run, scripts/test and scripts/bench share: the Debian packages, the configuration and the
+# build. Sourced, not run. Standard output is left to what the user asked for; everything said here goes to
 # standard error, and what the tools say goes to files under build/log unless they fail.
 # shellcheck shell=bash
 
