@@ -6,6 +6,7 @@
 
 #include "Question.hpp"
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -24,16 +25,30 @@ Contestant& contestantWith(const Tables& tables) {
     return *contestant;
 }
 
+/// Numbers in an order that does not come again, so that the processor cannot learn by heart which way
+/// each question goes through a table. The same for every contestant.
+class Chance {
+public:
+    std::size_t below(std::size_t limit) {
+        state ^= state << 13;
+        state ^= state >> 17;
+        state ^= state << 5;
+        return (std::uint64_t{state} * limit) >> 32;
+    }
+
+private:
+    std::uint32_t state = 2463534242;
+};
+
 template <typename Contestant, typename T>
 void runHits(benchmark::State& state, const Question& question) {
     Contestant& contestant = contestantWith<Contestant>(question.tables);
     const std::vector<Asked<T>> questions = asked<T>(question);
-    std::size_t next = 0;
+    Chance chance;
     bool isRight = true;
     for (auto _ : state) {
-        const Asked<T>& now = questions[next];
+        const Asked<T>& now = questions[chance.below(questions.size())];
         isRight &= contestant.template get<T>(now.key) == now.value;
-        next = next + 1 == questions.size() ? 0 : next + 1;
     }
     if (!isRight)
         state.SkipWithError("another value was found");

