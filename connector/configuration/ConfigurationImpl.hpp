@@ -28,6 +28,11 @@
 
 namespace connector::configuration {
 
+namespace detail {
+template <typename T>
+class Cell;
+} // namespace detail
+
 /// Owned by a std::shared_ptr; one that stands on the stack works, too, but watchOption and getPtr
 /// throw std::bad_weak_ptr then.
 class CONNECTOR_EXPORT ConfigurationImpl : public Configuration,
@@ -119,8 +124,9 @@ private:
     OptionValue doGet(Lock& lock, const std::string& key);
     Option doGetOption(Lock& lock, const std::string& key);
     const ConfigurationSourceMap* findSupplier(const std::string& key);
-    bool lookUp(Lock& lock, const std::string& key, OptionValue& value);
-    bool lookUp(Lock& lock, const std::string& key, Option& option);
+    std::unique_ptr<OptionValue> lookUp(Lock& lock, const std::string& key,
+                                        detail::Cell<OptionValue>& cell);
+    std::unique_ptr<Option> lookUp(Lock& lock, const std::string& key, detail::Cell<Option>& cell);
     TableAnswer askTables(Lock& lock, const std::string& key);
 
     template <typename T>

@@ -1,6 +1,7 @@
 /// Reading and writing options: the walks over the registry.
 #include <connector/configuration/ConfigurationImpl.hpp>
 
+#include <connector/configuration/detail/Cell.hpp>
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
 #include <connector/configuration/detail/Errors.hpp>
 #include <connector/configuration/detail/PatientLock.hpp>
@@ -46,39 +47,37 @@ Option ConfigurationImpl::doGetOption(Lock&, const std::string& key) {
 // The two questions, has first and then the value, are part of what a source sees. One that changes its
 // mind in between makes the second throw, with a text of its own: that is no missing option.
 
-bool ConfigurationImpl::lookUp(Lock& lock, const std::string& key, OptionValue& value) {
+std::unique_ptr<OptionValue> ConfigurationImpl::lookUp(Lock& lock, const std::string& key,
+                                                       detail::Cell<OptionValue>& cell) {
     const TableAnswer answer = askTables(lock, key);
     if (answer.value != nullptr)
-        value = *answer.value;
-    else if (answer.isComplete || !doHas(lock, key))
-        return false;
-    else
-        value = doGet(lock, key);
-    return true;
+        return cell.fill(*answer.value);
+    if (answer.isComplete || !doHas(lock, key))
+        return nullptr;
+    return cell.fill(doGet(lock, key));
 }
 
-bool ConfigurationImpl::lookUp(Lock& lock, const std::string& key, Option& option) {
+std::unique_ptr<Option> ConfigurationImpl::lookUp(Lock& lock, const std::string& key,
+                                                  detail::Cell<Option>& cell) {
     const TableAnswer answer = askTables(lock, key);
     if (answer.value != nullptr)
-        option = {key, answer.record->name, *answer.value};
-    else if (answer.isComplete || !doHas(lock, key))
-        return false;
-    else
-        option = doGetOption(lock, key);
-    return true;
+        return cell.fill(Option{key, answer.record->name, *answer.value});
+    if (answer.isComplete || !doHas(lock, key))
+        return nullptr;
+    return cell.fill(doGetOption(lock, key));
 }
 
 /// The allocations that a future needs are made outside of the lock, before it the cell into which the
 /// answer is copied: they would be most of the time that the lock is held.
 template <typename T>
 Future<T> ConfigurationImpl::answer(const std::string& key) {
-    auto cell = std::make_unique<T>();
+    detail::Cell<T> cell;
     Lock lock = detail::lockPatiently(mutex);
-    const bool isThere = lookUp(lock, key, *cell);
+    std::unique_ptr<T> result = lookUp(lock, key, cell);
     lock.unlock();
-    if (!isThere)
+    if (!result)
         return makeFailedFuture<T>(std::runtime_error(detail::errors::noSuchOption + key));
-    return connector::detail::makeFutureOfCell(std::move(cell));
+    return connector::detail::makeFutureOfCell(std::move(result));
 }
 
 Future<OptionValue> ConfigurationImpl::get(const std::string& key) {

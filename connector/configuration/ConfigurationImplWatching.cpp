@@ -1,6 +1,7 @@
 /// Following options: from a change that a source reports to the streams of its key.
 #include <connector/configuration/ConfigurationImpl.hpp>
 
+#include <connector/configuration/detail/Cell.hpp>
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
 
 #include <iostream>
@@ -50,10 +51,10 @@ ConfigurationImpl::watchOption(const std::string& key) {
         1);
     streams.add(id, key, publisher);
 
-    OptionValue value;
-    if (lookUp(lock, key, value)) {
+    detail::Cell<OptionValue> cell;
+    if (const std::unique_ptr<OptionValue> value = lookUp(lock, key, cell)) {
         lock.unlock();
-        publisher->onNext(value);
+        publisher->onNext(*value);
     }
     return publisher;
 }
@@ -67,8 +68,9 @@ void ConfigurationImpl::removeStream(std::uint64_t id) {
 
 void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     logCore("updatePublishers: ", key);
-    OptionValue value;
-    if (!lookUp(lock, key, value))
+    detail::Cell<OptionValue> cell;
+    const std::unique_ptr<OptionValue> value = lookUp(lock, key, cell);
+    if (!value)
         return; // that a key lost its last value is not announced
 
     const detail::OptionStreams::Pass pass(streams, key); // goes when the lock is held again
@@ -76,7 +78,7 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     for (OptionPublisher* const publisher : pass.publishers()) {
         try {
             logCore("notifying watcher: ", key);
-            publisher->onNext(value);
+            publisher->onNext(*value);
         } catch (...) {
             reportFailedSubscriber(key);
         }

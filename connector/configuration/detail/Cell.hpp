@@ -1,0 +1,30 @@
+/// Where a result is put together.
+#pragma once
+
+#include <memory>
+#include <new>
+#include <utility>
+
+namespace connector::configuration::detail {
+
+/// Memory for one object on the heap, there before the object is: so it can be allocated before a lock is
+/// taken, and the object made where it is to stay.
+template <typename T>
+class Cell {
+public:
+    /// Makes the object; called at most once.
+    template <typename Source>
+    std::unique_ptr<T> fill(Source&& source) {
+        std::unique_ptr<T> object(::new (memory.get()) T(std::forward<Source>(source)));
+        (void)memory.release(); // belongs to the object now
+        return object;
+    }
+
+private:
+    struct Free {
+        void operator()(void* freed) const { ::operator delete(freed); }
+    };
+    std::unique_ptr<void, Free> memory{::operator new(sizeof(T))};
+};
+
+} // namespace connector::configuration::detail
