@@ -227,9 +227,9 @@ def as_json(cases, limits):
 
 def chart(subject, cases):
     """-> a gnuplot script that writes an SVG: each contestant's figure as a multiple of the floor's"""
-    columns = columns_of(cases)
     base = "floor" if any("floor" in case.samples for case in cases) else "ours"
     shown = [case for case in cases if base in case.samples]
+    columns = columns_of(shown)
     lines = ["$data << END", '"" ' + " ".join(f'"{column}"' for column in columns)]
     for case in shown:
         bars = [
@@ -260,9 +260,7 @@ def write_charts(directory, cases):
         script = chart(subject, subject_cases)
         if script:
             path = os.path.join(directory, subject.replace(" ", "-") + ".svg")
-            svg = subprocess.run(
-                ["gnuplot"], input=script, text=True, check=True, capture_output=True
-            )
+            svg = subprocess.run(["gnuplot"], input=script, text=True, check=True, stdout=subprocess.PIPE)
             write(path, svg.stdout)
 
 

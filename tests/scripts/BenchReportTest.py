@@ -206,8 +206,13 @@ class Program(unittest.TestCase):
 class Charts(unittest.TestCase):
     def test_show_multiples_of_the_floor(self):
         script = bench_report.chart("lookup", cases_of(*Program.RUNS))
-        self.assertIn('"hit, int" 1.2000 1.0000 NaN\n', script)
+        self.assertIn('"hit, int" 1.2000 1.0000\n', script)
         self.assertNotIn("miss", script)
+
+    def test_leave_a_gap_where_a_contestant_is_missing(self):
+        runs = [*Program.RUNS, run_of("lookup/hit, text/floor", 50, family=9)]
+        script = bench_report.chart("lookup", cases_of(*runs))
+        self.assertIn('"hit, text" NaN 1.0000\n', script)
 
     def test_show_multiples_of_ours_where_there_is_no_floor(self):
         script = bench_report.chart("lookup", cases_of(*Program.RUNS[2:]))
