@@ -109,7 +109,7 @@ void addAddingASource(int keys) {
             state.ResumeTiming();
         }
     });
-    bench::add("add source", description, "its keys()", [keys](benchmark::State& state) {
+    bench::add("add source", description, "keys()", [keys](benchmark::State& state) {
         const std::shared_ptr<ConfigurationSource> source =
             std::make_shared<InMemorySource>(tableOf(keys, ""));
         for (auto _ : state) {

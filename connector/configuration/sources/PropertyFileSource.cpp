@@ -2,13 +2,16 @@
 
 #include <connector/configuration/detail/Errors.hpp>
 #include <connector/configuration/sources/detail/PropertyParser.hpp>
+#include <connector/configuration/sources/detail/StreamCursor.hpp>
 #include <connector/configuration/sources/detail/Table.hpp>
+#include <connector/configuration/sources/detail/TableLoader.hpp>
 
 #include <fl/filesystem/fstream.hpp>
 #include <fl/i18n/codecvt.hpp>
 #include <foundation/log/basic_diagnostic_logger.hpp>
 
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 namespace connector::configuration {
@@ -31,17 +34,42 @@ PropertyFileSource::PropertyFileSource(const std::u16string& path) {
         const fl::i18n::codecvt_ustring_to_string toUtf8("UTF-8", true);
         throw std::runtime_error(detail::errors::fileNotOpened + fl::i18n::to_string(path, toUtf8));
     }
-    parseStream(stream);
+    load(stream);
     stream.close();
 }
 
 PropertyFileSource::~PropertyFileSource() = default;
 
 void PropertyFileSource::parseStream(std::istream& stream) {
-    detail::PropertyParser parser(stream,
-                                  [this](const std::string& key, const std::string& value,
-                                         bool atEndOfInput) { store(key, value, atEndOfInput); });
+    detail::StreamCursor cursor(stream);
+    detail::PropertyParser parser(
+        cursor, [&](std::string_view key, std::string_view value, bool atEndOfInput) {
+            cursor.sync();
+            store(std::string(key), std::string(value), atEndOfInput);
+            if (cursor.good())
+                cursor.refresh();
+        });
     parser.parse();
+}
+
+// Does what parseStream does, where nobody can look at the source or the stream in between. A line
+// in the log tells more than nothing, so it waits until everything before it is stored.
+void PropertyFileSource::load(std::istream& file) {
+    // A file that has not been read yet knows how much there is to read.
+    const std::streamoff size = file.rdbuf()->in_avail();
+    detail::StreamCursor cursor(file);
+    detail::TableLoader loader(options, cursor, size);
+    detail::PropertyParser parser(
+        cursor, [&](std::string_view key, std::string_view value, bool atEndOfInput) {
+            if (propertyFileLogger.enabled(propertyFileSeverity)) {
+                loader.flush();
+                store(std::string(key), std::string(value), atEndOfInput);
+            } else {
+                loader.add(key, value);
+            }
+        });
+    parser.parse();
+    loader.finish();
 }
 
 OptionValue PropertyFileSource::get(const std::string& key) {

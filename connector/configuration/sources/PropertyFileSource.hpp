@@ -52,6 +52,7 @@ public:
 private:
     friend class detail::OwnTable;
 
+    void load(std::istream& file);
     void store(const std::string& key, const std::string& value, bool atEndOfInput);
 
     std::unordered_map<std::string, OptionValue> options;

@@ -113,6 +113,36 @@ TEST(StreamCursor, SeesWhatOthersReadBetweenSyncAndRefresh) {
     EXPECT_EQ('c', c);
 }
 
+TEST(StreamCursor, GivesTheLastCharacterBack) {
+    std::istringstream stream("abc");
+    StreamCursor cursor(stream);
+    char c;
+    EXPECT_FALSE(cursor.stepBack()); // there is none
+    cursor.next(c);
+    EXPECT_FALSE(cursor.stepBack()); // the stream has it, not the memory that the cursor sees
+    cursor.next(c);
+    EXPECT_TRUE(cursor.stepBack());
+    EXPECT_EQ("bc", cursor.ahead());
+    cursor.sync();
+    EXPECT_EQ("bc", rest(stream));
+}
+
+TEST(StreamCursor, CountsWhatItConsumed) {
+    std::istringstream stream("abcdef");
+    StreamCursor cursor(stream);
+    EXPECT_EQ(0, cursor.consumed());
+    char c;
+    cursor.next(c);
+    EXPECT_EQ(1, cursor.consumed());
+    cursor.skip(2);
+    EXPECT_EQ(3, cursor.consumed());
+    cursor.sync();
+    EXPECT_EQ(3, cursor.consumed());
+    while (cursor.next(c))
+        continue;
+    EXPECT_EQ(6, cursor.consumed());
+}
+
 TEST(StreamCursor, TakesAGetAreaBeyondTheRangeOfIntInParts) {
     HugeBuffer buffer(intMax + 100);
     std::istream stream(&buffer);

@@ -1,5 +1,7 @@
 #include <connector/configuration/sources/detail/PropertyParser.hpp>
 
+#include <connector/configuration/sources/detail/PlainLine.hpp>
+
 #include <utility>
 
 namespace connector::configuration::detail {
@@ -52,8 +54,8 @@ void appendUtf8(std::string& text, unsigned unit) {
 
 } // namespace
 
-PropertyParser::PropertyParser(std::istream& stream, Store newStore)
-    : cursor(stream), store(std::move(newStore)) {
+PropertyParser::PropertyParser(StreamCursor& newCursor, Store newStore)
+    : cursor(newCursor), store(std::move(newStore)) {
 }
 
 void PropertyParser::parse() {
@@ -63,7 +65,7 @@ void PropertyParser::parse() {
     // Only a value that has begun makes a property here. Whatever else the input leaves behind, even
     // "key=", is dropped, and so is an empty key, although both are stored in the middle of a file.
     if (state == State::InValue && !key.empty())
-        storeProperty(true);
+        store(key, value, true);
 }
 
 void PropertyParser::step() {
@@ -97,12 +99,26 @@ PropertyParser::State PropertyParser::lineStart() {
         advance();
     // Only here is a comment one: blanks before it make it the value of an empty key.
     if (current != '!' && current != '#')
-        return State::InKey;
+        return takePlainLines() ? State::LineStart : State::InKey;
     do {
         cursor.skipUntil(isLineBreak);
         advance();
     } while (cursor.good() && !isLineBreak(current));
     return State::LineStart;
+}
+
+/// Takes the lines from the current character on that need no states.
+/// @return whether there were any; `current` is then what comes behind them
+bool PropertyParser::takePlainLines() {
+    if (!cursor.stepBack())
+        return false;
+    bool any = false;
+    for (PlainLine line; (line = plainLine(cursor.ahead())).length != 0; any = true) {
+        cursor.skip(line.length);
+        store(line.key, line.value, false);
+    }
+    advance();
+    return any;
 }
 
 PropertyParser::State PropertyParser::inKey() {
@@ -143,7 +159,7 @@ PropertyParser::State PropertyParser::separator() {
 
 PropertyParser::State PropertyParser::inValue() {
     if (isLineBreak(current)) {
-        storeProperty(false);
+        store(key, value, false);
         key.clear();
         value.clear();
         advance();
@@ -201,13 +217,6 @@ void PropertyParser::appendUnicodeEscape(std::string& text) {
             unit = unit * 16 + static_cast<unsigned>(digit);
     }
     appendUtf8(text, unit);
-}
-
-void PropertyParser::storeProperty(bool atEndOfInput) {
-    cursor.sync();
-    store(key, value, atEndOfInput);
-    if (cursor.good())
-        cursor.refresh();
 }
 
 } // namespace connector::configuration::detail

@@ -7,6 +7,7 @@
 #include <functional>
 #include <istream>
 #include <string>
+#include <string_view>
 
 namespace connector::configuration::detail {
 
@@ -24,12 +25,14 @@ namespace connector::configuration::detail {
 /// with a good stream and looks at `current`; after it, the loop ends if the stream is no longer good.
 class PropertyParser {
 public:
-    /// Receives every property as it is complete, in the order of the input. It may throw, and may
-    /// look at the stream: that stands right behind the last character that was looked at.
+    /// Receives every property as it is complete, in the order of the input, when the cursor stands
+    /// right behind the last character that was looked at. It may throw, and may let others touch the
+    /// stream, see StreamCursor. The texts are good until then.
     using Store =
-        std::function<void(const std::string& key, const std::string& value, bool atEndOfInput)>;
+        std::function<void(std::string_view key, std::string_view value, bool atEndOfInput)>;
 
-    PropertyParser(std::istream& stream, Store newStore);
+    /// @param newCursor  must outlive the parser
+    PropertyParser(StreamCursor& newCursor, Store newStore);
 
     /// Parses to the end of the input, or to the first read error, which counts as the end.
     void parse();
@@ -47,6 +50,7 @@ private:
 
     void step();
     State lineStart();
+    bool takePlainLines();
     State inKey();
     State keyEscape();
     State separator();
@@ -58,9 +62,8 @@ private:
     void advance() { cursor.next(current); }
     void appendEscaped(std::string& text);
     void appendUnicodeEscape(std::string& text);
-    void storeProperty(bool atEndOfInput);
 
-    StreamCursor cursor;
+    StreamCursor& cursor;
     const Store store;
     State state = State::LineStart;
     char current = '\0';

@@ -7,6 +7,7 @@
 #include <limits>
 #include <streambuf>
 #include <string>
+#include <string_view>
 
 namespace connector::configuration::detail {
 
@@ -37,9 +38,25 @@ public:
         sync();
         if (!stream.get(c))
             return false;
+        ++consumedBefore;
         refresh();
         return true;
     }
+
+    /// Gives the last character back, if it is still in memory.
+    /// @return whether it was
+    bool stepBack() {
+        if (position == start)
+            return false;
+        --position;
+        return true;
+    }
+
+    /// @return what is in memory behind the last character that was consumed
+    std::string_view ahead() const { return {position, static_cast<std::size_t>(end - position)}; }
+
+    /// Consumes that many characters, which are in memory.
+    void skip(std::size_t count) { position += count; }
 
     /// Consumes characters up to one that `stops` accepts, or up to the end of what is in memory,
     /// and appends them to `text`. So it may stop early, never late.
@@ -56,10 +73,14 @@ public:
         position = std::find_if(position, end, stops);
     }
 
+    /// @return how many characters were consumed in all
+    std::streamoff consumed() const { return consumedBefore + (position - start); }
+
     /// Tells the stream's buffer what was consumed, and lets go of its memory.
     void sync() {
         if (position == nullptr)
             return;
+        consumedBefore = consumed();
         (stream.rdbuf()->*&GetArea::gbump)(static_cast<int>(position - start));
         start = position = end = nullptr;
     }
@@ -80,6 +101,7 @@ private:
     };
 
     std::istream& stream;
+    std::streamoff consumedBefore = 0; // what was consumed up to `start`
     // All null, or in the stream buffer's get area: where its position is, where ours is, the end.
     const char* start = nullptr;
     const char* position = nullptr;

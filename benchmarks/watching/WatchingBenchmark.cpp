@@ -1,36 +1,24 @@
 /// What a change of an option costs when the option is watched, and when others are.
-#include "Harness.hpp"
+#include "Set.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
-#include <Poco/Delegate.h>
-#include <Poco/Util/MapConfiguration.h>
 #include <boost/signals2.hpp>
 
 #include <functional>
 #include <limits>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace {
 
+using bench::watching::Keeper;
 using connector::configuration::ConfigurationImpl;
 using connector::configuration::OptionValue;
 using connector::reactive_streams::Subscriber;
 using connector::reactive_streams::Subscription;
-
-/// What every watcher does with a value, whoever brings it: it keeps a copy of its own.
-class Keeper {
-public:
-    void keep(const OptionValue& value) { newest.emplace(value); }
-    bool holds(const OptionValue& value) const { return newest == value; }
-
-private:
-    std::optional<OptionValue> newest;
-};
 
 class KeepingSubscriber : public Subscriber<OptionValue> {
 public:
@@ -185,92 +173,22 @@ private:
     boost::signals2::signal<void(const OptionValue&)> signal;
 };
 
-/// Its events carry text, whatever is set.
-class PocoEvents {
-public:
-    explicit PocoEvents(int watchers) : listeners(static_cast<std::size_t>(watchers)) {
-        for (Listener& listener : listeners)
-            configuration->propertyChanged += Poco::delegate(&listener, &Listener::onChange);
-    }
-
-    void set(const OptionValue& value) {
-        if (const int* const number = boost::get<int>(&value))
-            configuration->setInt("net.port", *number);
-        else
-            configuration->setString("net.port", boost::get<std::string>(value));
-    }
-
-    bool allHold(const OptionValue& value) const {
-        const int* const number = boost::get<int>(&value);
-        const OptionValue text = number == nullptr ? value : OptionValue(std::to_string(*number));
-        for (const Listener& listener : listeners) {
-            if (!listener.keeper.holds(text))
-                return false;
-        }
-        return true;
-    }
-
-private:
-    struct Listener {
-        void onChange(const Poco::Util::AbstractConfiguration::KeyValue& change) {
-            keeper.keep(change.value());
-        }
-        Keeper keeper;
-    };
-    std::vector<Listener> listeners;
-    Poco::AutoPtr<Poco::Util::MapConfiguration> configuration{new Poco::Util::MapConfiguration};
-};
-
-OptionValue valueNumber(int number, std::size_t length) {
-    if (length == 0)
-        return number;
-    return bench::textNumber(number, length);
-}
-
-/// Sets two values in turn.
-template <typename Contestant, typename... Size>
-void set(benchmark::State& state, std::size_t length, Size... sizes) {
-    Contestant contestant(sizes...);
-    const OptionValue values[] = {valueNumber(1, length), valueNumber(2, length)};
-    std::size_t next = 0;
-    for (auto _ : state) {
-        contestant.set(values[next]);
-        next = 1 - next;
-    }
-    if (!contestant.allHold(values[1 - next]))
-        state.SkipWithError("a watcher missed the last value");
-}
-
-void addSetWithManyWatchers(int watchers, std::size_t length) {
-    const auto add = [&](const char* contestant, void (*run)(benchmark::State&, std::size_t, int)) {
-        bench::add("watching",
-                   "set, " + std::to_string(watchers) + " watchers, " +
-                       (length == 0 ? "int" : std::to_string(length) + " bytes"),
-                   contestant, [=](benchmark::State& state) { run(state, length, watchers); });
-    };
-    add("ours", set<Ours, int>);
-    add("floor", set<Floor, int>);
-    add("signals2", set<Signals, int>);
-    add("POCO", set<PocoEvents, int>);
-}
-
-void addSetBesideOthers(int others) {
-    const auto add = [&](const char* contestant,
-                         void (*run)(benchmark::State&, std::size_t, int, int)) {
-        bench::add("watching", "set, 1 watcher, " + std::to_string(others) + " other streams",
-                   contestant, [=](benchmark::State& state) { run(state, 0, 1, others); });
-    };
-    add("ours", set<Ours, int, int>);
-    add("literal", set<Literal, int, int>);
-}
-
-const bool added = [] {
-    for (const int watchers : {1, 10, 1000}) {
-        addSetWithManyWatchers(watchers, 0);
-        addSetWithManyWatchers(watchers, 40);
-    }
+/// One watcher, and streams of other keys.
+template <typename Contestant>
+void addBesideOthers(const std::string& contestant) {
     for (const int others : {0, 1000})
-        addSetBesideOthers(others);
+        bench::add("watching", "set, 1 watcher, " + std::to_string(others) + " other streams",
+                   contestant, [=](benchmark::State& state) {
+                       bench::watching::set<Contestant>(state, 0, 1, others);
+                   });
+}
+
+[[maybe_unused]] const bool registered = [] {
+    bench::watching::addManyWatchers<Ours>("ours");
+    bench::watching::addManyWatchers<Floor>("floor");
+    bench::watching::addManyWatchers<Signals>("signals2");
+    addBesideOthers<Ours>("ours");
+    addBesideOthers<Literal>("literal");
     return true;
 }();
 

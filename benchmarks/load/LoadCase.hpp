@@ -1,0 +1,76 @@
+/// Sets the contestants who load a file beside each other.
+#pragma once
+
+#include "../Harness.hpp"
+#include "PropertyFile.hpp"
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <string>
+
+namespace bench {
+
+constexpr int loadSizes[] = {1000, 10000, 100000, 1000000};
+
+/// How much of a result is looked at. All of it once a run, because that takes as long as loading.
+enum class Care { everyEntry, threeEntries };
+
+template <typename Loaded>
+bool isRight(Loaded& loaded, int entries, Care care) {
+    const auto holds = [&loaded](int number) {
+        return loaded.valueOf(PropertyFile::key(number)) == PropertyFile::value(number);
+    };
+    if (care == Care::threeEntries)
+        return holds(0) && holds(entries / 2) && holds(entries - 1);
+    for (int number = 0; number < entries; ++number)
+        if (!holds(number))
+            return false;
+    return loaded.size() == static_cast<std::size_t>(entries);
+}
+
+template <typename Work>
+double seconds(Work work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// Which part of a table's life is on the clock.
+enum class Timed { loading, teardown };
+
+/// Loads the file and lets go of the table, again and again, with one of the two on the clock.
+template <typename Loaded>
+void runLoading(benchmark::State& state, int entries, Timed timed) {
+    Care care = Care::everyEntry;
+    for (auto _ : state) {
+        std::unique_ptr<Loaded> loaded;
+        const double loading = seconds([&] { loaded = std::make_unique<Loaded>(entries); });
+        if (!isRight(*loaded, entries, care)) {
+            state.SkipWithError("not what the file says");
+            break;
+        }
+        care = Care::threeEntries;
+        const double teardown = seconds([&] { loaded.reset(); });
+        state.SetIterationTime(timed == Timed::loading ? loading : teardown);
+    }
+    state.SetItemsProcessed(state.iterations() * entries);
+}
+
+/// Registers a contestant for every size.
+/// @tparam Loaded  Loaded(int entries) loads the file with that many; std::string valueOf(key) and
+///                 std::size_t size() tell what it has
+template <typename Loaded>
+bool addLoading(const std::string& contestant) {
+    for (const int entries : loadSizes) {
+        const std::string size = std::to_string(entries) + " entries";
+        const auto run = [entries](Timed timed) {
+            return [=](benchmark::State& state) { runLoading<Loaded>(state, entries, timed); };
+        };
+        add("load", size, contestant, run(Timed::loading))->UseManualTime();
+        add("load", "teardown, " + size, contestant, run(Timed::teardown))->UseManualTime();
+    }
+    return true;
+}
+
+} // namespace bench
