@@ -128,6 +128,7 @@ private:
                                         detail::Cell<OptionValue>& cell);
     std::unique_ptr<Option> lookUp(Lock& lock, const std::string& key, detail::Cell<Option>& cell);
     TableAnswer askTables(Lock& lock, const std::string& key);
+    bool nobodySeesLookups(Lock& lock) const;
 
     template <typename T>
     Future<T> answer(const std::string& key);

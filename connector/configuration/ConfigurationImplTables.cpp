@@ -10,6 +10,8 @@
 
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
 
+#include <algorithm>
+
 namespace connector::configuration {
 
 namespace {
@@ -52,6 +54,14 @@ ConfigurationImpl::TableAnswer ConfigurationImpl::askTables(Lock&, const std::st
             return {true, &record, &entry->second};
     }
     return {true, nullptr, nullptr};
+}
+
+/// @return whether a lookup whose answer nobody needs can be left out
+bool ConfigurationImpl::nobodySeesLookups(Lock&) const {
+    return !detail::coreLogger.enabled(detail::coreSeverity) &&
+           std::all_of(sources.begin(), sources.end(), [](const ConfigurationSourceMap& record) {
+               return record.table != nullptr;
+           });
 }
 
 } // namespace connector::configuration

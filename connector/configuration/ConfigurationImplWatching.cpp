@@ -68,6 +68,9 @@ void ConfigurationImpl::removeStream(std::uint64_t id) {
 
 void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     logCore("updatePublishers: ", key);
+    // Most keys of a source that is added or removed are watched by nobody: that is all it costs then.
+    if (!streams.areThereAny(key) && nobodySeesLookups(lock))
+        return;
     detail::Cell<OptionValue> cell;
     const std::unique_ptr<OptionValue> value = lookUp(lock, key, cell);
     if (!value)

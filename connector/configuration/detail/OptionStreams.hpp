@@ -31,6 +31,8 @@ public:
     /// @param id  greater than that of every stream added before
     void add(std::uint64_t id, const std::string& key, Publisher publisher);
 
+    bool areThereAny(const std::string& key) const { return watchersByKey.count(key) != 0; }
+
     /// @return the publisher of the stream, for the caller to let go of when no lock is held: its
     ///         destructor calls the subscriber; null for an unknown id
     Publisher remove(std::uint64_t id);
