@@ -107,9 +107,8 @@ TEST(RequestText, NumbersThatFitNoType_AreTheirText) {
 }
 
 TEST(RequestText, NumbersThatFit_StayNumbers) {
-    for (const char* number :
-         {"0", "-1", "-9223372036854775808", "9223372036854775807", "9223372036854775808",
-          "18446744073709551615", "1.5", "1e+300"}) {
+    for (const char* number : {"0", "-1", "-9223372036854775808", "9223372036854775807",
+                               "9223372036854775808", "18446744073709551615", "1.5", "1e+300"}) {
         SCOPED_TRACE(number);
         const auto object = readRequest(std::string("{\"a\":") + number + "}").object;
         EXPECT_EQ(number, object->getValue<std::string>("a"));

@@ -1,9 +1,20 @@
 /// The command line of serve.
 #include "support/TemporaryDirectory.hpp"
+#include "serve/support/HttpClient.hpp"
 #include "serve/support/ServerProcess.hpp"
 #include "tools/support/Program.hpp"
 
 #include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -53,6 +64,49 @@ TEST(ServeArguments, ThatLeadNowhere_AreAFailureAtTheStart) {
         EXPECT_EQ((Result{1, "", "connector-config: " + row.message + "\n"}),
                   runConnectorConfig(arguments));
     }
+}
+
+/// A server whose token comes through a pipe, once it waits for that.
+class TokenPipe : public testing::Test {
+protected:
+    TokenPipe() {
+        EXPECT_EQ(0, ::mkfifo(path.c_str(), 0600));
+        process.emplace(
+            test::connectorConfig({"serve", "--http", "127.0.0.1:0", "--token-file", path}));
+        descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC); // waits for the reader
+        EXPECT_GE(descriptor, 0);
+    }
+    ~TokenPipe() override { close(); }
+
+    void close() {
+        if (descriptor >= 0)
+            ::close(descriptor);
+        descriptor = -1;
+    }
+
+    const test::TemporaryDirectory directory;
+    const std::string path = (directory.path / "pipe").string();
+    std::optional<test::Process> process;
+    int descriptor = -1;
+};
+
+TEST_F(TokenPipe, WhatComesThroughIt_IsTheToken) {
+    ASSERT_EQ(3, ::write(descriptor, "abc", 3));
+    close();
+    const std::string line = process->readLine();
+    const std::string beginning = "listening on http://127.0.0.1:";
+    ASSERT_EQ(0u, line.find(beginning));
+    const auto port = static_cast<std::uint16_t>(std::stoi(line.substr(beginning.size())));
+    EXPECT_EQ(401, test::get(port, "/options").status);
+    EXPECT_EQ(200, test::get(port, "/options", {"Authorization: Bearer abc"}).status);
+    process->signal(SIGTERM);
+    EXPECT_EQ((Result{0, "", ""}), process->finish());
+}
+
+TEST_F(TokenPipe, WhileItIsWaitedFor_SignalsEndTheProgram) {
+    process->signal(SIGINT);
+    close(); // so that a program that does not obey ends, too, but not by the signal
+    EXPECT_EQ((Result{128 + SIGINT, "", ""}), process->finish());
 }
 
 TEST(ServeArguments, AnAddressThatIsTaken_IsAFailure) {

@@ -11,6 +11,7 @@
 namespace {
 
 using connector::configuration::OptionValue;
+using connector_config::serve::Limits;
 using test::get;
 using test::HttpAnswer;
 using test::HttpClient;
@@ -120,7 +121,7 @@ TEST(Watch, AValueThatFillsManyBuffers_ComesWhole) {
 }
 
 TEST(Watch, AQuietStream_IsKeptOpenByComments) {
-    ServerInside::Limits limits;
+    Limits limits;
     limits.commentInterval = std::chrono::milliseconds(1);
     const ServerInside server(limits);
     HttpClient client = watcher(server.port(), "k");
@@ -133,7 +134,7 @@ TEST(Watch, AQuietStream_IsKeptOpenByComments) {
 }
 
 TEST(Watch, AClientThatGoesAway_MakesRoomForAnother) {
-    ServerInside::Limits limits;
+    Limits limits;
     limits.mostStreams = 1;
     const ServerInside server(limits);
     watcher(server.port(), "k"); // and goes
@@ -147,7 +148,7 @@ TEST(Watch, AClientThatGoesAway_MakesRoomForAnother) {
 }
 
 TEST(Watch, MoreThanThereIsRoomFor_Is503) {
-    ServerInside::Limits limits;
+    Limits limits;
     limits.mostStreams = 2;
     const ServerInside server(limits);
     HttpClient first = watcher(server.port(), "k");

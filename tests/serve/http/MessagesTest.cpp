@@ -78,7 +78,7 @@ TEST(PostMessages, AFailureOfTheConfiguration_Is422) {
 
 TEST(PostMessages, ToAStoppedService_Is503) {
     ServerInside server;
-    server.service.stop();
+    server.stopService();
     const HttpAnswer answer = post(server.port(), getMessage("a"));
     EXPECT_EQ(503, answer.status);
     EXPECT_EQ("Service exists but is not running.", errorOf(answer.body));

@@ -10,14 +10,15 @@
 
 namespace {
 
+using connector_config::serve::Limits;
 using test::get;
 using test::HttpAnswer;
 using test::HttpClient;
 using test::ServerInside;
 using test::ServerProcess;
 
-ServerInside::Limits impatient() {
-    ServerInside::Limits limits;
+Limits impatient() {
+    Limits limits;
     limits.patience.request = std::chrono::milliseconds(300);
     limits.patience.goodbye = std::chrono::milliseconds(300);
     return limits;
@@ -58,6 +59,17 @@ TEST(Patience, AByteNowAndThen_WinsNoTime) {
         answer = client.readWhatComesSoon();
     }
     EXPECT_EQ(0u, answer.find("HTTP/1.1 408 ")) << answer;
+}
+
+TEST(Limits, WhereNobodySaysOtherwise_AreThese) {
+    using std::chrono::seconds;
+    const Limits limits;
+    EXPECT_EQ(seconds(10), limits.patience.request);
+    EXPECT_EQ(seconds(60), limits.patience.response);
+    EXPECT_EQ(seconds(3), limits.patience.goodbye);
+    EXPECT_EQ(seconds(2), limits.patience.end);
+    EXPECT_EQ(seconds(15), limits.commentInterval);
+    EXPECT_EQ(4096u, limits.mostStreams);
 }
 
 TEST(Patience, ClientsThatStopInTheMiddle_BlockNobody) {

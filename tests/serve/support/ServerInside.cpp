@@ -2,6 +2,10 @@
 
 namespace test {
 
+using connector_config::Secrets;
+using connector_config::serve::Gate;
+using connector_config::serve::Policy;
+
 namespace {
 
 constexpr int backlog = 64;
@@ -12,10 +16,9 @@ Poco::Net::ServerSocket anyLoopbackPort() {
 
 } // namespace
 
-ServerInside::ServerInside(const Limits& limits)
-    : events(secrets, limits.commentInterval, limits.mostStreams),
-      shared{gate, resources, *configuration, events, limits.patience, {}},
-      socket(anyLoopbackPort()), server(socket, shared) {
+ServerInside::ServerInside(const connector_config::serve::Limits& limits)
+    : socket(anyLoopbackPort()),
+      door(*configuration, Gate("", {}), Policy({""}, {}), Secrets(), socket, limits) {
 }
 
 } // namespace test

@@ -1,15 +1,12 @@
 #include "serve/Http.hpp"
 
 #include "Output.hpp"
-#include "serve/MessageService.hpp"
-#include "serve/Policy.hpp"
-#include "serve/http/HttpServer.hpp"
+#include "serve/http/HttpDoor.hpp"
 
 #include <Poco/Exception.h>
 #include <Poco/Net/ServerSocket.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <stdexcept>
 
@@ -24,12 +21,10 @@ using Poco::Net::SocketAddress;
 
 namespace {
 
-constexpr auto commentInterval = std::chrono::seconds(15);
-constexpr std::size_t mostStreams = 4096;
 constexpr rlim_t mostDescriptors = 16384;
 
 /// SIGINT and SIGTERM, which from now on nobody gets but who waits for them here. Threads that are
-/// made later do as this one.
+/// made later do as this one, so this comes before the first.
 class EndSignals {
 public:
     EndSignals() {
@@ -89,27 +84,17 @@ Policy policyOf(const HttpArguments& arguments) {
 
 void serveHttp(ConfigurationImpl& configuration, const HttpArguments& arguments,
                const Secrets& secrets) {
+    Gate gate(arguments.address.host, tokenOf(arguments));
+    Policy policy = policyOf(arguments);
+    const ServerSocket socket = listen(arguments.address);
+    // Not before: a token may come through a pipe, and a name from far away.
     const EndSignals signals;
     raiseDescriptorLimit();
-    const Gate gate(arguments.address.host, tokenOf(arguments));
-    const Policy policy = policyOf(arguments);
-    MessageService service(configuration.getPtr(), [&policy](connector::Message& message) {
-        return policy.judge(message);
-    });
-    const Resources resources(service, configuration, secrets);
-    EventWriter events(secrets, commentInterval, mostStreams);
-    Shared shared{gate, resources, configuration, events, {}, {}};
-    const ServerSocket socket = listen(arguments.address);
-    HttpServer server(socket, shared);
+    HttpDoor door(configuration, std::move(gate), std::move(policy), secrets, socket);
 
     writeOutput("listening on http://" + socket.address().toString() + '\n');
     signals.wait();
-
-    service.stop();
-    const Clock::time_point deadline = Clock::now() + shared.patience.end;
-    shared.ending.announce(deadline);
-    events.finish(deadline);
-    server.stop();
+    door.close();
 }
 
 } // namespace connector_config::serve
