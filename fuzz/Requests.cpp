@@ -16,7 +16,7 @@ namespace {
 using namespace connector_config::serve;
 
 /// Files must not be added: what there is on this machine is none of the fuzzer's business.
-const Policy policy({""}, std::nullopt);
+const Policy policy({""}, std::nullopt, connector_config::Secrets());
 
 const MessageService& service() {
     static const MessageService service(

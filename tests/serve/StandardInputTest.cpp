@@ -227,6 +227,15 @@ TEST(ServeLines, LineSeparatorsInAValue_StayOnTheLineOfTheReply) {
     EXPECT_NE(output.npos, output.find(R"("a\nb\r\u2028")"));
 }
 
+TEST(ServeLines, SettingASecret_IsAnsweredWithWhatWasThere) {
+    EXPECT_EQ(
+        R"({"type":"connector/configuration/ConfigurationOptionResponse","message":{"key":"password","source":"","value":{"type":"string","value":"old"}}})"
+        "\n",
+        replies(
+            R"({"type":"connector/configuration/ConfigurationSet","message":{"key":"password","value":{"type":"string","value":"new"}}})",
+            {"-s", "password=old"}));
+}
+
 TEST(ServeLines, ASecret_IsHandedOutRaw) {
     EXPECT_EQ(
         R"({"type":"connector/configuration/ConfigurationOptionResponse","message":{"key":"password","source":"override","value":{"type":"string","value":"x"}}})"

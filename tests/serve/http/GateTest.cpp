@@ -24,8 +24,10 @@ using test::ServerProcess;
 
 /// @return the status for a request with these headers; 200 for one that is let in
 int statusFor(const Gate& gate, const std::string& reached,
-              const std::vector<std::pair<std::string, std::string>>& headers) {
+              const std::vector<std::pair<std::string, std::string>>& headers,
+              const std::string& target = "/") {
     HTTPRequest request;
+    request.setURI(target);
     for (const auto& [name, value] : headers)
         request.add(name, value);
     try {
@@ -67,6 +69,14 @@ TEST(Gate, TheHost_MustBeTheAddressThatWasReached) {
         {__LINE__, "0.0.0.0", "192.0.2.1:8080", "box.example:8080", 403},
         {__LINE__, "box.example", "192.0.2.1:8080", "box.example:8080", 200},
         {__LINE__, "box.example", "192.0.2.1:8080", "BOX.example:8080", 200},
+        {__LINE__, "::", "[::ffff:127.0.0.1]:8080", "127.0.0.1:8080", 200},
+        {__LINE__, "::", "[::ffff:127.0.0.1]:8080", "localhost:8080", 200},
+        {__LINE__, "::", "[::ffff:127.0.0.1]:8080", "[::1]:8080", 403},
+        {__LINE__, "::", "[::ffff:192.0.2.1]:8080", "192.0.2.1:8080", 200},
+        {__LINE__, "::", "[::ffff:192.0.2.1]:8080", "localhost:8080", 403},
+        {__LINE__, "::", "[::ffff:192.0.2.1]:80", "192.0.2.1", 200},
+        {__LINE__, "::", "[2001:db8::1]:8080", "[2001:db8::1]:8080", 200},
+        {__LINE__, "::", "[2001:db8::1]:8080", "localhost:8080", 403},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
@@ -79,6 +89,32 @@ TEST(Gate, WithoutOneHost_IsClosed) {
     EXPECT_EQ(403, statusFor(gate, "127.0.0.1:1", {}));
     EXPECT_EQ(403,
               statusFor(gate, "127.0.0.1:1", {{"Host", "127.0.0.1:1"}, {"HOST", "127.0.0.1:1"}}));
+}
+
+TEST(Gate, TheAuthorityOfTheTarget_TakesThePlaceOfTheHost) {
+    const Gate gate("127.0.0.1", {});
+    const struct {
+        int line;
+        const char* target;
+        const char* host;
+        int status;
+    } rows[] = {
+        {__LINE__, "http://127.0.0.1:1/options", "127.0.0.1:1", 200},
+        {__LINE__, "HTTP://LocalHost:1/options", "evil.example", 200},
+        {__LINE__, "http://127.0.0.1:1", "evil.example", 200},
+        {__LINE__, "http://127.0.0.1:1?a", "evil.example", 200},
+        {__LINE__, "http://evil.example/options", "127.0.0.1:1", 403},
+        {__LINE__, "http://evil.example?@127.0.0.1:1/", "127.0.0.1:1", 403},
+        {__LINE__, "http://user@127.0.0.1:1/options", "127.0.0.1:1", 403},
+        {__LINE__, "http:///options", "127.0.0.1:1", 403},
+        {__LINE__, "/http://127.0.0.1:1/", "evil.example", 403},
+        {__LINE__, "https://127.0.0.1:1/", "evil.example", 403},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ(row.status, statusFor(gate, "127.0.0.1:1", {{"Host", row.host}}, row.target));
+    }
+    EXPECT_EQ(200, statusFor(gate, "127.0.0.1:1", {}, "http://127.0.0.1:1/"));
 }
 
 TEST(Gate, APageOfAnotherOrigin_IsNotLetIn) {
@@ -186,7 +222,14 @@ TEST(LettingIn, WithATokenFile_IsForThoseWhoShowTheToken) {
         EXPECT_EQ("Bearer token is missing or wrong", errorOf(answer.body));
     }
     EXPECT_EQ(401, get(server.port(), "/options", {"Authorization: Bearer s3crets"}).status);
-    EXPECT_EQ(200, get(server.port(), "/options", {"Authorization: Bearer s3cret"}).status);
+    const std::string token = "Authorization: Bearer s3cret";
+    EXPECT_EQ(200, get(server.port(), "/options", {token}).status);
+    EXPECT_EQ(200, get(server.port(), "/options/a", {token}).status);
+    EXPECT_EQ(200, test::post(server.port(), test::getMessage("a"), {token}).status);
+    test::HttpClient watcher(server.port());
+    watcher.get("/watch?key=a", {token});
+    EXPECT_EQ("HTTP/1.1 200 OK", watcher.readLine());
+    EXPECT_NE("", watcher.readLineBeginning("data: "));
 }
 
 } // namespace

@@ -212,6 +212,48 @@ TEST_F(HostileRequests, AHeadThatIsTooLong_Is400) {
     expectAnswer(400, "Not an HTTP request", send(head(headers)));
 }
 
+TEST_F(HostileRequests, EmptyLinesBeforeARequest_AreSkipped) {
+    for (const char* lines : {"\r\n", "\n", "\r\n\r\n", "\n\r\n\n"}) {
+        HttpClient client(port());
+        client.send(lines);
+        client.get("/options");
+        EXPECT_EQ(200, client.answer().status);
+    }
+    expectAnswer(400, "Head of the request is too long", send(std::string(100000, '\n')));
+    expectAnswer(400, "Request ends too early", send("\r\n", true));
+}
+
+TEST_F(HostileRequests, AHeadThatIsOdd_Is400) {
+    const std::string host = "Host: 127.0.0.1:" + std::to_string(port()) + "\r\n";
+    const std::string get = "GET /options HTTP/1.1\r\n";
+    EXPECT_EQ(200, send(get + host + "a:\tb\xff\r\nc:\r\n\r\n").status);
+    EXPECT_EQ(200, send("GET /options HTTP/1.1\n" + host + "\n").status);
+    const struct {
+        int line;
+        std::string head;
+    } rows[] = {
+        {__LINE__, get + host + std::string("a: b\0c\r\n", 8)},
+        {__LINE__, get + host + std::string("a\0: b\r\n", 7)},
+        {__LINE__, std::string("GET /opt\0ions HTTP/1.1\r\n", 24) + host},
+        {__LINE__, get + host + "a: b\x01\r\n"},
+        {__LINE__, get + host + "a: b\x7f\r\n"},
+        {__LINE__, get + host + "a: b\rc: d\r\n"},
+        {__LINE__, get + host + "a: b\r\r\n"},
+        {__LINE__, get + host + "a\r\n"},
+        {__LINE__, get + host + "a b\r\n"},
+        {__LINE__, get + host + ": b\r\n"},
+        {__LINE__, get + host + "a : b\r\n"},
+        {__LINE__, get + host + "a: b\r\n c\r\n"},
+        {__LINE__, get + host + "a: b\r\n\tc: d\r\n"},
+        {__LINE__, get + " " + host},
+        {__LINE__, " " + get + host},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        expectAnswer(400, "Not an HTTP request", send(row.head + "\r\n"));
+    }
+}
+
 TEST_F(HostileRequests, AnotherProtocol_Is400) {
     expectAnswer(400, "Neither HTTP/1.0 nor HTTP/1.1", send("GET / HTTP/2.0\r\n\r\n"));
     EXPECT_EQ(400, send("nonsense\r\n\r\n").status);

@@ -8,6 +8,7 @@
 namespace {
 
 using test::errorOf;
+using test::get;
 using test::getMessage;
 using test::HttpAnswer;
 using test::post;
@@ -102,10 +103,25 @@ TEST(PostMessages, ASecret_IsHandedOutRaw) {
 TEST(Paths, ThatAreUnknown_Are404) {
     const ServerProcess server;
     for (const char* path : {"/", "/message", "/messages/", "/Options", "/optionsx", "//options",
-                             "/watch/", "http://127.0.0.1/options", "*", "/../options"}) {
+                             "/watch/", "https://127.0.0.1/options", "*", "/../options"}) {
         SCOPED_TRACE(path);
         EXPECT_EQ(404, request(server.port(), "GET", path).status);
     }
+}
+
+TEST(Paths, InTheAbsoluteForm_AreTheSame) {
+    const ServerProcess server({}, {"-s", "a=1"});
+    const std::string root = "http://127.0.0.1:" + std::to_string(server.port());
+    const auto withRoot = [&](const std::string& path) {
+        return get(server.port(), root + path, {"Host: elsewhere.example"});
+    };
+    EXPECT_EQ(get(server.port(), "/options").body, withRoot("/options").body);
+    EXPECT_EQ(get(server.port(), "/options/a").body, withRoot("/options/a").body);
+    EXPECT_EQ(400, withRoot("/watch?key=a&key=b").status);
+    EXPECT_EQ(404, withRoot("").status);
+    EXPECT_EQ(404, withRoot("?key=a").status);
+    EXPECT_EQ(403, get(server.port(), "http://elsewhere.example/options").status);
+    EXPECT_EQ(200, request(server.port(), "POST", root + "/messages", getMessage("a")).status);
 }
 
 TEST(Methods, ThatAPathIsNotFor_Are405AndTheRightOneIsTold) {
@@ -118,9 +134,9 @@ TEST(Methods, ThatAPathIsNotFor_Are405AndTheRightOneIsTold) {
     } rows[] = {
         {__LINE__, "GET", "/messages", "POST"},     {__LINE__, "PUT", "/messages", "POST"},
         {__LINE__, "OPTIONS", "/messages", "POST"}, {__LINE__, "POST", "/options", "GET"},
-        {__LINE__, "DELETE", "/options", "GET"},    {__LINE__, "HEAD", "/options", "GET"},
-        {__LINE__, "PUT", "/options/a", "GET"},     {__LINE__, "POST", "/watch?key=a", "GET"},
-        {__LINE__, "get", "/options", "GET"},       {__LINE__, "NONSENSE", "/options", "GET"},
+        {__LINE__, "DELETE", "/options", "GET"},    {__LINE__, "PUT", "/options/a", "GET"},
+        {__LINE__, "POST", "/watch?key=a", "GET"},  {__LINE__, "get", "/options", "GET"},
+        {__LINE__, "NONSENSE", "/options", "GET"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
@@ -128,6 +144,23 @@ TEST(Methods, ThatAPathIsNotFor_Are405AndTheRightOneIsTold) {
         EXPECT_EQ(405, answer.status);
         EXPECT_EQ(row.allow, answer.headers.at("allow"));
         EXPECT_EQ(std::string("Method must be ") + row.allow, errorOf(answer.body));
+    }
+}
+
+TEST(Methods, Head_IsAnsweredWithAHeadOnly) {
+    const ServerProcess server;
+    const HttpAnswer put = request(server.port(), "PUT", "/options");
+    const HttpAnswer head = request(server.port(), "HEAD", "/options");
+    EXPECT_EQ(405, head.status);
+    EXPECT_EQ("GET", head.headers.at("allow"));
+    EXPECT_EQ(put.headers.at("content-length"), head.headers.at("content-length"));
+    EXPECT_EQ("", head.body);
+    for (const auto& answer :
+         {request(server.port(), "HEAD", "/none"),
+          request(server.port(), "HEAD", "/options", "", {"Host: e.example"})}) {
+        EXPECT_EQ(4, answer.status / 100);
+        EXPECT_TRUE(answer.has("content-length"));
+        EXPECT_EQ("", answer.body);
     }
 }
 

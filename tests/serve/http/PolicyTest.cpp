@@ -50,6 +50,35 @@ TEST(Setting, WithAnEmptyPrefix_IsAllowedForAllKeys) {
     EXPECT_EQ(200, post(server.port(), setMessage("", "1")).status);
 }
 
+TEST(Setting, ASecret_IsAnsweredWithStarsWhateverWasThere) {
+    const ServerProcess server({"--writable", "", "--secret", "*.user"},
+                               {"-s", "db.password:int=17", "-s", "a.user=me"});
+    const auto reply = [](const std::string& key) {
+        return R"({"type":"connector/configuration/ConfigurationOptionResponse","message":{"key":")" +
+               key + R"(","source":"","value":{"type":"string","value":"******"}}})" + "\n";
+    };
+    for (const char* key : {"db.password", "a.user", "new.token"}) {
+        SCOPED_TRACE(key);
+        const HttpAnswer answer = post(server.port(), setMessage(key, "hush"));
+        EXPECT_EQ(200, answer.status);
+        EXPECT_EQ(reply(key), answer.body);
+        EXPECT_NE(std::string::npos,
+                  post(server.port(), test::getMessage(key)).body.find(R"("value":"hush")"));
+    }
+}
+
+TEST(Setting, WhatIsNoSecret_IsAnsweredWithWhatWasThere) {
+    const ServerProcess server({"--writable", ""}, {"-s", "db.user=me"});
+    EXPECT_NE(std::string::npos,
+              post(server.port(), setMessage("db.user", "you")).body.find(R"("value":"me")"));
+}
+
+TEST(Setting, AKeyWithANulCharacter_IsRefusedWithAWholeText) {
+    const ServerProcess server;
+    expectRefusal(std::string("Key must not be set: a\0b (--writable PREFIX would allow it)", 59),
+                  post(server.port(), setMessage("a\\u0000b", "1")));
+}
+
 /// A directory to add files from, and what lies around it.
 class Adding : public testing::Test {
 protected:
@@ -90,6 +119,32 @@ TEST_F(Adding, AFileBelowTheRoot_IsAllowed) {
               get(server.port(), "/options/a").body);
 }
 
+TEST_F(Adding, ARelativePath_CountsFromTheServersWorkingDirectory) {
+    const std::string relative = fs::relative(inside).string();
+    const ServerProcess server(withRoot());
+    EXPECT_EQ(200, post(server.port(), addMessage("n", relative)).status);
+    EXPECT_EQ(200, get(server.port(), "/options/a").status);
+    expectNotFound("a.properties", server.port());
+}
+
+TEST_F(Adding, AFileThatIsTraced_HasItsSecretsMasked) {
+    base.write("root/s.properties", "user=hush\npassword=hush\nb=1\n");
+    std::vector<std::string> arguments = withRoot();
+    arguments.insert(arguments.end(), {"--secret", "*.USER"});
+    ServerProcess server(arguments, {"--trace"});
+    const std::string path = (base.path / "root/s.properties").string();
+    EXPECT_EQ(200, post(server.port(),
+                        R"({"type":"connector/configuration/AddPropertyFileSource","message":)"
+                        R"({"name":"n","group":"db","path":")" +
+                            path + "\"}}")
+                       .status);
+    const std::string errors = server.stop().errors;
+    EXPECT_NE(errors.npos, errors.find("Parsed property: user = ******\n")) << errors;
+    EXPECT_NE(errors.npos, errors.find("Parsed property: password = ******\n")) << errors;
+    EXPECT_NE(errors.npos, errors.find("b = 1\n")) << errors;
+    EXPECT_EQ(errors.npos, errors.find("hush")) << errors;
+}
+
 TEST_F(Adding, AFileElsewhere_IsRefused) {
     const ServerProcess server(withRoot());
     const std::string root = (base.path / "root").string();
@@ -114,8 +169,9 @@ TEST_F(Adding, APipe_IsRefusedAndBlocksNobody) {
 
 TEST_F(Adding, APathWithANulCharacter_IsRefused) {
     const ServerProcess server(withRoot());
-    const HttpAnswer answer = post(server.port(), addMessage("n", inside + "\\u0000"));
-    EXPECT_EQ(403, answer.status);
+    expectRefusal("Not a readable regular file below the directory of --property-root: " + inside +
+                      std::string(1, '\0') + "x",
+                  post(server.port(), addMessage("n", inside + "\\u0000x")));
     EXPECT_EQ("[]\n", get(server.port(), "/options").body);
 }
 

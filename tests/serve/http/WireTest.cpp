@@ -54,6 +54,22 @@ TEST_F(WireTest, AClientThatReadsNothing_IsLate) {
     EXPECT_THROW(wire(moment).send(std::string(50000000, 'x')), ClientLate);
 }
 
+TEST_F(WireTest, WhatTheClientTakesAtOnce_IsSentWithoutAnyTimeLeft) {
+    ending.announce(Clock::now());
+    wire(Clock::duration::zero()).send("abc\n");
+    EXPECT_EQ("abc", client.readLine());
+}
+
+TEST_F(WireTest, AClientThatHasSaidNothing_IsLateAtTheEnd) {
+    std::string bytes;
+    ending.announce(Clock::now() + forever);
+    EXPECT_THROW(wire(forever).receiveFirst(bytes), ClientLate);
+    client.send("abc");
+    client.endSending();
+    EXPECT_TRUE(wire(forever).receiveFirst(bytes));
+    EXPECT_EQ("abc", bytes);
+}
+
 TEST_F(WireTest, AClientThatHasGone_IsLost) {
     HttpClient(std::move(client));
     EXPECT_THROW(wire(forever).send(std::string(50000000, 'x')), ClientLost);

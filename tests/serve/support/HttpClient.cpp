@@ -1,6 +1,7 @@
 #include "serve/support/HttpClient.hpp"
 
 #include <Poco/JSON/Parser.h>
+#include <Poco/Net/SocketAddress.h>
 
 #include <algorithm>
 #include <cctype>
@@ -10,8 +11,6 @@
 #include <system_error>
 #include <utility>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -70,7 +69,13 @@ HttpAnswer parseAnswer(const std::string& bytes) {
 }
 
 HttpClient::HttpClient(std::uint16_t newPort, int receiveBuffer)
-    : port(newPort), descriptor(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+    : HttpClient("127.0.0.1", newPort, receiveBuffer) {
+}
+
+HttpClient::HttpClient(const std::string& host, std::uint16_t newPort, int receiveBuffer)
+    : port(newPort) {
+    const Poco::Net::SocketAddress address(host, port);
+    descriptor = ::socket(address.af(), SOCK_STREAM | SOCK_CLOEXEC, 0);
     check(descriptor);
     if (receiveBuffer != 0)
         check(
@@ -78,11 +83,7 @@ HttpClient::HttpClient(std::uint16_t newPort, int receiveBuffer)
     const timeval patience{60, 0};
     check(::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience));
     check(::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience));
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    check(::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+    check(::connect(descriptor, address.addr(), address.length()));
 }
 
 HttpClient::~HttpClient() {
@@ -109,8 +110,12 @@ void HttpClient::endSending() {
     ::shutdown(descriptor, SHUT_WR);
 }
 
-void HttpClient::get(const std::string& path) {
-    send("GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) + "\r\n\r\n");
+void HttpClient::get(const std::string& path, const std::vector<std::string>& headers) {
+    std::string lines;
+    for (const std::string& header : headers)
+        lines += header + "\r\n";
+    send("GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) + "\r\n" + lines +
+         "\r\n");
 }
 
 std::string HttpClient::readLine() {

@@ -25,8 +25,13 @@ HttpAnswer parseAnswer(const std::string& bytes);
 /// A connection. What does not come within a minute is a failure.
 class HttpClient {
 public:
+    /// Connects to 127.0.0.1.
     /// @param receiveBuffer  the size of the system's buffer; 0 for what is usual
     explicit HttpClient(std::uint16_t newPort, int receiveBuffer = 0);
+    /// Connects elsewhere.
+    /// @param address  of IPv4 or IPv6, without brackets
+    /// @throws std::system_error
+    HttpClient(const std::string& address, std::uint16_t newPort, int receiveBuffer = 0);
     ~HttpClient();
     HttpClient(HttpClient&& other) noexcept;
     HttpClient(const HttpClient&) = delete;
@@ -37,7 +42,7 @@ public:
     void endSending();
 
     /// Sends GET with the right Host.
-    void get(const std::string& path);
+    void get(const std::string& path, const std::vector<std::string>& headers = {});
 
     /// @return the next line without its end; nothing at the end
     std::string readLine();

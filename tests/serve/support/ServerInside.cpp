@@ -18,7 +18,7 @@ Poco::Net::ServerSocket anyLoopbackPort() {
 
 ServerInside::ServerInside(const connector_config::serve::Limits& limits)
     : socket(anyLoopbackPort()),
-      door(*configuration, Gate("", {}), Policy({""}, {}), Secrets(), socket, limits) {
+      door(*configuration, Gate("", {}), Policy({""}, {}, Secrets()), Secrets(), socket, limits) {
 }
 
 } // namespace test

@@ -19,6 +19,7 @@ public:
 
     std::uint16_t port() const { return socket.address().port(); }
     void stopService() { door.stopService(); }
+    void close() { door.close(); }
 
     const std::shared_ptr<connector::configuration::ConfigurationImpl> configuration =
         std::make_shared<connector::configuration::ConfigurationImpl>();

@@ -13,12 +13,15 @@ namespace test {
 
 class ServerProcess {
 public:
-    /// @param httpArguments     behind serve --http 127.0.0.1:0
+    /// @param httpArguments     behind serve --http ADDRESS
     /// @param sourceArguments   before them
     explicit ServerProcess(const std::vector<std::string>& httpArguments = {},
-                           std::vector<std::string> sourceArguments = {});
+                           std::vector<std::string> sourceArguments = {},
+                           const std::string& address = "127.0.0.1:0");
     ~ServerProcess();
 
+    /// @return where it says that it listens; an IPv6 address in brackets
+    const std::string& host() const { return listeningHost; }
     std::uint16_t port() const { return listeningPort; }
     Process& process() { return running; }
 
@@ -27,6 +30,7 @@ public:
 
 private:
     Process running;
+    std::string listeningHost;
     std::uint16_t listeningPort = 0;
     bool stopped = false;
 };

@@ -47,6 +47,7 @@ public:
     std::string readErrorLine() { return readLine(errors); }
 
     void signal(int number);
+    pid_t number() const { return id; } ///< which the system knows it by
     void closeOutput(); ///< so that nobody reads the program's standard output any more
 
     /// Ends the input and waits. @return all that was not read yet

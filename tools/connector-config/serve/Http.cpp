@@ -73,11 +73,11 @@ std::optional<Token> tokenOf(const HttpArguments& arguments) {
     return readToken(*arguments.tokenFile);
 }
 
-Policy policyOf(const HttpArguments& arguments) {
+Policy policyOf(const HttpArguments& arguments, const Secrets& secrets) {
     std::optional<PropertyRoot> root;
     if (arguments.propertyRoot)
         root.emplace(*arguments.propertyRoot);
-    return Policy(arguments.writable, root);
+    return Policy(arguments.writable, root, secrets);
 }
 
 } // namespace
@@ -85,7 +85,7 @@ Policy policyOf(const HttpArguments& arguments) {
 void serveHttp(ConfigurationImpl& configuration, const HttpArguments& arguments,
                const Secrets& secrets) {
     Gate gate(arguments.address.host, tokenOf(arguments));
-    Policy policy = policyOf(arguments);
+    Policy policy = policyOf(arguments, secrets);
     const ServerSocket socket = listen(arguments.address);
     // Not before: a token may come through a pipe, and a name from far away.
     const EndSignals signals;

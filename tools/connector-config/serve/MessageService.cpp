@@ -1,10 +1,12 @@
 #include "serve/MessageService.hpp"
 
 #include "Json.hpp"
+#include "Secrets.hpp"
 #include "Trace.hpp"
 #include "serve/RequestText.hpp"
 
 #include <connector/configuration/service/AddPropertyFileSource.hpp>
+#include <connector/configuration/service/ConfigurationOptionResponse.hpp>
 
 #include <stdexcept>
 
@@ -13,6 +15,7 @@ namespace connector_config::serve {
 using connector::Future;
 using connector::Message;
 using connector::configuration::AddPropertyFileSource;
+using connector::configuration::ConfigurationOptionResponse;
 using connector::configuration::ConfigurationServiceProviderImpl;
 using MessagePtr = std::unique_ptr<Message>;
 
@@ -23,6 +26,17 @@ std::string groupOf(const Message& message) {
     const auto* const add = dynamic_cast<const AddPropertyFileSource*>(&message);
     return add == nullptr ? std::string() : add->group;
 }
+
+void hideValue(Message& reply) {
+    auto* const response = dynamic_cast<ConfigurationOptionResponse*>(&reply);
+    if (response != nullptr && response->option)
+        response->option->value = std::string(Secrets::mask);
+}
+
+/// Why a message is not executed. No exception of the standard's, whose text would end at a NUL.
+struct Refusal {
+    std::string text;
+};
 
 } // namespace
 
@@ -35,10 +49,12 @@ public:
     Reply run(const std::string& text) {
         try {
             return {Outcome::Done, withId(id, execute(text))};
+        } catch (const Refusal& refusal) {
+            return {outcome, errorText(refusal.text, id)};
         } catch (const std::exception& error) {
             return {outcome, errorText(error, id)};
         } catch (...) {
-            return {outcome, withId(id, errorText("Unknown failure"))};
+            return {outcome, errorText("Unknown failure", id)};
         }
     }
 
@@ -49,6 +65,8 @@ private:
         MessagePtr message = service.serializer->deserialize(request.object);
         const Verdict verdict = judge(*message);
         const MessagePtr reply = take(dispatch(std::move(message)));
+        if (verdict.hidesValue)
+            hideValue(*reply);
         return textOf(reply);
     }
 
@@ -56,7 +74,7 @@ private:
         outcome = Outcome::Refused;
         const Verdict verdict = service.judge ? service.judge(message) : Verdict{};
         if (verdict.refusal)
-            throw std::runtime_error(*verdict.refusal);
+            throw Refusal{*verdict.refusal};
         return verdict;
     }
 

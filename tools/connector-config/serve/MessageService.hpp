@@ -18,6 +18,7 @@ namespace connector_config::serve {
 struct Verdict {
     std::optional<std::string> refusal; ///< why not
     std::shared_ptr<const void> hold;   ///< something to be kept until the message was executed
+    bool hidesValue = false;            ///< the value in the reply must not be shown
 };
 
 /// May change the message, to say more exactly what is allowed.

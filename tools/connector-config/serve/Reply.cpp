@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <typeinfo>
 
 namespace connector_config::serve {
 
@@ -47,19 +48,24 @@ Var sayable(const Var& value) {
     return value;
 }
 
-} // namespace
-
-std::string errorText(const std::exception& error, const std::optional<std::string>& id) {
+std::string failureText(const std::type_info& type, const std::string& text,
+                        const std::optional<std::string>& id) {
     Object::Ptr description = makeObject();
-    description->set("type", boost::core::demangle(typeid(error).name()));
-    description->set("text", std::string(error.what()));
+    description->set("type", boost::core::demangle(type.name()));
+    description->set("text", text);
     Object::Ptr object = makeObject();
     object->set("error", description);
     return withId(id, jsonText(object));
 }
 
-std::string errorText(const std::string& text) {
-    return errorText(std::runtime_error(text));
+} // namespace
+
+std::string errorText(const std::exception& error, const std::optional<std::string>& id) {
+    return failureText(typeid(error), error.what(), id);
+}
+
+std::string errorText(const std::string& text, const std::optional<std::string>& id) {
+    return failureText(typeid(std::runtime_error), text, id);
 }
 
 std::string jsonText(const Var& document) {

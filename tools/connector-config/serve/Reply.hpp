@@ -25,8 +25,9 @@ struct Reply {
 /// @return {"error": {"type": the C++ type of the exception, "text": its text}}, behind the id
 std::string errorText(const std::exception& error, const std::optional<std::string>& id = {});
 
-/// The same for what is no exception on our side of the border; a std::runtime_error to the others.
-std::string errorText(const std::string& text);
+/// The same for a text of our own, which is a std::runtime_error to the others. It comes whole, where
+/// that of an exception ends at a NUL character.
+std::string errorText(const std::string& text, const std::optional<std::string>& id = {});
 
 /// @return a JSON document on one line. What JSON cannot say, for values may hold any bytes and any
 ///         double, is said as near as can be: bytes that are no UTF-8 as U+FFFD; infinity and what is

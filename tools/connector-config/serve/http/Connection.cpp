@@ -1,6 +1,6 @@
 #include "serve/http/Connection.hpp"
 
-#include "serve/http/RequestReader.hpp"
+#include "serve/http/Target.hpp"
 
 namespace connector_config::serve {
 
@@ -13,7 +13,8 @@ void Connection::run() {
 
 void Connection::serve() {
     Wire wire(socket(), shared.ending, shared.patience.request);
-    Answer answered = answer(wire);
+    RequestReader reader(wire);
+    Answer answered = answer(reader);
     if (const auto* const request = std::get_if<WatchRequest>(&answered)) {
         if (watch(request->key))
             return; // the connection is the writer's now
@@ -21,16 +22,24 @@ void Connection::serve() {
             HttpFailure(HTTPResponse::HTTP_SERVICE_UNAVAILABLE, "No more streams").response();
     }
     wire.extend(shared.patience.response);
-    wire.send(bytesOf(std::get<Response>(answered)));
+    send(wire, std::get<Response>(answered), reader.asksForHeadOnly());
     wire.hangUp(shared.patience.goodbye);
 }
 
-Answer Connection::answer(Wire& wire) {
+/// Piece by piece: a body may be too large to have it twice.
+void Connection::send(Wire& wire, const Response& response, bool headOnly) {
+    wire.sendWithMore(headOf(response));
+    if (headOnly)
+        return; // what was held back goes when we hang up
+    wire.sendWithMore(response.body);
+    wire.send(bodyEnd);
+}
+
+Answer Connection::answer(RequestReader& reader) {
     try {
-        RequestReader reader(wire);
         const Poco::Net::HTTPRequest& head = reader.readHead();
         shared.gate.check(head, socket().address());
-        return shared.resources.answer(head.getMethod(), head.getURI(),
+        return shared.resources.answer(head.getMethod(), parseTarget(head.getURI()).path,
                                        [&reader] { return reader.readBody(); });
     } catch (const HttpFailure& failure) {
         return failure.response();

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "serve/http/HttpServer.hpp"
-#include "serve/http/Wire.hpp"
+#include "serve/http/RequestReader.hpp"
 
 #include <Poco/Net/TCPServerConnection.h>
 
@@ -18,7 +18,8 @@ public:
 
 private:
     void serve();
-    Answer answer(Wire& wire);
+    Answer answer(RequestReader& reader);
+    static void send(Wire& wire, const Response& response, bool headOnly);
     bool watch(const std::string& key);
 
     Shared& shared;

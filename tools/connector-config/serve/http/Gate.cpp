@@ -1,10 +1,12 @@
 #include "serve/http/Gate.hpp"
 
 #include "serve/http/Response.hpp"
+#include "serve/http/Target.hpp"
 
 #include <Poco/String.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace connector_config::serve {
@@ -29,6 +31,22 @@ std::vector<std::string> valuesOf(const HTTPRequest& request, const std::string&
     return values;
 }
 
+/// @return what the client says that it wants to reach; the absolute form says it in place of "Host"
+std::vector<std::string> hostsOf(const HTTPRequest& request) {
+    if (std::optional<std::string> authority = parseTarget(request.getURI()).authority)
+        return {std::move(*authority)};
+    return valuesOf(request, "Host");
+}
+
+/// A socket for IPv6 that takes clients of IPv4, too, tells their addresses as ones of IPv6.
+SocketAddress unmapped(const SocketAddress& address) {
+    const Poco::Net::IPAddress host = address.host();
+    if (!host.isIPv4Mapped())
+        return address;
+    const auto* const end = static_cast<const char*>(host.addr()) + host.length();
+    return {Poco::Net::IPAddress(end - sizeof(in_addr), sizeof(in_addr)), address.port()};
+}
+
 std::string inBrackets(const std::string& host) {
     return host.find(':') == host.npos ? host : "[" + host + "]";
 }
@@ -36,8 +54,8 @@ std::string inBrackets(const std::string& host) {
 } // namespace
 
 void Gate::check(const HTTPRequest& request, const SocketAddress& reached) const {
-    const std::vector<std::string> hosts = valuesOf(request, "Host");
-    if (hosts.size() != 1 || !isOurs(hosts.front(), reached))
+    const std::vector<std::string> hosts = hostsOf(request);
+    if (hosts.size() != 1 || !isOurs(hosts.front(), unmapped(reached)))
         throw forbidden("Host is not the address that this server listens on");
     for (const std::string& origin : valuesOf(request, "Origin")) {
         if (Poco::icompare(origin, "http://" + hosts.front()) != 0)

@@ -2,6 +2,8 @@
 
 #include "serve/http/Connection.hpp"
 
+#include <sys/socket.h>
+
 namespace connector_config::serve {
 
 namespace {
@@ -36,7 +38,8 @@ Poco::Net::TCPServerParams::Ptr parameters() {
 } // namespace
 
 HttpServer::HttpServer(const Poco::Net::ServerSocket& socket, Shared& newShared)
-    : shared(newShared), threads("http", 2, mostThreads, secondsOfIdleness, stackSize),
+    : shared(newShared), listening(socket),
+      threads("http", 2, mostThreads, secondsOfIdleness, stackSize),
       server(new ConnectionFactory(shared), threads, socket, parameters()) {
     server.start();
 }
@@ -48,6 +51,8 @@ HttpServer::~HttpServer() {
 }
 
 void HttpServer::stop() {
+    // Wakes up the thread that accepts, which would look only now and then whether it is to stop.
+    ::shutdown(listening.impl()->sockfd(), SHUT_RD);
     server.stop();
     threads.joinAll();
 }

@@ -45,6 +45,7 @@ public:
 
 private:
     Shared& shared;
+    const Poco::Net::ServerSocket listening;
     Poco::ThreadPool threads;
     Poco::Net::TCPServer server;
 };

@@ -29,17 +29,57 @@ HttpFailure tooLong() {
                        "A request is at most 1 MiB long");
 }
 
+/// @return where the head begins, behind any empty lines
+std::size_t startOfHead(const std::string& bytes) {
+    std::size_t start = 0;
+    for (;;) {
+        if (bytes.compare(start, 1, "\n") == 0)
+            start += 1;
+        else if (bytes.compare(start, 2, "\r\n") == 0)
+            start += 2;
+        else
+            return start;
+    }
+}
+
 /// @return where the head ends, its empty line included; 0 if that has not come yet
-std::size_t endOfHead(const std::string& bytes) {
-    for (std::size_t line = 0; line < bytes.size();) {
+std::size_t endOfHead(const std::string& bytes, std::size_t start) {
+    for (std::size_t line = start; line < bytes.size();) {
         const std::size_t end = bytes.find('\n', line);
         if (end == bytes.npos)
             break;
-        if (line > 0 && (end == line || (end == line + 1 && bytes[line] == '\r')))
+        if (end == line || (end == line + 1 && bytes[line] == '\r'))
             return end + 1;
         line = end + 1;
     }
     return 0;
+}
+
+bool isControl(char byte) {
+    const auto code = static_cast<unsigned char>(byte);
+    return (code < ' ' && byte != '\t') || code == 0x7f;
+}
+
+bool isHeader(const std::string& line) {
+    const std::size_t nameEnd = line.find_first_of(": \t");
+    return nameEnd != line.npos && nameEnd > 0 && line[nameEnd] == ':';
+}
+
+/// Poco skips blanks in front, takes lines without a colon for a part of others or for nothing, and
+/// leaves any bytes in what it reads. Nobody who means well sends that.
+bool isWellFormed(const std::string& head) {
+    std::istringstream text(head);
+    bool isFirst = true;
+    for (std::string line; std::getline(text, line); isFirst = false) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (line.empty())
+            return true; // the end
+        const bool hasForm = isFirst ? line.front() != ' ' && line.front() != '\t' : isHeader(line);
+        if (!hasForm || std::any_of(line.begin(), line.end(), isControl))
+            return false;
+    }
+    return true;
 }
 
 auto countOf(const Poco::Net::HTTPRequest& head, const std::string& name) {
@@ -63,24 +103,33 @@ std::size_t sizeOfChunk(const std::string& line) {
 } // namespace
 
 const Poco::Net::HTTPRequest& RequestReader::readHead() {
-    std::size_t end;
-    while ((end = endOfHead(unread)) == 0) {
-        if (unread.size() > longestHead)
-            throw badRequest("Head of the request is too long");
-        if (!unread.empty())
-            receive();
-        else if (!wire.receive(unread))
-            throw ClientLost("No request");
-    }
-    std::istringstream text(take(end));
+    const std::string text = takeHead();
+    if (!isWellFormed(text))
+        throw badRequest("Not an HTTP request");
     try {
-        head.read(text);
+        std::istringstream stream(text);
+        head.read(stream);
     } catch (const Poco::Exception&) {
         throw badRequest("Not an HTTP request");
     }
     if (head.getVersion() != head.HTTP_1_0 && head.getVersion() != head.HTTP_1_1)
         throw badRequest("Neither HTTP/1.0 nor HTTP/1.1");
     return head;
+}
+
+/// Empty lines in front of it count as parts of it, so that there cannot be too many.
+std::string RequestReader::takeHead() {
+    for (;;) {
+        const std::size_t start = startOfHead(unread);
+        if (const std::size_t end = endOfHead(unread, start))
+            return take(end).substr(start);
+        if (unread.size() > longestHead)
+            throw badRequest("Head of the request is too long");
+        if (!unread.empty())
+            receive();
+        else if (!wire.receiveFirst(unread))
+            throw ClientLost("No request");
+    }
 }
 
 /// More of a request that has begun.

@@ -20,11 +20,15 @@ public:
     /// @throws ClientLost    when the client went without a word
     const Poco::Net::HTTPRequest& readHead();
 
+    /// @return whether the client wants no body; false as long as that is not known
+    bool asksForHeadOnly() const { return head.getMethod() == head.HTTP_HEAD; }
+
     /// To be called once, behind readHead. Reads no further than is allowed.
     /// @throws HttpFailure  400, 408 or 413
     std::string readBody();
 
 private:
+    std::string takeHead();
     std::string readLength(const std::string& length);
     std::string readChunks();
     std::string take(std::size_t count);

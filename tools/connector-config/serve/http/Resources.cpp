@@ -4,7 +4,6 @@
 #include "serve/RequestText.hpp"
 
 #include <Poco/Exception.h>
-#include <Poco/JSON/Array.h>
 #include <Poco/URI.h>
 
 #include <algorithm>
@@ -69,16 +68,12 @@ Status statusOf(Outcome outcome) {
     return HTTPResponse::HTTP_INTERNAL_SERVER_ERROR; // no such outcome
 }
 
-Response found(const Poco::Dynamic::Var& document) {
-    return {HTTPResponse::HTTP_OK, jsonText(document), {}};
-}
-
 } // namespace
 
-Answer Resources::answer(const std::string& method, const std::string& uri,
+Answer Resources::answer(const std::string& method, const std::string& pathAndQuery,
                          const std::function<std::string()>& readBody) const {
-    const std::size_t question = std::min(uri.find('?'), uri.size());
-    const std::string path = uri.substr(0, question);
+    const std::size_t question = std::min(pathAndQuery.find('?'), pathAndQuery.size());
+    const std::string path = pathAndQuery.substr(0, question);
     if (path == "/messages") {
         requireMethod(method, "POST");
         return answerMessage(readBody());
@@ -93,7 +88,8 @@ Answer Resources::answer(const std::string& method, const std::string& uri,
     }
     if (path == "/watch") {
         requireMethod(method, "GET");
-        return WatchRequest{keyOf(question < uri.size() ? uri.substr(question + 1) : "")};
+        return WatchRequest{
+            keyOf(question < pathAndQuery.size() ? pathAndQuery.substr(question + 1) : "")};
     }
     throw HttpFailure(
         HTTPResponse::HTTP_NOT_FOUND,
@@ -105,18 +101,26 @@ Response Resources::answerMessage(const std::string& body) const {
     return {statusOf(reply.outcome), std::move(reply.text), {}};
 }
 
+/// As text one by one, for the JSON objects of all options take many times the memory of their text;
+/// and one list at a time, so that what its making takes on top of that is taken once, whoever asks.
 Response Resources::allOptions() const {
-    Poco::JSON::Array::Ptr options = new Poco::JSON::Array;
-    for (const std::string& key : configuration.keys().get())
-        options->add(toJson(secrets.shown(configuration.getOption(key).get())));
-    return found(options);
+    const std::lock_guard<std::mutex> lock(building);
+    std::string list = "[";
+    for (const std::string& key : configuration.keys().get()) {
+        list += list.size() > 1 ? "," : "";
+        list += jsonText(toJson(secrets.shown(configuration.getOption(key).get())));
+    }
+    list += ']';
+    return {HTTPResponse::HTTP_OK, std::move(list), {}};
 }
 
 Response Resources::option(const std::string& key) const {
     if (!configuration.has(key).get())
         throw HttpFailure(HTTPResponse::HTTP_NOT_FOUND,
                           "No option with the specified key was found: " + key);
-    return found(toJson(secrets.shown(configuration.getOption(key).get())));
+    return {HTTPResponse::HTTP_OK,
+            jsonText(toJson(secrets.shown(configuration.getOption(key).get()))),
+            {}};
 }
 
 } // namespace connector_config::serve

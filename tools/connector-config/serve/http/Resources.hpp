@@ -8,6 +8,7 @@
 #include <connector/configuration/ConfigurationImpl.hpp>
 
 #include <functional>
+#include <mutex>
 #include <string>
 #include <variant>
 
@@ -28,10 +29,10 @@ public:
               const Secrets& newSecrets)
         : service(newService), configuration(newConfiguration), secrets(newSecrets) {}
 
-    /// @param uri       path and query as they came
-    /// @param readBody  called where a body is wanted, once
+    /// @param pathAndQuery  as they came
+    /// @param readBody      called where a body is wanted, once
     /// @throws HttpFailure 400, 404 or 405, and what readBody throws
-    Answer answer(const std::string& method, const std::string& uri,
+    Answer answer(const std::string& method, const std::string& pathAndQuery,
                   const std::function<std::string()>& readBody) const;
 
 private:
@@ -42,6 +43,7 @@ private:
     const MessageService& service;
     connector::configuration::ConfigurationImpl& configuration;
     const Secrets& secrets;
+    mutable std::mutex building; // of a list of all options
 };
 
 } // namespace connector_config::serve

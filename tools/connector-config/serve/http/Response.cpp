@@ -12,7 +12,7 @@ namespace connector_config::serve {
 namespace {
 
 /// No header here lets another site's page in.
-HTTPResponse headOf(Status status, const char* contentType) {
+HTTPResponse commonHead(Status status, const char* contentType) {
     HTTPResponse head(Poco::Net::HTTPMessage::HTTP_1_1, status);
     head.setDate(Poco::Timestamp());
     head.setContentType(contentType);
@@ -31,22 +31,21 @@ std::string textOf(const HTTPResponse& head) {
 } // namespace
 
 Response HttpFailure::response() const {
-    return {status, errorText(what()), allow};
+    return {status, errorText(text), allow};
 }
 
-std::string bytesOf(const Response& response) {
-    HTTPResponse head = headOf(response.status, "application/json");
-    const std::string body = response.body + '\n';
-    head.setContentLength64(static_cast<Poco::Int64>(body.size()));
+std::string headOf(const Response& response) {
+    HTTPResponse head = commonHead(response.status, "application/json");
+    head.setContentLength64(static_cast<Poco::Int64>(response.body.size() + sizeof bodyEnd - 1));
     if (!response.allow.empty())
         head.set("Allow", response.allow);
     if (response.status == HTTPResponse::HTTP_UNAUTHORIZED)
         head.set("WWW-Authenticate", "Bearer");
-    return textOf(head) + body;
+    return textOf(head);
 }
 
 std::string beginningOfEvents() {
-    return textOf(headOf(HTTPResponse::HTTP_OK, "text/event-stream"));
+    return textOf(commonHead(HTTPResponse::HTTP_OK, "text/event-stream"));
 }
 
 } // namespace connector_config::serve

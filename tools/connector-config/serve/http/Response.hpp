@@ -3,7 +3,6 @@
 
 #include <Poco/Net/HTTPResponse.h>
 
-#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -21,17 +20,21 @@ struct Response {
 /// Why a request is not served; caught where it is answered.
 class HttpFailure : public std::runtime_error {
 public:
-    HttpFailure(Status newStatus, const std::string& text, std::string newAllow = {})
-        : runtime_error(text), status(newStatus), allow(std::move(newAllow)) {}
+    HttpFailure(Status newStatus, const std::string& newText, std::string newAllow = {})
+        : runtime_error(newText), status(newStatus), text(newText), allow(std::move(newAllow)) {}
 
     Response response() const;
 
     const Status status;
+    const std::string text; ///< whole, where what() ends at a NUL character
     const std::string allow;
 };
 
-/// @return the bytes of a response; there is one response for each connection
-std::string bytesOf(const Response& response);
+/// What ends the body of a response.
+constexpr char bodyEnd[] = "\n";
+
+/// @return the bytes in front of the body; there is one response for each connection
+std::string headOf(const Response& response);
 
 /// @return the bytes that begin a stream of server-sent events
 std::string beginningOfEvents();

@@ -33,7 +33,7 @@ void Wire::waitFor(short event) {
         if (Clock::now() >= end)
             throw ClientLate();
         // Once announced, the end would wake us up again and again.
-        pollfd waiting[] = {{client.impl()->sockfd(), event, 0},
+        pollfd waiting[] = {{descriptor(), event, 0},
                             {isEnding ? -1 : ending.descriptor(), POLLIN, 0}};
         const int count = ::poll(waiting, 2, millisecondsUntil(end));
         if (count > 0 && waiting[0].revents != 0)
@@ -47,7 +47,7 @@ bool Wire::receive(std::string& buffer) {
     char bytes[16384];
     for (;;) {
         waitFor(POLLIN);
-        const ssize_t count = ::recv(client.impl()->sockfd(), bytes, sizeof bytes, MSG_DONTWAIT);
+        const ssize_t count = ::recv(descriptor(), bytes, sizeof bytes, MSG_DONTWAIT);
         if (count >= 0) {
             buffer.append(bytes, static_cast<std::size_t>(count));
             return count > 0;
@@ -57,21 +57,34 @@ bool Wire::receive(std::string& buffer) {
     }
 }
 
-void Wire::send(std::string_view bytes) {
+bool Wire::receiveFirst(std::string& buffer) {
+    pollfd waiting[] = {{descriptor(), POLLIN, 0}, {ending.descriptor(), POLLIN, 0}};
+    ::poll(waiting, 2, millisecondsUntil(deadline));
+    if (waiting[0].revents == 0 && waiting[1].revents != 0)
+        throw ClientLate();
+    return receive(buffer);
+}
+
+void Wire::sendWithMore(std::string_view bytes) {
+    send(bytes, MSG_MORE);
+}
+
+void Wire::send(std::string_view bytes, int flags) {
     while (!bytes.empty()) {
-        waitFor(POLLOUT);
-        const ssize_t count = ::send(client.impl()->sockfd(), bytes.data(), bytes.size(),
-                                     MSG_DONTWAIT | MSG_NOSIGNAL);
+        const ssize_t count =
+            ::send(descriptor(), bytes.data(), bytes.size(), MSG_DONTWAIT | MSG_NOSIGNAL | flags);
         if (count >= 0)
             bytes.remove_prefix(static_cast<std::size_t>(count));
-        else if (!isTransient(errno))
+        else if (isTransient(errno))
+            waitFor(POLLOUT);
+        else
             throw ClientLost("Connection lost");
     }
 }
 
 void Wire::hangUp(Clock::duration patience) noexcept {
     try {
-        ::shutdown(client.impl()->sockfd(), SHUT_WR);
+        ::shutdown(descriptor(), SHUT_WR);
         deadline = Clock::now() + patience;
         for (std::string forgotten; receive(forgotten);)
             forgotten.clear();

@@ -32,8 +32,15 @@ public:
     /// @throws ClientLate, ClientLost
     bool receive(std::string& buffer);
 
+    /// The same for a client that has said nothing yet, which nobody waits for once the server ends.
+    bool receiveFirst(std::string& buffer);
+
+    /// What the client takes at once is sent even if there is no time to wait for it.
     /// @throws ClientLate, ClientLost
-    void send(std::string_view bytes);
+    void send(std::string_view bytes) { send(bytes, 0); }
+
+    /// The same for what need not be on its way before the bytes behind it.
+    void sendWithMore(std::string_view bytes);
 
     /// Ends our half and forgets what still comes, for a while: a client that is told something
     /// while it sends must not lose that to a connection that is reset.
@@ -46,6 +53,8 @@ public:
 
 private:
     void waitFor(short event);
+    void send(std::string_view bytes, int flags);
+    int descriptor() const { return client.impl()->sockfd(); }
 
     Poco::Net::StreamSocket client;
     const Ending& ending;
