@@ -10,6 +10,7 @@
 #include <iterator>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -63,6 +64,19 @@ TEST_F(PropertyRootTest, WhatIsNoRegularFile_IsNot) {
     EXPECT_FALSE(finds(""));
     EXPECT_FALSE(finds(std::string(100000, 'x')));
     EXPECT_FALSE(finds("/dev/null"));
+}
+
+TEST_F(PropertyRootTest, AFileThatCannotBeRead_IsNot) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "The superuser can read everything";
+    fs::permissions(inside, fs::perms::none);
+    EXPECT_FALSE(finds(inside));
+}
+
+TEST_F(PropertyRootTest, ARelativePath_CountsFromTheWorkingDirectory) {
+    EXPECT_TRUE(finds(fs::relative(inside)));
+    EXPECT_FALSE(finds(fs::relative(outside)));
+    EXPECT_FALSE(finds("a.properties"));
 }
 
 TEST_F(PropertyRootTest, APipeThatNobodyWrites_BlocksNobody) {

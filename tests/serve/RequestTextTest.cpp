@@ -128,11 +128,53 @@ TEST(RequestText, Nesting_HasALimit) {
         return "{\"a\":" + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
     };
     EXPECT_NO_THROW(readRequest(nested(deepestNesting)));
-    test::expectThrows<std::invalid_argument>("Text is not valid JSON: Maximum depth exceeded",
-                                              [&] { readRequest(nested(deepestNesting + 1)); });
-    test::expectThrows<std::invalid_argument>("Text is not valid JSON: Maximum depth exceeded", [] {
-        readRequest("{\"a\":" + std::string(500000, '['));
-    });
+    EXPECT_NO_THROW(readRequest(nested(deepestNesting)).content());
+    for (const std::size_t depth : {deepestNesting + 1, std::size_t(500000)})
+        test::expectThrows<std::invalid_argument>("A request has at most 64 levels of nesting",
+                                                  [&] { readRequest(nested(depth)).content(); });
+}
+
+TEST(RequestText, NestedTooDeeply_KeepsItsId) {
+    const std::string brackets = std::string(100, '[') + std::string(100, ']');
+    const std::string members = std::string(R"({"a":)") + brackets;
+    EXPECT_EQ("1", readRequest(members + R"(,"id":1})").id);
+    EXPECT_EQ("1", readRequest(R"({"id":1,"a":)" + brackets + "}").id);
+    EXPECT_EQ(brackets, readRequest(R"({"\u0069d": )" + brackets + "}").id);
+    EXPECT_FALSE(readRequest(members + R"(,"b":{"id":1}})").id);
+}
+
+/// @return what it holds in that many objects and arrays in turn
+std::string wrapped(int depth, const std::string& inside) {
+    std::string text;
+    for (int i = 0; i < depth; ++i)
+        text += i % 2 == 0 ? "{\"a\":" : "[1e400,";
+    text += inside;
+    for (int i = depth; i-- > 0;)
+        text += i % 2 == 0 ? "}" : "]";
+    return text;
+}
+
+TEST(RequestText, AtAnyDepth_MustBeJson) {
+    const char* const wrong[] = {"",      "x",         "[1,]",   "{\"a\":}", "[}",    "]",
+                                 "[1 2]", "[1][2]",    "1[2]",   "[01]",     "{1:2}", "{[]:1}",
+                                 "[",     "[\"\\x\"]", "[[1]2]", "{\"a\"}",  "\"",    "[-[]]"};
+    const char* const right[] = {"1", "[]", "{}", "[[1],[2],{\"b\":[]}]", R"("]}[{\"")", "-0.5"};
+    for (const int depth : {62, 63, 64, 65, 94, 95, 96, 97, 98, 127, 128, 129, 130, 1000}) {
+        SCOPED_TRACE(depth);
+        for (const char* inside : wrong)
+            EXPECT_THROW(readRequest(wrapped(depth, inside)), std::invalid_argument) << inside;
+        for (const char* inside : right)
+            EXPECT_NO_THROW(readRequest(wrapped(depth, inside))) << inside;
+    }
+}
+
+TEST(RequestText, AMegabyteOfBrackets_IsNoJson) {
+    for (const char* bracket : {"[", "{\"a\":", "{\"a\":[", "[[],", "{\"a\":1,\"b\":"}) {
+        std::string text = "{\"a\":";
+        while (text.size() < 1000000)
+            text += bracket;
+        EXPECT_THROW(readRequest(text), std::invalid_argument) << bracket;
+    }
 }
 
 TEST(RequestText, TheIdOfAnInnerObject_IsNotTheRequests) {

@@ -188,9 +188,15 @@ TEST(ServeLines, ALineOfTheLongestLength_IsServed) {
 TEST(ServeLines, AnyNesting_IsAnswered) {
     for (const std::size_t depth : {65u, 1000u, 400000u}) {
         SCOPED_TRACE(depth);
-        EXPECT_EQ(
-            errorLine("std::invalid_argument", "Text is not valid JSON: Maximum depth exceeded"),
-            replies("{\"id\":" + std::string(depth, '[') + std::string(depth, ']') + "}"));
+        const std::string nested = std::string(depth, '[') + std::string(depth, ']');
+        const std::string error =
+            errorLine("std::invalid_argument", "A request has at most 64 levels of nesting");
+        EXPECT_EQ(error, replies("{\"a\":" + nested + "}"));
+        EXPECT_EQ("{\"id\":7," + error.substr(1), replies("{\"id\":7,\"a\":" + nested + "}"));
+        EXPECT_EQ("{\"id\":7," + error.substr(1), replies("{\"a\":" + nested + ",\"id\":7}"));
+        EXPECT_EQ("{\"id\":" + nested + "," + error.substr(1), replies("{\"id\":" + nested + "}"));
+        EXPECT_EQ(errorLine("std::invalid_argument", "A request is a JSON object"),
+                  replies(nested));
     }
 }
 

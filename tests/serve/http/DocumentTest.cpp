@@ -25,7 +25,7 @@ TEST(MessagesDocument, ItsExamplesSayWhatThePageShows) {
     ASSERT_GE(page.examples.size(), 8u);
     const auto root = std::filesystem::path(MESSAGES_DOCUMENT).parent_path().parent_path();
     std::filesystem::current_path(root);
-    const ServerProcess server({"--writable", "net."},
+    const ServerProcess server({"--writable", "net.", "--property-root", "examples/properties"},
                                {"-s", "net.port:int=80", "-s", "db.password=x"});
     const std::string address = "127.0.0.1:" + std::to_string(server.port());
     test::Surroundings withProgram;

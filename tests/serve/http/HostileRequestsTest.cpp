@@ -134,6 +134,13 @@ TEST_F(HostileRequests, AMegabyteOfNothing_Is400) {
 TEST_F(HostileRequests, AnyNesting_Is400) {
     EXPECT_EQ(400, post(port(), "{\"a\":" + std::string(1000000, '[')).status);
     EXPECT_EQ(400, post(port(), "{\"a\":" + std::string(65, '{')).status);
+    const HttpAnswer answer =
+        post(port(), "{\"id\":7,\"a\":" + std::string(65, '[') + std::string(65, ']') + "}");
+    EXPECT_EQ(400, answer.status);
+    EXPECT_EQ(R"({"id":7,"error":{"type":"std::invalid_argument",)"
+              R"("text":"A request has at most 64 levels of nesting"}})"
+              "\n",
+              answer.body);
 }
 
 TEST_F(HostileRequests, ALengthThatIsNone_Is400) {

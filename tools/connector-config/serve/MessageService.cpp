@@ -62,7 +62,7 @@ private:
     std::string execute(const std::string& text) {
         const RequestText request = readRequest(text);
         id = request.id;
-        MessagePtr message = service.serializer->deserialize(request.object);
+        MessagePtr message = service.serializer->deserialize(request.content());
         const Verdict verdict = judge(*message);
         const MessagePtr reply = take(dispatch(std::move(message)));
         if (verdict.hidesValue)

@@ -2,6 +2,7 @@
 
 #include "Number.hpp"
 #include "Utf8.hpp"
+#include "serve/DeepJson.hpp"
 #include "serve/JsonTokens.hpp"
 
 #include <Poco/Exception.h>
@@ -96,7 +97,7 @@ std::string withNumbersThatFit(std::string_view text) {
 Poco::JSON::Object::Ptr parseObject(const std::string& text) {
     Poco::JSON::Parser parser;
     parser.setDepth(deepestNesting);
-    return parser.parse(withNumbersThatFit(text)).extract<Poco::JSON::Object::Ptr>();
+    return parser.parse(text).extract<Poco::JSON::Object::Ptr>();
 }
 
 /// A name may be written with escapes.
@@ -143,6 +144,12 @@ std::optional<std::string> findId(std::string_view text) {
 
 } // namespace
 
+const Poco::JSON::Object::Ptr& RequestText::content() const {
+    if (object.isNull())
+        throw std::invalid_argument("A request has at most 64 levels of nesting");
+    return object;
+}
+
 RequestText readRequest(const std::string& text) {
     if (text.size() > longestRequest)
         throw std::invalid_argument("A request is at most 1 MiB long");
@@ -151,9 +158,11 @@ RequestText readRequest(const std::string& text) {
     if (JsonTokens(text).kind() != '{')
         throw std::invalid_argument("A request is a JSON object");
     try {
-        RequestText request{parseObject(text), {}};
-        request.id = findId(text);
-        return request;
+        const std::string fitting = withNumbersThatFit(text);
+        if (!isDeeper(fitting, deepestNesting))
+            return {parseObject(fitting), findId(text)};
+        requireJson(fitting);
+        return {nullptr, findId(text)};
     } catch (const Poco::Exception& error) {
         throw std::invalid_argument("Text is not valid JSON: " + error.message());
     }

@@ -22,11 +22,14 @@ constexpr std::size_t longestRequest = 1024 * 1024;
 constexpr std::size_t deepestNesting = 64;
 
 struct RequestText {
-    Poco::JSON::Object::Ptr object;
-    std::optional<std::string> id; ///< the JSON of the member "id" as it came, without blanks
+    Poco::JSON::Object::Ptr object; ///< null if it is JSON, but nested too deeply to be read
+    std::optional<std::string> id;  ///< the JSON of the member "id" as it came, without blanks
+
+    /// @throws std::invalid_argument "A request has at most 64 levels of nesting"
+    const Poco::JSON::Object::Ptr& content() const;
 };
 
-/// @throws std::invalid_argument that says what is wrong with the text, and nothing else
+/// @throws std::invalid_argument that says why the text is no JSON object, or is too long; nothing else
 RequestText readRequest(const std::string& text);
 
 /// @return whether there is nothing but what JSON takes for blank
