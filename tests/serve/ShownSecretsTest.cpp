@@ -48,6 +48,29 @@ TEST(ShownSecrets, InWatch_AreStars) {
         runWithSecret({"watch", "--json", "db.Password"}).output);
 }
 
+TEST(ShownSecrets, InWhatIsWrongWithAChange_AreStars) {
+    EXPECT_EQ("connector-config: Value does not convert to int: ******\n"
+              "connector-config: Value does not convert to intArray: ******\n"
+              "connector-config: Value does not convert to int: ******\n"
+              "connector-config: Value does not convert to int: me\n",
+              runConnectorConfig({"--secret", "net.*", "watch", "a"},
+                                 "set db.password:int=hush\nset my.Token:intArray=hush @default\n"
+                                 "set net.port:int=hush\nset db.user:int=me\n")
+                  .errors);
+}
+
+TEST(ShownSecrets, InWhatIsWrongWithTheArguments_AreStars) {
+    const std::string hidden = test::wrongUse("Value does not convert to int: ******");
+    for (const char* option : {"-s", "-d"}) {
+        EXPECT_EQ(hidden, runConnectorConfig({option, "db.password:int=hush", "keys"}).errors);
+        // It is a secret wherever the option stands that says so.
+        EXPECT_EQ(hidden,
+                  runConnectorConfig({option, "[a]:int=hush", "keys", "--secret", "[A]"}).errors);
+        EXPECT_EQ(test::wrongUse("Value does not convert to int: me"),
+                  runConnectorConfig({option, "db.user:int=me", "keys"}).errors);
+    }
+}
+
 TEST(ShownSecrets, InTheLinesOfAFile_AreStars) {
     const TemporaryFile file("password = hush\na = password = hush\nb=1\nsecret=hush");
     const std::string errors =

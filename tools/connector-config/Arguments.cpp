@@ -73,11 +73,11 @@ public:
             return withInformation(versionText());
         }
         arguments.command = requireCommand();
+        unmarkAll(arguments.secrets);
         collectSources();
         arguments.key = unmarked(arguments.key);
         arguments.prefix = unmarked(arguments.prefix);
         unmarkAll(arguments.keys);
-        unmarkAll(arguments.secrets);
         collectHttp();
         return std::move(arguments);
     }
@@ -167,19 +167,20 @@ private:
 
     /// Sources of different kinds keep the order in which they stand on the command line.
     void collectSources() {
+        const Secrets secrets(arguments.secrets);
         std::map<const CLI::Option*, std::size_t> seen;
         for (const CLI::Option* const option : app.parse_order()) {
             if (option == files || option == overrides || option == defaults)
-                addSource(option, unmarked(option->results()[seen[option]++]));
+                addSource(option, unmarked(option->results()[seen[option]++]), secrets);
         }
     }
 
-    void addSource(const CLI::Option* option, const std::string& text) {
+    void addSource(const CLI::Option* option, const std::string& text, const Secrets& secrets) {
         if (option == files)
             arguments.sources.emplace_back(parseFileArgument(text));
         else
             arguments.sources.emplace_back(TableAssignment{
-                parseAssignment(text), option == overrides ? "override" : "default"});
+                parseAssignment(text, secrets), option == overrides ? "override" : "default"});
     }
 
     CLI::App app;

@@ -5,7 +5,7 @@
 
 namespace connector_config {
 
-Assignment parseAssignment(const std::string& text) {
+Assignment parseAssignment(const std::string& text, const Secrets& secrets) {
     const std::size_t equalsSign = text.find('=');
     if (equalsSign == std::string::npos)
         throw WrongArguments("Not of the form KEY[:TYPE]=VALUE: " + text);
@@ -21,7 +21,8 @@ Assignment parseAssignment(const std::string& text) {
     }
     if (key.empty())
         throw WrongArguments("Not of the form KEY[:TYPE]=VALUE: " + text);
-    return {std::move(key), readValue(type, text.substr(equalsSign + 1))};
+    OptionValue value = readValue(type, text.substr(equalsSign + 1), secrets.hides(key));
+    return {std::move(key), std::move(value)};
 }
 
 } // namespace connector_config

@@ -1,6 +1,7 @@
 /// KEY[:TYPE]=VALUE
 #pragma once
 
+#include "Secrets.hpp"
 #include "ValueType.hpp"
 
 #include <string>
@@ -14,7 +15,8 @@ struct Assignment {
 
 /// KEY ends at the first "=". Its part behind the last ":" is the type if it names one, and belongs to
 /// KEY if it does not; without a type the value is a string. KEY must not be empty.
+/// @param secrets  whose values a failure does not show
 /// @throws WrongArguments
-Assignment parseAssignment(const std::string& text);
+Assignment parseAssignment(const std::string& text, const Secrets& secrets);
 
 } // namespace connector_config

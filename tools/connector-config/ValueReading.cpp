@@ -1,6 +1,7 @@
 #include "ValueReading.hpp"
 
 #include "Number.hpp"
+#include "Secrets.hpp"
 #include "Utf8.hpp"
 #include "WrongArguments.hpp"
 
@@ -157,14 +158,15 @@ std::optional<OptionValue> tryRead(ValueType type, const std::string& text) {
 
 } // namespace
 
-OptionValue readValue(ValueType type, const std::string& text) {
+OptionValue readValue(ValueType type, const std::string& text, bool isSecret) {
     try {
         if (std::optional<OptionValue> value = tryRead(type, text))
             return std::move(*value);
     } catch (const Poco::Exception&) {
         // The text is no JSON. What the parser says of it counts bytes nobody sees.
     }
-    throw WrongArguments(std::string("Value does not convert to ") + nameOf(type) + ": " + text);
+    throw WrongArguments(std::string("Value does not convert to ") + nameOf(type) + ": " +
+                         (isSecret ? Secrets::mask : text));
 }
 
 } // namespace connector_config

@@ -13,7 +13,8 @@ namespace connector_config {
 ///     string           any bytes
 ///     ustring          UTF-8
 ///     the arrays       a JSON array whose elements all have the type
-/// @throws WrongArguments "Value does not convert to TYPE: TEXT"
-OptionValue readValue(ValueType type, const std::string& text);
+/// @param isSecret  whether nobody may see the text
+/// @throws WrongArguments "Value does not convert to TYPE: TEXT", where TEXT is "******" if it is secret
+OptionValue readValue(ValueType type, const std::string& text, bool isSecret = false);
 
 } // namespace connector_config

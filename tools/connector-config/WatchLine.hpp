@@ -29,7 +29,8 @@ using WatchLine = std::variant<SetLine, AddLine, RemoveLine, QuitLine>;
 ///     set KEY[:TYPE]=VALUE [@SOURCE]
 /// a last word that begins with "@" is the source, and the blank before it is no part of VALUE. Every
 /// other "@" is, and so is every other blank.
+/// @param secrets  whose values a failure does not show
 /// @throws WrongArguments
-WatchLine parseWatchLine(const std::string& line);
+WatchLine parseWatchLine(const std::string& line, const Secrets& secrets);
 
 } // namespace connector_config

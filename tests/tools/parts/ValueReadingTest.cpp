@@ -141,6 +141,13 @@ TEST(ReadValue, AnythingElseIsRefusedNamingTypeAndText) {
     }
 }
 
+TEST(ReadValue, OfASecretThatDoesNotConvert_DoesNotShowIt) {
+    for (const ValueType type : {ValueType::Int, ValueType::Bool, ValueType::IntArray})
+        test::expectThrows<WrongArguments>(std::string("Value does not convert to ") +
+                                               nameOf(type) + ": ******",
+                                           [type] { readValue(type, "hush", true); });
+}
+
 TEST(PlainText, OfEveryTypeButTextReadsBackAsTheSameValue) {
     const OptionValue values[] = {
         true,

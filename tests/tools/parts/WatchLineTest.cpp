@@ -29,7 +29,7 @@ TEST(WatchLine, SetSplitsAssignmentAndSource) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        const WatchLine parsed = parseWatchLine(row.text);
+        const WatchLine parsed = parseWatchLine(row.text, Secrets());
         ASSERT_TRUE(std::holds_alternative<SetLine>(parsed));
         const auto& set = std::get<SetLine>(parsed);
         EXPECT_EQ(row.key, set.assignment.key);
@@ -39,14 +39,14 @@ TEST(WatchLine, SetSplitsAssignmentAndSource) {
 }
 
 TEST(WatchLine, AddAndRemoveTakeTheRestOfTheLine) {
-    EXPECT_EQ("a b ", std::get<AddLine>(parseWatchLine("add  a b ")).file.path);
-    EXPECT_EQ("a b ", std::get<RemoveLine>(parseWatchLine("remove  a b ")).name);
+    EXPECT_EQ("a b ", std::get<AddLine>(parseWatchLine("add  a b ", Secrets())).file.path);
+    EXPECT_EQ("a b ", std::get<RemoveLine>(parseWatchLine("remove  a b ", Secrets())).name);
 }
 
 TEST(WatchLine, QuitStandsAlone) {
-    EXPECT_TRUE(std::holds_alternative<QuitLine>(parseWatchLine(" quit\t")));
-    EXPECT_THROW(parseWatchLine("quit x"), WrongArguments);
-    EXPECT_THROW(parseWatchLine("quit\r"), WrongArguments);
+    EXPECT_TRUE(std::holds_alternative<QuitLine>(parseWatchLine(" quit\t", Secrets())));
+    EXPECT_THROW(parseWatchLine("quit x", Secrets()), WrongArguments);
+    EXPECT_THROW(parseWatchLine("quit\r", Secrets()), WrongArguments);
 }
 
 } // namespace

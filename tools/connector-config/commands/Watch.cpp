@@ -102,9 +102,9 @@ struct Change {
 };
 
 /// @return whether to go on
-bool obey(ConfigurationImpl& configuration, const std::string& line) {
+bool obey(ConfigurationImpl& configuration, const std::string& line, const Secrets& secrets) {
     try {
-        return std::visit(Change{configuration}, parseWatchLine(line));
+        return std::visit(Change{configuration}, parseWatchLine(line, secrets));
     } catch (const std::exception& error) {
         complain(error.what());
         return true;
@@ -127,7 +127,7 @@ void watch(ConfigurationImpl& configuration, const Arguments& arguments) {
     }
     rethrowFailures();
     for (std::string line; std::getline(std::cin, line);) {
-        if (!obey(configuration, line))
+        if (!obey(configuration, line, secrets))
             return;
         rethrowFailures();
     }
