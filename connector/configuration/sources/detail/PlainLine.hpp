@@ -16,7 +16,7 @@ struct PlainLine {
 /// Reads the property at the start of `text`, which begins in the first column and may be cut off
 /// anywhere, exactly as the state machine reads it. Finds one only where that takes no more than a
 /// few looks: on a short line of its own, without backslash. Nearly every line of nearly every file
-/// is one, and reading it here takes a fourth less time than going through the states.
+/// is one, and a file of a thousand loads in two thirds of the time that the states alone take.
 PlainLine plainLine(std::string_view text);
 
 } // namespace connector::configuration::detail
