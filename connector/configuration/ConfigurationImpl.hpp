@@ -21,6 +21,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -124,9 +125,11 @@ private:
     OptionValue doGet(Lock& lock, const std::string& key);
     Option doGetOption(Lock& lock, const std::string& key);
     const ConfigurationSourceMap* findSupplier(const std::string& key);
-    std::unique_ptr<OptionValue> lookUp(Lock& lock, const std::string& key,
-                                        detail::Cell<OptionValue>& cell);
-    std::unique_ptr<Option> lookUp(Lock& lock, const std::string& key, detail::Cell<Option>& cell);
+    template <typename Place>
+    void lookUpValue(Lock& lock, const std::string& key, Place& place);
+    void lookUp(Lock& lock, const std::string& key, detail::Cell<OptionValue>& cell);
+    void lookUp(Lock& lock, const std::string& key, detail::Cell<Option>& cell);
+    std::optional<OptionValue> valueOf(Lock& lock, const std::string& key);
     TableAnswer askTables(Lock& lock, const std::string& key);
     bool nobodySeesLookups(Lock& lock) const;
 

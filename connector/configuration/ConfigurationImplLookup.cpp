@@ -47,24 +47,34 @@ Option ConfigurationImpl::doGetOption(Lock&, const std::string& key) {
 // The two questions, has first and then the value, are part of what a source sees. One that changes its
 // mind in between makes the second throw, with a text of its own: that is no missing option.
 
-std::unique_ptr<OptionValue> ConfigurationImpl::lookUp(Lock& lock, const std::string& key,
-                                                       detail::Cell<OptionValue>& cell) {
+/// Leaves `place` empty when nobody has the key.
+/// @param place  a std::optional or a detail::Cell
+template <typename Place>
+void ConfigurationImpl::lookUpValue(Lock& lock, const std::string& key, Place& place) {
     const TableAnswer answer = askTables(lock, key);
     if (answer.value != nullptr)
-        return cell.fill(*answer.value);
-    if (answer.isComplete || !doHas(lock, key))
-        return nullptr;
-    return cell.fill(doGet(lock, key));
+        place.emplace(*answer.value);
+    else if (!answer.isComplete && doHas(lock, key))
+        place.emplace(doGet(lock, key));
 }
 
-std::unique_ptr<Option> ConfigurationImpl::lookUp(Lock& lock, const std::string& key,
-                                                  detail::Cell<Option>& cell) {
+void ConfigurationImpl::lookUp(Lock& lock, const std::string& key,
+                               detail::Cell<OptionValue>& cell) {
+    lookUpValue(lock, key, cell);
+}
+
+void ConfigurationImpl::lookUp(Lock& lock, const std::string& key, detail::Cell<Option>& cell) {
     const TableAnswer answer = askTables(lock, key);
     if (answer.value != nullptr)
-        return cell.fill(Option{key, answer.record->name, *answer.value});
-    if (answer.isComplete || !doHas(lock, key))
-        return nullptr;
-    return cell.fill(doGetOption(lock, key));
+        cell.emplace(Option{key, answer.record->name, *answer.value});
+    else if (!answer.isComplete && doHas(lock, key))
+        cell.emplace(doGetOption(lock, key));
+}
+
+std::optional<OptionValue> ConfigurationImpl::valueOf(Lock& lock, const std::string& key) {
+    std::optional<OptionValue> value;
+    lookUpValue(lock, key, value);
+    return value;
 }
 
 /// The allocations that a future needs are made outside of the lock, before it the cell into which the
@@ -73,8 +83,9 @@ template <typename T>
 Future<T> ConfigurationImpl::answer(const std::string& key) {
     detail::Cell<T> cell;
     Lock lock = detail::lockPatiently(mutex);
-    std::unique_ptr<T> result = lookUp(lock, key, cell);
+    lookUp(lock, key, cell);
     lock.unlock();
+    std::unique_ptr<T> result = cell.take();
     if (!result)
         return makeFailedFuture<T>(std::runtime_error(detail::errors::noSuchOption + key));
     return connector::detail::makeFutureOfCell(std::move(result));

@@ -1,7 +1,6 @@
 /// Following options: from a change that a source reports to the streams of its key.
 #include <connector/configuration/ConfigurationImpl.hpp>
 
-#include <connector/configuration/detail/Cell.hpp>
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
 
 #include <iostream>
@@ -51,8 +50,7 @@ ConfigurationImpl::watchOption(const std::string& key) {
         1);
     streams.add(id, key, publisher);
 
-    detail::Cell<OptionValue> cell;
-    if (const std::unique_ptr<OptionValue> value = lookUp(lock, key, cell)) {
+    if (const std::optional<OptionValue> value = valueOf(lock, key)) {
         lock.unlock();
         publisher->onNext(*value);
     }
@@ -71,8 +69,7 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     // Most keys of a source that is added or removed are watched by nobody: that is all it costs then.
     if (!streams.areThereAny(key) && nobodySeesLookups(lock))
         return;
-    detail::Cell<OptionValue> cell;
-    const std::unique_ptr<OptionValue> value = lookUp(lock, key, cell);
+    const std::optional<OptionValue> value = valueOf(lock, key);
     if (!value)
         return; // that a key lost its last value is not announced
 

@@ -237,9 +237,11 @@ def chart(subject, cases):
             for column in columns
         ]
         lines.append(f'"{case.name}" ' + " ".join(bars))
+    longest = max((len(case.name) for case in shown), default=0)
+    width, height = 300 + 45 * max(len(shown), 6), 500 + 7 * longest
     lines += [
         "END",
-        f"set terminal svg size {300 + 45 * max(len(shown), 6)},520 background '#ffffff' dynamic",
+        f"set terminal svg size {width},{height} background '#ffffff' dynamic",
         f'set title "{subject}: time as a multiple of {base}, less is better" noenhanced',
         "set style data histograms",
         "set style histogram clustered gap 1",
@@ -247,8 +249,8 @@ def chart(subject, cases):
         "set key outside right top noenhanced",
         "set grid ytics",
         "set yrange [0:*]",
-        "set xtics rotate by -55 noenhanced",
-        "set bmargin 14",
+        "set xtics rotate by 90 right noenhanced",
+        f"set bmargin {longest // 2}",
         f"plot for [i=2:{len(columns) + 1}] $data using i:xtic(1) title columnheader(i)",
     ]
     return "\n".join(lines) + "\n" if shown else ""

@@ -11,6 +11,7 @@ log_dir=$root/build/log
 base_packages=(
     ccache
     cmake
+    curl
     g++
     libbenchmark-dev
     libboost-log-dev

@@ -14,17 +14,20 @@ class Cell {
 public:
     /// Makes the object; called at most once.
     template <typename Source>
-    std::unique_ptr<T> fill(Source&& source) {
-        std::unique_ptr<T> object(::new (memory.get()) T(std::forward<Source>(source)));
+    void emplace(Source&& source) {
+        object.reset(::new (memory.get()) T(std::forward<Source>(source)));
         (void)memory.release(); // belongs to the object now
-        return object;
     }
+
+    /// @return the object; null if none was made
+    std::unique_ptr<T> take() { return std::move(object); }
 
 private:
     struct Free {
         void operator()(void* freed) const { ::operator delete(freed); }
     };
     std::unique_ptr<void, Free> memory{::operator new(sizeof(T))};
+    std::unique_ptr<T> object;
 };
 
 } // namespace connector::configuration::detail
