@@ -79,7 +79,7 @@ TEST(Crowd, AThousandWatchers_AllGetTheValueAndTheEnd) {
     EXPECT_EQ(200, post(server.port(), setMessage("k", "2")).status);
     for (HttpClient& watcher : watchers)
         ASSERT_NE(std::string::npos, watcher.readLineBeginning("data: ").find(R"("value":"2")"));
-    EXPECT_EQ(0, server.stop().status);
+    EXPECT_EQ((test::Result{0, "", ""}), server.stop());
     for (HttpClient& watcher : watchers)
         ASSERT_EQ(std::string::npos, watcher.readToTheEnd().find("data"));
 }

@@ -27,7 +27,7 @@ class HostileRequests : public testing::Test {
 protected:
     ~HostileRequests() override {
         EXPECT_EQ("[]\n", get(port(), "/options").body);
-        EXPECT_EQ(0, server.stop().status);
+        EXPECT_EQ((test::Result{0, "", ""}), server.stop());
     }
 
     std::uint16_t port() const { return server.port(); }
