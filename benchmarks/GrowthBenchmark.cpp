@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <deque>
 #include <fstream>
 #include <functional>
 #include <limits>
@@ -98,7 +99,7 @@ struct World {
         for (int i = 0; i < size.streams; ++i)
             watch("other.key." + std::to_string(i));
         for (int i = 0; i < size.watchers; ++i)
-            watch(key);
+            watchKey();
     }
 
     void watch(const std::string& watched) {
@@ -106,8 +107,18 @@ struct World {
         ++streamsSoFar;
     }
 
-    /// Ids are given in order, and never again.
-    void removeNewestStream() { configuration->removeStream(streamsSoFar - 1); }
+    void watchKey() {
+        streamsOfKey.push_back(streamsSoFar); // ids are given in order, and never again
+        watch(key);
+    }
+    void removeNewestStream() {
+        configuration->removeStream(streamsOfKey.back());
+        streamsOfKey.pop_back();
+    }
+    void removeOldestStream() {
+        configuration->removeStream(streamsOfKey.front());
+        streamsOfKey.pop_front();
+    }
 
     void prepareTable() { table = tableOf(-1, keys); }
     void prepareSource() { source = std::make_shared<InMemorySource>(tableOf(-1, keys)); }
@@ -121,6 +132,7 @@ struct World {
     const PropertyFile file;
     const std::shared_ptr<ConfigurationImpl> configuration = std::make_shared<ConfigurationImpl>();
     std::uint64_t streamsSoFar = 0;
+    std::deque<std::uint64_t> streamsOfKey; // ids, the oldest first
     Table table;
     std::shared_ptr<InMemorySource> source;
 };
@@ -147,11 +159,15 @@ const Operation operations[] = {
      {}},
     {"watchOption",
      {},
-     [](World& world) { world.watch(world.key); },
+     [](World& world) { world.watchKey(); },
      [](World& world) { world.removeNewestStream(); }},
-    {"removeStream",
-     [](World& world) { world.watch(world.key); },
+    {"removeStream of the newest",
+     [](World& world) { world.watchKey(); },
      [](World& world) { world.removeNewestStream(); },
+     {}},
+    {"removeStream of the oldest",
+     [](World& world) { world.watchKey(); },
+     [](World& world) { world.removeOldestStream(); },
      {}},
     {"addSource", [](World& world) { world.prepareSource(); },
      [](World& world) { world.configuration->addSource("added", "", 5, true, world.source).get(); },

@@ -91,16 +91,29 @@ template <typename T>
 template <typename Callable>
 void Future<T>::then(Callable&& callable) {
     using Continuation = detail::CallableContinuation<T, std::decay_t<Callable>>;
-    keepState()->setContinuation(std::make_unique<Continuation>(std::forward<Callable>(callable)));
+    const auto kept = keepState();
+    kept->setContinuation(std::make_unique<Continuation>(std::forward<Callable>(callable)), kept);
 }
 
 namespace detail {
+
+struct Nobody {};
+
+/// A state that is born with its result and does not know itself: it needs no weak reference to itself,
+/// which is for those who wait. std::make_shared sets one where there is one base class
+/// std::enable_shared_from_this, and where there are two it takes neither
+/// ([util.smartptr.shared.const]). An int is made and taken in a seventh less time without it.
+template <typename T>
+class ReadyState final : public SharedFutureState<T>, public std::enable_shared_from_this<Nobody> {
+public:
+    using SharedFutureState<T>::SharedFutureState;
+};
 
 /// As makeReadyFuture, for those who have the value in a cell of its own already.
 /// @param value  not null
 template <typename T>
 Future<T> makeFutureOfCell(std::unique_ptr<T> value) {
-    return Future<T>(std::make_shared<SharedFutureState<T>>(WithValue(), std::move(value)));
+    return Future<T>(std::make_shared<ReadyState<T>>(WithValue(), std::move(value)));
 }
 
 } // namespace detail
@@ -115,8 +128,8 @@ Future<T> makeReadyFuture(T value) {
 ///         that it has here
 template <typename T, typename Exception>
 Future<T> makeFailedFuture(const Exception& exception) {
-    return Future<T>(std::make_shared<detail::SharedFutureState<T>>(
-        detail::WithException(), std::make_exception_ptr(exception)));
+    return Future<T>(std::make_shared<detail::ReadyState<T>>(detail::WithException(),
+                                                             std::make_exception_ptr(exception)));
 }
 
 // Instantiated in the library. The types of the core join where they are declared.

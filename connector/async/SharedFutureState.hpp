@@ -108,7 +108,9 @@ public:
     ///         continuation." when get was called before or another continuation waits here
     /// @throws std::invalid_argument "A null continuation cannot be attached."
     /// @throws std::bad_weak_ptr and what the continuation throws, when it is run at once
-    void setContinuation(std::unique_ptr<FutureContinuation<T>> newContinuation);
+    /// @param self  the state, for one that does not know itself: see ReadyState
+    void setContinuation(std::unique_ptr<FutureContinuation<T>> newContinuation,
+                         std::shared_ptr<SharedFutureState> self = nullptr);
 
     /// Gives the result up, if it is still pending, and wakes the waiters.
     /// @return whether the state was pending and is now cancelled
@@ -120,8 +122,8 @@ private:
     /// `Result` is T with status Value or std::exception_ptr with status Exception; it is moved from.
     template <typename Result>
     void resolve(FutureStatus newStatus, Result&& newResult);
-    void announce(Lock& lock);
-    void runContinuation(Lock& lock);
+    void announce(Lock& lock, std::shared_ptr<SharedFutureState> self = nullptr);
+    void runContinuation(Lock& lock, std::shared_ptr<SharedFutureState> self);
 
     bool hasResult() const {
         return status == FutureStatus::Value || status == FutureStatus::Exception;
@@ -181,23 +183,23 @@ void SharedFutureState<T>::resolve(FutureStatus newStatus, Result&& newResult) {
 /// Tells the continuation, or else the waiters, that the state changed. Leaves `lock` released: what
 /// runs or wakes now may use the state.
 template <typename T>
-void SharedFutureState<T>::announce(Lock& lock) {
+void SharedFutureState<T>::announce(Lock& lock, std::shared_ptr<SharedFutureState> self) {
     if (continuation && hasResult())
-        runContinuation(lock);
+        runContinuation(lock, std::move(self));
     else
         lock.unlock();
     condition.notify_all();
 }
 
 template <typename T>
-void SharedFutureState<T>::runContinuation(Lock& lock) {
+void SharedFutureState<T>::runContinuation(Lock& lock, std::shared_ptr<SharedFutureState> self) {
     const std::unique_ptr<FutureContinuation<T>> runNow = std::move(continuation);
     // The continuation reads the result as if nobody had asked for it before.
     futureRetrieved = false;
     valueTaken = false;
     lock.unlock();
 
-    Future<T> future(this->shared_from_this());
+    Future<T> future(self ? std::move(self) : this->shared_from_this());
     runNow->invoke(future);
 }
 
@@ -250,7 +252,8 @@ void SharedFutureState<T>::abandon() {
 }
 
 template <typename T>
-void SharedFutureState<T>::setContinuation(std::unique_ptr<FutureContinuation<T>> newContinuation) {
+void SharedFutureState<T>::setContinuation(std::unique_ptr<FutureContinuation<T>> newContinuation,
+                                           std::shared_ptr<SharedFutureState> self) {
     if (!newContinuation)
         throw std::invalid_argument(errors::nullContinuation);
     Lock lock(mutex);
@@ -258,7 +261,7 @@ void SharedFutureState<T>::setContinuation(std::unique_ptr<FutureContinuation<T>
         throw std::runtime_error(errors::alreadyTaken);
     continuation = std::move(newContinuation);
     if (status != FutureStatus::Pending)
-        announce(lock);
+        announce(lock, std::move(self));
 }
 
 template <typename T>

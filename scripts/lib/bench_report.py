@@ -6,13 +6,15 @@
 RESULT is what a benchmark program wrote as JSON; its benchmarks are named SUBJECT/CASE/CONTESTANT.
 Prints one table a subject: medians over the repetitions, and the ratio of our time to that of each
 contestant. The ratio is taken within each repetition first, and the median of those after: what
-disturbs the machine disturbs neighbours alike. The status is 1 when a benchmark reports an error, 2
-for wrong arguments or files.
+disturbs the machine disturbs neighbours alike. Where the contestants are numbers, they are sizes of one
+thing that grows, and the power of the size is shown with which the time grows. The status is 1 when a
+benchmark reports an error, 2 for wrong arguments or files.
 """
 
 import argparse
 import fnmatch
 import json
+import math
 import os
 import re
 import statistics
@@ -21,6 +23,7 @@ import sys
 from dataclasses import dataclass, field
 
 UNITS_IN_SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
+GROWTH = "growth"  # what limits of growth name in place of a contestant
 ORDER = ["ours", "floor", "literal"]  # the columns; peers come after them
 
 
@@ -46,15 +49,36 @@ class Case:
         ratios = [ours[i] / others[i] for i in ours if others.get(i)]
         return statistics.median(ratios) if ratios else None
 
+    def grows(self):
+        return all(name.isdigit() for name in self.samples)
+
+    def sizes(self):
+        return sorted(self.samples, key=int)
+
+    def exponent(self):
+        """The least squares' line through the logarithms of sizes and times; None through one point"""
+        if len(self.samples) < 2:
+            return None
+        sizes = [math.log(int(size)) for size in self.sizes()]
+        times = [math.log(self.median(size)) for size in self.sizes()]
+        return statistics.linear_regression(sizes, times).slope
+
 
 @dataclass
 class Limit:
+    """The greatest ratio to a contestant ("1.3 x"), figure of our own ("175 B") or growth ("n^0.1")"""
+
     subject: str
     case: str
     contestant: str
-    bound: float
-    absolute: bool  # of our own figure, not of a ratio
+    text: str
     only_if: str = ""
+
+    def __post_init__(self):
+        parts = re.fullmatch(r"([0-9.]+) (x|B)|(n)\^([0-9.]+)", self.text)
+        if parts is None:
+            raise ValueError(f"{self.text} is no limit")
+        self.bound, self.kind = float(parts[1] or parts[4]), parts[2] or parts[3]
 
     def is_for(self, case, contestant):
         return (
@@ -63,12 +87,14 @@ class Limit:
             and fnmatch.fnmatchcase(case.name, self.case)
         )
 
-    def holds(self, case):
-        figure = case.median(case.own()) if self.absolute else case.ratio(self.contestant)
-        return figure is not None and figure <= self.bound
+    def figure(self, case):
+        if self.kind == "n":
+            return case.exponent()
+        return case.median(case.own()) if self.kind == "B" else case.ratio(self.contestant)
 
-    def text(self):
-        return f"{self.bound:g} B" if self.absolute else f"{self.bound:g} x"
+    def holds(self, case):
+        figure = self.figure(case)
+        return figure is not None and figure <= self.bound
 
 
 # Reading
@@ -109,12 +135,10 @@ def read_limits(text):
         if not line.strip() or line.startswith("#"):
             continue
         columns = [column.strip() for column in line.split("|")]
-        bound = re.fullmatch(r"([0-9.]+) (x|B)", columns[3]) if len(columns) in (4, 5) else None
-        if bound is None:
-            raise ValueError(f"line {number} is no limit: {line}")
-        limits.append(
-            Limit(*columns[:3], float(bound[1]), bound[2] == "B", "".join(columns[4:]))
-        )
+        try:
+            limits.append(Limit(*columns))
+        except (TypeError, ValueError):
+            raise ValueError(f"line {number} is no limit: {line}") from None
     return limits
 
 
@@ -165,9 +189,11 @@ def cell(case, contestant, limits, cases):
     text = figure_text(case, case.median(contestant))
     if contestant != case.own() and (ratio := case.ratio(contestant)) is not None:
         text += f", {ratio:.2f} x"
-    for limit, verdict in verdicts(case, contestant, limits, cases):
-        text += f" (at most {limit.text()}: {verdict})"
-    return text
+    return text + verdicts_text(verdicts(case, contestant, limits, cases))
+
+
+def verdicts_text(judged):
+    return "".join(f" (at most {limit.text}: {verdict})" for limit, verdict in judged)
 
 
 def columns_of(cases):
@@ -177,11 +203,29 @@ def columns_of(cases):
 
 def table(subject_cases, limits, cases):
     """-> rows of cells, the head first"""
+    if all(case.grows() for case in subject_cases):
+        return growth_table(subject_cases, limits, cases)
     columns = columns_of(subject_cases)
     rows = [["case", *columns]]
     for case in subject_cases:
         rows.append([case.name, *(cell(case, column, limits, cases) for column in columns)])
     return rows
+
+
+def growth_table(subject_cases, limits, cases):
+    rows = [["case", "from", "to", "grows as"]]
+    for case in subject_cases:
+        ends = (case.sizes()[0], case.sizes()[-1])
+        times = [f"{size}: {figure_text(case, case.median(size))}" for size in ends]
+        rows.append([case.name, *times, growth_cell(case, limits, cases)])
+    return rows
+
+
+def growth_cell(case, limits, cases):
+    exponent = case.exponent()
+    if exponent is None:
+        return ""
+    return f"n^{exponent:.2f}" + verdicts_text(verdicts(case, GROWTH, limits, cases))
 
 
 def by_subject(cases):
@@ -206,12 +250,13 @@ def as_json(cases, limits):
             "subject": case.subject,
             "case": case.name,
             "unit": "bytes" if case.in_bytes else "seconds",
+            "exponent": case.exponent() if case.grows() else None,
             "contestants": {
                 name: {
                     "median": case.median(name),
-                    "ratio": case.ratio(name),
+                    "ratio": None if case.grows() else case.ratio(name),
                     "limits": [
-                        {"limit": limit.text(), "verdict": verdict}
+                        {"limit": limit.text, "verdict": verdict}
                         for limit, verdict in verdicts(case, name, limits, cases)
                     ],
                 }

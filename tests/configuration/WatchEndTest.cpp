@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -56,6 +57,39 @@ TEST(WatchEnd, ByCancellingOneOfTwoKeepsTheOtherInTheList) {
     const auto other = configuration->watchOption("x");
     cancelled->cancel();
     EXPECT_GT(other.use_count(), 1);
+}
+
+TEST(WatchEnd, ByCancellingManyKeepsTheOrderOfTheOthers) {
+    const auto configuration = makeConfiguration();
+    std::vector<int> served;
+    std::map<int, std::shared_ptr<RecordingSubscriber>> watchers;
+    const auto addWatcher = [&](int number) {
+        watchers[number] =
+            watch(*configuration, "x", [&served, number](int) { served.push_back(number); });
+    };
+    const auto expectAllServed = [&] {
+        std::vector<int> numbers;
+        for (const auto& [number, watcher] : watchers)
+            numbers.push_back(number);
+        served.clear();
+        configuration->set("x", 1);
+        EXPECT_EQ(numbers, served);
+    };
+    int next = 0;
+    while (next < 16)
+        addWatcher(next++);
+    for (const int number : {0, 1, 2, 15, 7, 8, 6, 3, 14, 4, 5, 9, 13, 10, 12, 11}) {
+        SCOPED_TRACE(number);
+        watchers.at(number)->cancel();
+        watchers.erase(number);
+        addWatcher(next++);
+        expectAllServed();
+    }
+    while (!watchers.empty()) {
+        watchers.begin()->second->cancel();
+        watchers.erase(watchers.begin());
+        expectAllServed();
+    }
 }
 
 TEST(RemoveStream, OfACancelledStreamDoesNothing) {

@@ -126,14 +126,46 @@ class Limits(unittest.TestCase):
             cases = cases_of(run_of("s/kept/ours", 1, bytes=size))
             self.assertEqual([verdict], self.verdicts(cases, 0, "ours"))
 
+    def test_of_growth_are_for_the_exponent(self):
+        limits = bench_report.read_limits("s | get, * | growth | n^1.1\n")
+        for time, verdict in ((2.1, "holds"), (2.2, "MISSED")):
+            cases = cases_of(run_of("s/get, keys/10", 1), run_of("s/get, keys/20", time))
+            text = bench_report.growth_cell(cases[0], limits, cases)
+            self.assertIn(f"(at most n^1.1: {verdict})", text)
+
     def test_that_cannot_be_read_are_an_error(self):
-        for line in ("s | a | floor", "s | a | floor | fast", "s | a | floor | 2"):
+        for line in ("s | a | floor", "s | a | floor | fast", "s | a | floor | 2", "s|a|b|n^2 x"):
             with self.assertRaisesRegex(ValueError, "line 1 is no limit"):
                 bench_report.read_limits(line)
 
     def test_of_the_project_can_be_read(self):
         with open(os.path.join(ROOT, "benchmarks", "limits.txt"), encoding="utf-8") as file:
             self.assertGreater(len(bench_report.read_limits(file.read())), 10)
+
+
+class Growth(unittest.TestCase):
+    RUNS = [run_of(f"growth/get, keys/{size}", size * size, family=size) for size in (4, 8, 2, 16)]
+
+    def test_is_the_power_of_the_size(self):
+        self.assertAlmostEqual(2, cases_of(*self.RUNS)[0].exponent())
+
+    def test_is_shown_with_the_smallest_and_the_greatest_size(self):
+        cases = cases_of(*self.RUNS)
+        self.assertEqual(
+            [
+                ["case", "from", "to", "grows as"],
+                ["get, keys", "2: 4 ns", "16: 256 ns", "n^2.00"],
+            ],
+            bench_report.table(cases, [], cases),
+        )
+
+    def test_cannot_be_seen_at_one_size(self):
+        cases = cases_of(self.RUNS[0])
+        self.assertEqual("", bench_report.table(cases, [], cases)[1][3])
+
+    def test_is_no_matter_of_cases_with_contestants(self):
+        cases = cases_of(*self.RUNS, run_of("growth/other/ours", 1, family=99))
+        self.assertEqual("ours", bench_report.table(cases, [], cases)[0][1])
 
 
 class Program(unittest.TestCase):

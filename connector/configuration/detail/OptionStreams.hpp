@@ -4,6 +4,7 @@
 #include <connector/async/CachedValuePublisher.hpp>
 #include <connector/configuration/OptionValue.hpp>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
@@ -68,15 +69,19 @@ private:
     };
     struct Watcher {
         std::uint64_t id;
-        OptionPublisher* publisher; // that of the stream with the id
+        OptionPublisher* publisher; // that of the stream with the id; null once it is removed
+    };
+    struct Watchers {
+        std::vector<Watcher> all; // ids ascend
+        std::size_t removed = 0;  // of all; never more than half
     };
 
     std::vector<OptionPublisher*> publishersOf(const std::string& key) const;
+    void removeWatcher(const std::string& key, std::uint64_t id);
 
     std::map<std::uint64_t, Stream> streams;
-    std::vector<Pass*> passes; // those that run, on whatever thread
-    std::unordered_map<std::string, std::vector<Watcher>>
-        watchersByKey; // ids ascend; no empty ones
+    std::vector<Pass*> passes;                               // those that run, on whatever thread
+    std::unordered_map<std::string, Watchers> watchersByKey; // no empty ones
 };
 
 } // namespace connector::configuration::detail
