@@ -61,6 +61,16 @@ Table tableOf(int source, int keys) {
     return table;
 }
 
+/// What all operations are about.
+const std::string key = "net.port";
+
+/// @return what is added and removed: keys of its own, and the one
+Table addedTable(int keys) {
+    Table table = tableOf(-1, keys - 1);
+    table[key] = 1;
+    return table;
+}
+
 /// A file with the same keys; gone with the object.
 class PropertyFile {
 public:
@@ -70,8 +80,8 @@ public:
             throw std::runtime_error("no temporary file");
         ::close(descriptor);
         std::ofstream file(name);
-        for (int i = 0; i < keys; ++i)
-            file << bench::keyNumber(i) << ".file=" << i << '\n';
+        for (const auto& entry : addedTable(keys))
+            file << entry.first << "=1\n";
     }
     ~PropertyFile() { std::remove(name.c_str()); }
     PropertyFile(const PropertyFile&) = delete;
@@ -120,14 +130,13 @@ struct World {
         streamsOfKey.pop_front();
     }
 
-    void prepareTable() { table = tableOf(-1, keys); }
-    void prepareSource() { source = std::make_shared<InMemorySource>(tableOf(-1, keys)); }
+    void prepareTable() { table = addedTable(keys); }
+    void prepareSource() { source = std::make_shared<InMemorySource>(addedTable(keys)); }
     void addTable() {
         configuration->addInMemorySource("added", "", 5, true, std::move(table)).get();
     }
     void removeAdded() { configuration->removeSource("added").get(); }
 
-    const std::string key = "net.port";
     const int keys;
     const PropertyFile file;
     const std::shared_ptr<ConfigurationImpl> configuration = std::make_shared<ConfigurationImpl>();
@@ -147,15 +156,15 @@ struct Operation {
 };
 
 const Operation operations[] = {
-    {"get", {}, [](World& world) { world.configuration->get(world.key).get(); }, {}},
-    {"getOption", {}, [](World& world) { world.configuration->getOption(world.key).get(); }, {}},
-    {"has", {}, [](World& world) { world.configuration->has(world.key).get(); }, {}},
-    {"explain", {}, [](World& world) { world.configuration->explain(world.key); }, {}},
+    {"get", {}, [](World& world) { world.configuration->get(key).get(); }, {}},
+    {"getOption", {}, [](World& world) { world.configuration->getOption(key).get(); }, {}},
+    {"has", {}, [](World& world) { world.configuration->has(key).get(); }, {}},
+    {"explain", {}, [](World& world) { world.configuration->explain(key); }, {}},
     {"keys", {}, [](World& world) { world.configuration->keys().get(); }, {}},
-    {"set", {}, [](World& world) { world.configuration->set(world.key, 1).get(); }, {}},
+    {"set", {}, [](World& world) { world.configuration->set(key, 1).get(); }, {}},
     {"set in a named source",
      {},
-     [](World& world) { world.configuration->set(world.key, 1, "default").get(); },
+     [](World& world) { world.configuration->set(key, 1, "default").get(); },
      {}},
     {"watchOption",
      {},
@@ -197,14 +206,22 @@ const Operation operations[] = {
 struct Dimension {
     const char* name;
     int Size::*number;
-    int first; ///< doubled four times
+    int first;  ///< doubled four times
+    Size other; ///< numbers, which stay
 };
 
+/// Or else the many other keys of a source would hide what its one watched key costs.
+Size withFewKeys() {
+    Size size;
+    size.keys = 10;
+    return size;
+}
+
 const Dimension dimensions[] = {
-    {"sources", &Size::sources, 8},
-    {"keys", &Size::keys, 1000},
-    {"streams", &Size::streams, 1000},
-    {"watchers", &Size::watchers, 64},
+    {"sources", &Size::sources, 8, {}},
+    {"keys", &Size::keys, 1000, {}},
+    {"streams", &Size::streams, 1000, {}},
+    {"watchers", &Size::watchers, 64, withFewKeys()},
 };
 
 /// Worlds are made once, because every operation leaves them as they were.
@@ -225,14 +242,14 @@ void measure(benchmark::State& state, const Operation& operation, const Size& si
         if (operation.undo)
             operation.undo(world);
     }
-    if (!world.configuration->has(world.key).get() || world.configuration->has("none").get())
+    if (!world.configuration->has(key).get() || world.configuration->has("none").get())
         state.SkipWithError("the world is another one");
 }
 
 const bool added = [] {
     for (const Operation& operation : operations) {
         for (const Dimension& dimension : dimensions) {
-            Size size;
+            Size size = dimension.other;
             size.*dimension.number = dimension.first;
             for (int doubled = 0; doubled <= 4; ++doubled, size.*dimension.number *= 2)
                 bench::add("growth", std::string(operation.name) + ", " + dimension.name,
