@@ -283,4 +283,49 @@ TEST_F(FutureContinuation, ANamedCallableIsCopied) {
     EXPECT_EQ(2, witness.use_count());
 }
 
+// Futures that are born resolved have states of a kind of their own.
+
+TEST(ReadyFutureContinuation, ItRunsAtOnceAndTakesTheValue) {
+    Future<int> future = makeReadyFuture(7);
+    int seen = 0;
+    future.then([&](Future<int>& ready) { seen = ready.get(); });
+    EXPECT_EQ(7, seen);
+    expectThrows<std::runtime_error>(alreadyTaken, [&] { future.get(); });
+}
+
+TEST(ReadyFutureContinuation, ItRunsAtOnceAndTakesTheException) {
+    std::string seen;
+    makeFailedFuture<int>(std::out_of_range("far")).then([&](Future<int>& failed) {
+        try {
+            failed.get();
+        } catch (const std::out_of_range& thrown) {
+            seen = thrown.what();
+        }
+    });
+    EXPECT_EQ("far", seen);
+}
+
+TEST(ReadyFutureContinuation, AnotherOneMayFollowWhenTheFirstLeftTheValue) {
+    Future<int> future = makeReadyFuture(7);
+    int seen = 0;
+    future.then([](Future<int>&) {});
+    future.then(
+        [&](Future<int>& ready) { ready.then([&](Future<int>& inner) { seen = inner.get(); }); });
+    EXPECT_EQ(7, seen);
+}
+
+TEST(ReadyFutureContinuation, ItMayKeepItsFutureLongerThanTheHandle) {
+    Future<std::string> kept;
+    makeReadyFuture<std::string>("text").then(
+        [&](Future<std::string>& ready) { kept = std::move(ready); });
+    EXPECT_EQ("text", kept.get());
+}
+
+TEST(ReadyFutureContinuation, WhatItThrowsGoesToTheCallerAndTheValueStays) {
+    Future<int> future = makeReadyFuture(7);
+    expectThrows<std::runtime_error>(
+        "mine", [&] { future.then([](Future<int>&) { throw std::runtime_error("mine"); }); });
+    EXPECT_EQ(7, future.get());
+}
+
 } // namespace connector
