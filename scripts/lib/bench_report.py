@@ -188,7 +188,7 @@ def cell(case, contestant, limits, cases):
         return ""
     text = figure_text(case, case.median(contestant))
     if contestant != case.own() and (ratio := case.ratio(contestant)) is not None:
-        text += f", {ratio:.2f} x"
+        text += f", {ratio:.2g} x" if ratio < 0.1 else f", {ratio:.2f} x"
     return text + verdicts_text(verdicts(case, contestant, limits, cases))
 
 

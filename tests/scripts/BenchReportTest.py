@@ -75,6 +75,11 @@ class Ratios(unittest.TestCase):
         runs = [run_of("s/a/ours", 10, 0), run_of("s/a/ours", 90, 1), run_of("s/a/floor", 5, 0)]
         self.assertEqual(2, cases_of(*runs)[0].ratio("floor"))
 
+    def test_that_are_small_keep_two_digits(self):
+        for time, text in ((4321, "4.32 us, 0.0023 x"), (15, "15 ns, 0.67 x")):
+            case = cases_of(run_of("s/a/ours", 10), run_of("s/a/floor", time))[0]
+            self.assertEqual(text, bench_report.cell(case, "floor", [], []))
+
     def test_refer_to_the_first_contestant_where_ours_is_not_there(self):
         case = cases_of(run_of("s/a/two", 5, family=0), run_of("s/a/one", 10, family=1))[0]
         self.assertEqual(0.5, case.ratio("one"))
