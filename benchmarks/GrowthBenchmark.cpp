@@ -210,7 +210,7 @@ struct Dimension {
     Size other; ///< numbers, which stay
 };
 
-/// Or else the many other keys of a source would hide what its one watched key costs.
+/// Or else the many keys of a source would hide what its one watched key costs, and its place.
 Size withFewKeys() {
     Size size;
     size.keys = 10;
@@ -218,7 +218,7 @@ Size withFewKeys() {
 }
 
 const Dimension dimensions[] = {
-    {"sources", &Size::sources, 8, {}},
+    {"sources", &Size::sources, 8, withFewKeys()},
     {"keys", &Size::keys, 1000, {}},
     {"streams", &Size::streams, 1000, {}},
     {"watchers", &Size::watchers, 64, withFewKeys()},

@@ -11,7 +11,7 @@ struct Terminal {
     std::optional<std::size_t> width; ///< in columns; none if it is no terminal or does not tell
 };
 
-/// Colours are wanted on a terminal, unless the environment variable NO_COLOR is set to anything, or
+/// Colours are wanted on a terminal, unless the environment variable NO_COLOR is set to a text, or
 /// the terminal is a dumb one.
 Terminal terminalOfOutput();
 
