@@ -275,6 +275,7 @@ def chart(subject, cases):
     base = "floor" if any("floor" in case.samples for case in cases) else "ours"
     shown = [case for case in cases if base in case.samples]
     columns = columns_of(shown)
+    what = "memory" if any(case.in_bytes for case in shown) else "time"
     lines = ["$data << END", '"" ' + " ".join(f'"{column}"' for column in columns)]
     for case in shown:
         bars = [
@@ -287,7 +288,7 @@ def chart(subject, cases):
     lines += [
         "END",
         f"set terminal svg size {width},{height} background '#ffffff' dynamic",
-        f'set title "{subject}: time as a multiple of {base}, less is better" noenhanced',
+        f'set title "{subject}: {what} as a multiple of {base}, less is better" noenhanced',
         "set style data histograms",
         "set style histogram clustered gap 1",
         "set style fill solid 0.8 noborder",

@@ -246,6 +246,11 @@ class Charts(unittest.TestCase):
         self.assertIn('"hit, int" 1.2000 1.0000\n', script)
         self.assertNotIn("miss", script)
 
+    def test_say_what_they_show(self):
+        self.assertIn("lookup: time as", bench_report.chart("lookup", cases_of(*Program.RUNS)))
+        memory = cases_of(run_of("load/peak/floor", 1, bytes=170))
+        self.assertIn("load: memory as", bench_report.chart("load", memory))
+
     def test_leave_a_gap_where_a_contestant_is_missing(self):
         runs = [*Program.RUNS, run_of("lookup/hit, text/floor", 50, family=9)]
         script = bench_report.chart("lookup", cases_of(*runs))
