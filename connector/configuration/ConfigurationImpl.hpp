@@ -29,11 +29,6 @@
 
 namespace connector::configuration {
 
-namespace detail {
-template <typename T>
-class Cell;
-} // namespace detail
-
 /// Owned by a std::shared_ptr; one that stands on the stack works, too, but watchOption and getPtr
 /// throw std::bad_weak_ptr then.
 class CONNECTOR_EXPORT ConfigurationImpl : public Configuration,
@@ -127,8 +122,8 @@ private:
     const ConfigurationSourceMap* findSupplier(const std::string& key);
     template <typename Place>
     void lookUpValue(Lock& lock, const std::string& key, Place& place);
-    void lookUp(Lock& lock, const std::string& key, detail::Cell<OptionValue>& cell);
-    void lookUp(Lock& lock, const std::string& key, detail::Cell<Option>& cell);
+    void lookUp(Lock& lock, const std::string& key, std::unique_ptr<OptionValue>& result);
+    void lookUp(Lock& lock, const std::string& key, std::unique_ptr<Option>& result);
     std::optional<OptionValue> valueOf(Lock& lock, const std::string& key);
     TableAnswer askTables(Lock& lock, const std::string& key);
     bool nobodySeesLookups(Lock& lock) const;

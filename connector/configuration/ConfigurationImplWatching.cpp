@@ -67,6 +67,7 @@ void ConfigurationImpl::removeStream(std::uint64_t id) {
 void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     logCore("updatePublishers: ", key);
     // Most keys of a source that is added or removed are watched by nobody: that is all it costs then.
+    // To look each of them up would take two thirds longer.
     if (!streams.areThereAny(key) && nobodySeesLookups(lock))
         return;
     const std::optional<OptionValue> value = valueOf(lock, key);
