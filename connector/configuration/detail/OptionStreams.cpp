@@ -37,7 +37,7 @@ OptionStreams::Publisher OptionStreams::remove(std::uint64_t id) {
 }
 
 /// Only marks the watcher, and clears up when half of them are marked: to close the gap each time would
-/// make it quadratic to remove all from the oldest to the newest, 50 ms for 10,000.
+/// make it quadratic to remove all from the oldest to the newest.
 void OptionStreams::removeWatcher(const std::string& key, std::uint64_t id) {
     const auto ofKey = watchersByKey.find(key);
     auto& [all, removed] = ofKey->second;
