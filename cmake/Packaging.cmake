@@ -18,15 +18,18 @@ function(connector_relative_path from to result)
 endfunction()
 
 # connector_install_headers(DIRECTORY DESTINATION): the headers below a directory, without those of
-# its detail/ folders
+# its private rooms
 function(connector_install_headers directory destination)
     install(DIRECTORY "${directory}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${destination}"
-        FILES_MATCHING PATTERN "*.hpp" PATTERN detail EXCLUDE)
+        FILES_MATCHING PATTERN "*.hpp"
+        PATTERN detail EXCLUDE
+        REGEX "/connector/configuration/(properties|registry|watching)$" EXCLUDE
+        REGEX "/connector/service$" EXCLUDE)
 endfunction()
 
 # The library
 connector_install_headers("${PROJECT_SOURCE_DIR}/connector" connector)
-foreach(header IN ITEMS async/detail/Errors configuration/detail/OptionStreams) # public ones need them
+foreach(header IN ITEMS async/detail/Errors configuration/watching/OptionStreams) # public ones need them
     cmake_path(GET header PARENT_PATH parent)
     install(FILES "${PROJECT_SOURCE_DIR}/connector/${header}.hpp"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/${parent}")
@@ -42,6 +45,7 @@ if(TARGET connector-platform)
 endif()
 if(NOT CONNECTOR_PLATFORM)
     connector_install_headers("${PROJECT_SOURCE_DIR}/platform" "")
+    connector_install_headers("${PROJECT_SOURCE_DIR}/messaging" "")
     install(FILES "${PROJECT_BINARY_DIR}/platform/include/connector/platform/Export.hpp"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/platform")
 endif()

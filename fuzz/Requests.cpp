@@ -1,7 +1,7 @@
 /// Any bytes as a request, which is what a line and a body are.
-#include "serve/MessageService.hpp"
-#include "serve/Policy.hpp"
-#include "serve/RequestText.hpp"
+#include <connector/service/messages/MessageService.hpp>
+#include <connector/service/access/Policy.hpp>
+#include <connector/service/messages/RequestText.hpp>
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 

@@ -13,7 +13,7 @@
 
 #include <connector/configuration/Configuration.hpp>
 #include <connector/configuration/SourceAnswer.hpp>
-#include <connector/configuration/detail/OptionStreams.hpp>
+#include <connector/configuration/watching/OptionStreams.hpp>
 #include <connector/configuration/sources/ConfigurationSource.hpp>
 
 #include <atomic>

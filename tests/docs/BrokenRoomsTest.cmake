@@ -21,7 +21,7 @@ add(connector/async/Future.hpp connector/reactive_streams/Publisher.hpp)
 add(connector/async/Bad.hpp connector/configuration/Core.hpp connector/platform/Export.hpp)
 add(connector/async/detail/Errors.hpp)
 add(connector/elsewhere/Lost.hpp string)
-add(platform/connector/Message.hpp connector/async/Future.hpp connector/async/Bad.hpp)
+add(messaging/connector/Message.hpp connector/async/Future.hpp connector/async/Bad.hpp)
 add(platform/connector/reactive_streams/Publisher.hpp connector/Message.hpp)
 add(platform/fl/Bad.hpp connector/async/Future.hpp connector/unknown.hpp)
 add(tools/program/main.cpp sys/ioctl.h connector/configuration/detail/Secret.hpp)
@@ -41,8 +41,8 @@ set(expected
     "connector/configuration/Core.hpp: <Poco/Var.h> is nothing that this room may include"
     "connector/configuration/sources/Bad.hpp: <connector/configuration/Core.hpp> stands in connector/configuration"
     "connector/elsewhere/Lost.hpp: stands in no room of the table"
-    "platform/connector/Message.hpp: <connector/async/Bad.hpp> stands in connector/async"
-    "platform/connector/reactive_streams/Publisher.hpp: <connector/Message.hpp> stands in platform/connector"
+    "messaging/connector/Message.hpp: <connector/async/Bad.hpp> stands in connector/async"
+    "platform/connector/reactive_streams/Publisher.hpp: <connector/Message.hpp> stands in messaging"
     "platform/fl/Bad.hpp: <connector/async/Future.hpp> stands in connector/async"
     "platform/fl/Bad.hpp: <connector/unknown.hpp> is nothing that this room may include"
     "tools/program/main.cpp: <connector/configuration/detail/Secret.hpp> is private to the library")

@@ -36,7 +36,7 @@ endfunction()
 # file_of(INCLUDE RESULT): the file that an #include of ours means; empty if it is not ours
 function(file_of include result)
     set(${result} "" PARENT_SCOPE)
-    foreach(root IN ITEMS "" platform/)
+    foreach(root IN ITEMS "" platform/ messaging/)
         if(EXISTS "${SOURCE_DIR}/${root}${include}")
             set(${result} "${root}${include}" PARENT_SCOPE)
             return()
@@ -58,7 +58,7 @@ endfunction()
 # judge(FILE ROOM INCLUDE RESULT): what is wrong with an include; empty if nothing is
 function(judge file room include result)
     set(${result} "" PARENT_SCOPE)
-    begins_with_one_of("${file}" in_library connector/ platform/)
+    begins_with_one_of("${file}" in_library connector/ platform/ messaging/)
     file_of("${include}" target)
     if(target)
         room_of("${target}" target_room)
@@ -72,7 +72,7 @@ function(judge file room include result)
     endif()
     if(include STREQUAL "connector/Export.hpp" AND file MATCHES "^connector/")
         return()
-    elseif(include STREQUAL "connector/platform/Export.hpp" AND file MATCHES "^platform/")
+    elseif(include STREQUAL "connector/platform/Export.hpp" AND file MATCHES "^(platform|messaging)/")
         return()
     endif()
     # The standard library's headers have no directory, the system's one of these; the rest is others'.
@@ -84,6 +84,7 @@ endfunction()
 
 file(GLOB_RECURSE files RELATIVE "${SOURCE_DIR}"
     "${SOURCE_DIR}/connector/*.[ch]pp" "${SOURCE_DIR}/platform/*.[ch]pp"
+    "${SOURCE_DIR}/messaging/*.[ch]pp"
     "${SOURCE_DIR}/tools/*.[ch]pp" "${SOURCE_DIR}/examples/*.[ch]pp"
     "${SOURCE_DIR}/benchmarks/*.[ch]pp")
 set(violations "")

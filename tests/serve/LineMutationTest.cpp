@@ -1,5 +1,5 @@
 /// Ten thousand lines that went wrong on the way.
-#include "serve/RequestText.hpp"
+#include <connector/service/messages/RequestText.hpp>
 #include "serve/support/Mutations.hpp"
 #include "tools/support/Program.hpp"
 

@@ -1,4 +1,4 @@
-#include "serve/LineReader.hpp"
+#include <connector/service/messages/LineReader.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "serve/ListenAddress.hpp"
+#include "arguments/ListenAddress.hpp"
 
-#include "WrongArguments.hpp"
+#include "values/WrongArguments.hpp"
 #include "support/Expect.hpp"
 
 #include <gtest/gtest.h>

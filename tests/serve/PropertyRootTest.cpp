@@ -1,4 +1,4 @@
-#include "serve/PropertyRoot.hpp"
+#include <connector/service/access/PropertyRoot.hpp>
 
 #include "support/TemporaryDirectory.hpp"
 #include "support/Expect.hpp"

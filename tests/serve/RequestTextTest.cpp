@@ -1,4 +1,4 @@
-#include "serve/RequestText.hpp"
+#include <connector/service/messages/RequestText.hpp>
 
 #include "support/Expect.hpp"
 

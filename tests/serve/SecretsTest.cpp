@@ -1,4 +1,4 @@
-#include "Secrets.hpp"
+#include <connector/service/text/Secrets.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "serve/Token.hpp"
+#include <connector/service/access/Token.hpp>
 
 #include "support/TemporaryDirectory.hpp"
 #include "support/Expect.hpp"

@@ -1,11 +1,11 @@
 /// connector-config: what value has an option, and who says so? docs/connector-config.md tells more.
-#include "Arguments.hpp"
+#include "arguments/Arguments.hpp"
 #include "ExitStatus.hpp"
-#include "Help.hpp"
-#include "Output.hpp"
-#include "Sources.hpp"
-#include "Trace.hpp"
-#include "WrongArguments.hpp"
+#include "arguments/Help.hpp"
+#include "display/Output.hpp"
+#include "commands/Sources.hpp"
+#include "display/Trace.hpp"
+#include "values/WrongArguments.hpp"
 #include "commands/Commands.hpp"
 
 #include <iostream>

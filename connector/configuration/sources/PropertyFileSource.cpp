@@ -1,10 +1,10 @@
 #include <connector/configuration/sources/PropertyFileSource.hpp>
 
 #include <connector/configuration/detail/Errors.hpp>
-#include <connector/configuration/sources/detail/PropertyParser.hpp>
-#include <connector/configuration/sources/detail/StreamCursor.hpp>
+#include <connector/configuration/properties/PropertyParser.hpp>
+#include <connector/configuration/properties/StreamCursor.hpp>
 #include <connector/configuration/sources/detail/Table.hpp>
-#include <connector/configuration/sources/detail/TableLoader.hpp>
+#include <connector/configuration/properties/TableLoader.hpp>
 
 #include <fl/filesystem/fstream.hpp>
 #include <fl/i18n/codecvt.hpp>

@@ -1,6 +1,6 @@
 /// Which lines are read at once. What they mean is seen through the parser.
 
-#include <connector/configuration/sources/detail/PlainLine.hpp>
+#include <connector/configuration/properties/PlainLine.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 /// The cursor itself. Most of what it does is seen through the parser; here stands what is not.
 
-#include <connector/configuration/sources/detail/StreamCursor.hpp>
+#include <connector/configuration/properties/StreamCursor.hpp>
 
 #include <gtest/gtest.h>
 

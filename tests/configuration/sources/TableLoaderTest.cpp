@@ -1,7 +1,7 @@
 /// The loader itself: when properties reach the table, and how large that becomes.
 
-#include <connector/configuration/sources/detail/StreamCursor.hpp>
-#include <connector/configuration/sources/detail/TableLoader.hpp>
+#include <connector/configuration/properties/StreamCursor.hpp>
+#include <connector/configuration/properties/TableLoader.hpp>
 
 #include <gtest/gtest.h>
 

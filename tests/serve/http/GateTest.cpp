@@ -1,7 +1,7 @@
 /// Who is let in.
-#include "serve/http/Gate.hpp"
+#include <connector/service/http/Gate.hpp>
 #include "support/TemporaryDirectory.hpp"
-#include "serve/http/Response.hpp"
+#include <connector/service/http/Response.hpp>
 #include "serve/support/HttpClient.hpp"
 #include "serve/support/ServerProcess.hpp"
 

@@ -1,5 +1,5 @@
 /// Requests that are meant badly, or went wrong on the way.
-#include "serve/RequestText.hpp"
+#include <connector/service/messages/RequestText.hpp>
 #include "serve/support/HttpClient.hpp"
 #include "serve/support/Mutations.hpp"
 #include "serve/support/ServerProcess.hpp"

@@ -1,5 +1,5 @@
 /// The server's end of a connection.
-#include "serve/http/Wire.hpp"
+#include <connector/service/http/Wire.hpp>
 #include "serve/support/HttpClient.hpp"
 
 #include <Poco/Net/ServerSocket.h>

@@ -1,7 +1,7 @@
 /// The server in the process of the test, where its time and its limits are the test's.
 #pragma once
 
-#include "serve/http/HttpDoor.hpp"
+#include <connector/service/http/HttpDoor.hpp>
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 

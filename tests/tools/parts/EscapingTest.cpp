@@ -1,6 +1,6 @@
-#include "Escaping.hpp"
+#include <connector/service/text/Escaping.hpp>
 
-#include "Utf8.hpp"
+#include <connector/service/text/Utf8.hpp>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "FileArgument.hpp"
+#include "arguments/FileArgument.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "Table.hpp"
+#include "display/Table.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "TextWidth.hpp"
+#include "display/TextWidth.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "ValueReading.hpp"
+#include "values/ValueReading.hpp"
 
-#include "ValueText.hpp"
-#include "WrongArguments.hpp"
+#include "values/ValueText.hpp"
+#include "values/WrongArguments.hpp"
 
 #include "support/Expect.hpp"
 

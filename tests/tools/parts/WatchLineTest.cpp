@@ -1,6 +1,6 @@
-#include "WatchLine.hpp"
+#include "arguments/WatchLine.hpp"
 
-#include "WrongArguments.hpp"
+#include "values/WrongArguments.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 /// What the program can do. All but watch and serveMessages return what goes to standard output.
 #pragma once
 
-#include "Arguments.hpp"
-#include "Terminal.hpp"
+#include "arguments/Arguments.hpp"
+#include "display/Terminal.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 

@@ -1,7 +1,7 @@
 #include "Commands.hpp"
 
-#include "Json.hpp"
-#include "ValueText.hpp"
+#include <connector/service/text/Json.hpp>
+#include "values/ValueText.hpp"
 
 namespace connector_config {
 

@@ -1,7 +1,7 @@
 #include "Commands.hpp"
 
-#include "Escaping.hpp"
-#include "Json.hpp"
+#include <connector/service/text/Escaping.hpp>
+#include <connector/service/text/Json.hpp>
 
 #include <Poco/JSON/Array.h>
 

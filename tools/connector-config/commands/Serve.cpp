@@ -1,8 +1,8 @@
 #include "Commands.hpp"
 
-#include "Secrets.hpp"
-#include "serve/Http.hpp"
-#include "serve/StandardInput.hpp"
+#include <connector/service/text/Secrets.hpp>
+#include "commands/ServeHttp.hpp"
+#include "commands/ServeStandardInput.hpp"
 
 namespace connector_config {
 

@@ -1,10 +1,10 @@
 #include "Commands.hpp"
 
-#include "Escaping.hpp"
-#include "Json.hpp"
-#include "Secrets.hpp"
-#include "Table.hpp"
-#include "ValueText.hpp"
+#include <connector/service/text/Escaping.hpp>
+#include <connector/service/text/Json.hpp>
+#include <connector/service/text/Secrets.hpp>
+#include "display/Table.hpp"
+#include "values/ValueText.hpp"
 
 #include <Poco/JSON/Array.h>
 

@@ -1,13 +1,13 @@
 #include "Commands.hpp"
 
-#include "Escaping.hpp"
-#include "Json.hpp"
-#include "Output.hpp"
-#include "Secrets.hpp"
-#include "Sources.hpp"
-#include "ValueText.hpp"
-#include "WatchLine.hpp"
-#include "WrongArguments.hpp"
+#include <connector/service/text/Escaping.hpp>
+#include <connector/service/text/Json.hpp>
+#include "display/Output.hpp"
+#include <connector/service/text/Secrets.hpp>
+#include "commands/Sources.hpp"
+#include "values/ValueText.hpp"
+#include "arguments/WatchLine.hpp"
+#include "values/WrongArguments.hpp"
 
 #include <connector/reactive_streams/Subscriber.hpp>
 

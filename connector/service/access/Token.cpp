@@ -1,0 +1,60 @@
+#include <connector/service/access/Token.hpp>
+
+#include <algorithm>
+#include <fstream>
+#include <stdexcept>
+
+namespace connector_config::serve {
+
+namespace {
+
+constexpr std::size_t longestToken = 4096;
+
+/// @return what the file begins with: a token with its line break, and more if there is more
+std::string readBeginning(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string text(longestToken + 3, '\0');
+    file.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (!file.is_open() || file.bad() || (file.fail() && !file.eof()))
+        throw std::runtime_error("Token file could not be read: " + path);
+    text.resize(static_cast<std::size_t>(file.gcount()));
+    return text;
+}
+
+void dropLineBreak(std::string& text) {
+    if (text.empty() || text.back() != '\n')
+        return;
+    text.pop_back();
+    if (!text.empty() && text.back() == '\r')
+        text.pop_back();
+}
+
+bool isVisible(char byte) {
+    return byte > ' ' && byte <= '~';
+}
+
+} // namespace
+
+bool Token::matches(const std::string& shown) const {
+    unsigned char difference = text.size() == shown.size() ? 0 : 1;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char other = i < shown.size() ? shown[i] : '\0';
+        // volatile: the compiler must not see that one difference decides
+        const volatile unsigned char differs = static_cast<unsigned char>(text[i] ^ other);
+        difference = static_cast<unsigned char>(difference | differs);
+    }
+    return difference == 0;
+}
+
+Token readToken(const std::string& path) {
+    std::string text = readBeginning(path);
+    dropLineBreak(text);
+    if (text.empty())
+        throw std::runtime_error("Token file is empty: " + path);
+    if (text.size() > longestToken || !std::all_of(text.begin(), text.end(), isVisible))
+        throw std::runtime_error("Token is not one line of visible ASCII of at most 4096 bytes: " +
+                                 path);
+    return Token(std::move(text));
+}
+
+} // namespace connector_config::serve

@@ -1,0 +1,70 @@
+#include <connector/service/http/EventStream.hpp>
+
+#include <connector/service/text/Json.hpp>
+#include <connector/service/messages/Reply.hpp>
+
+#include <utility>
+
+namespace connector_config::serve {
+
+using Lock = std::lock_guard<std::mutex>;
+
+void EventStream::onSubscribe(
+    std::weak_ptr<connector::reactive_streams::Subscription> newSubscription) {
+    subscription = std::move(newSubscription);
+    requestNext();
+}
+
+void EventStream::onNext(const OptionValue& value) {
+    Option option{key, sourceNow(), value};
+    {
+        const Lock lock(mutex);
+        waiting = std::move(option);
+    }
+    wake();
+}
+
+/// Empty if the option has gone meanwhile.
+std::string EventStream::sourceNow() const {
+    try {
+        return configuration.getOption(key).get().source;
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+void EventStream::end() {
+    {
+        const Lock lock(mutex);
+        ended = true;
+    }
+    wake();
+}
+
+std::optional<Option> EventStream::take() {
+    const Lock lock(mutex);
+    return std::exchange(waiting, std::nullopt);
+}
+
+void EventStream::requestNext() {
+    if (const auto alive = subscription.lock())
+        alive->request(1);
+}
+
+void EventStream::cancel() {
+    if (const auto alive = subscription.lock())
+        alive->cancel();
+    const Lock lock(mutex);
+    ended = true;
+}
+
+bool EventStream::hasEnded() const {
+    const Lock lock(mutex);
+    return ended;
+}
+
+std::string eventOf(const Option& option) {
+    return "data: " + jsonText(toJson(option)) + "\n\n";
+}
+
+} // namespace connector_config::serve

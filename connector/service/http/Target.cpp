@@ -1,0 +1,17 @@
+#include <connector/service/http/Target.hpp>
+
+#include <Poco/String.h>
+
+#include <algorithm>
+
+namespace connector_config::serve {
+
+Target parseTarget(const std::string& text) {
+    const std::string scheme = "http://";
+    if (Poco::icompare(text.substr(0, scheme.size()), scheme) != 0)
+        return {std::nullopt, text};
+    const std::size_t end = std::min(text.find_first_of("/?", scheme.size()), text.size());
+    return {text.substr(scheme.size(), end - scheme.size()), text.substr(end)};
+}
+
+} // namespace connector_config::serve

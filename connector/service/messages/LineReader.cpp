@@ -1,0 +1,42 @@
+#include <connector/service/messages/LineReader.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include <unistd.h>
+
+namespace connector_config::serve {
+
+std::optional<std::string> LineReader::next() {
+    std::string line;
+    bool isAny = false;
+    while (begin < end || fill()) {
+        isAny = true;
+        const char* const first = buffer + begin;
+        const char* const lineEnd = std::find(first, static_cast<const char*>(buffer + end), '\n');
+        const auto length = static_cast<std::size_t>(lineEnd - first);
+        line.append(first, std::min(length, longest + 1 - line.size()));
+        begin += length;
+        if (begin < end) {
+            ++begin; // the line's end
+            return line;
+        }
+    }
+    return isAny ? std::optional<std::string>(std::move(line)) : std::nullopt;
+}
+
+/// @return false at the end
+bool LineReader::fill() {
+    ssize_t count;
+    do {
+        count = ::read(descriptor, buffer, sizeof buffer);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0)
+        throw std::system_error(errno, std::generic_category(), "Input could not be read");
+    begin = 0;
+    end = static_cast<std::size_t>(count);
+    return count > 0;
+}
+
+} // namespace connector_config::serve

@@ -1,0 +1,73 @@
+#include <connector/service/text/Escaping.hpp>
+
+#include <connector/service/text/Utf8.hpp>
+
+#include <cstdio>
+
+namespace connector_config {
+
+namespace {
+
+std::string formatted(const char* format, unsigned number) {
+    char text[16];
+    std::snprintf(text, sizeof text, format, number);
+    return text;
+}
+
+std::string escapeOfByte(char byte) {
+    return formatted("\\x%02x", static_cast<unsigned char>(byte));
+}
+
+std::string escapeOfCodePoint(char32_t codePoint) {
+    return formatted("\\u%04x", static_cast<unsigned>(codePoint));
+}
+
+std::string escapeOfControl(const Character& character) {
+    switch (character.codePoint) {
+    case U'\n':
+        return "\\n";
+    case U'\r':
+        return "\\r";
+    case U'\t':
+        return "\\t";
+    default:
+        return character.bytes.size() == 1 ? escapeOfByte(character.bytes.front())
+                                           : escapeOfCodePoint(character.codePoint);
+    }
+}
+
+} // namespace
+
+std::string escaped(std::string_view text) {
+    std::string result;
+    forEachCharacter(text, [&result](const Character& character) {
+        if (!character.valid)
+            result += escapeOfByte(character.bytes.front());
+        else if (isControl(character.codePoint))
+            result += escapeOfControl(character);
+        else
+            result += character.bytes;
+    });
+    return result;
+}
+
+std::string repaired(std::string_view text) {
+    std::string result;
+    forEachCharacter(text, [&result](const Character& character) {
+        result += character.valid ? character.bytes : "\xEF\xBF\xBD";
+    });
+    return result;
+}
+
+std::string escapedJson(std::string_view document) {
+    std::string result;
+    forEachCharacter(document, [&result](const Character& character) {
+        if (character.valid && isControl(character.codePoint))
+            result += escapeOfCodePoint(character.codePoint);
+        else
+            result += character.bytes;
+    });
+    return result;
+}
+
+} // namespace connector_config

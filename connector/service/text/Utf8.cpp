@@ -1,0 +1,29 @@
+#include <connector/service/text/Utf8.hpp>
+
+#include <boost/locale/utf.hpp>
+
+namespace connector_config {
+
+Character firstCharacter(std::string_view text) {
+    namespace utf = boost::locale::utf;
+    const char* next = text.data();
+    const utf::code_point codePoint =
+        utf::utf_traits<char>::decode(next, text.data() + text.size());
+    if (codePoint == utf::illegal || codePoint == utf::incomplete)
+        return {text.substr(0, 1), 0, false};
+    return {text.substr(0, static_cast<std::size_t>(next - text.data())), codePoint, true};
+}
+
+bool isUtf8(std::string_view text) {
+    bool valid = true;
+    forEachCharacter(text, [&valid](const Character& character) { valid &= character.valid; });
+    return valid;
+}
+
+bool isControl(char32_t codePoint) {
+    return codePoint < 0x20 || (codePoint >= 0x7F && codePoint <= 0x9F) ||
+           (codePoint >= 0x2028 && codePoint <= 0x202E) ||
+           (codePoint >= 0x2066 && codePoint <= 0x2069);
+}
+
+} // namespace connector_config

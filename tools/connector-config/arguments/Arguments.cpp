@@ -1,0 +1,206 @@
+#include "arguments/Arguments.hpp"
+
+#include "arguments/Help.hpp"
+#include "values/WrongArguments.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <map>
+
+namespace connector_config {
+
+namespace {
+
+// CLI11 takes "[a,b]" among repeated arguments for a list of its own, "++" for the end of a command,
+// and "--" for the end of the options only where that command still waits for an argument. Keys may
+// look like that. So what is text whatever it looks like travels through CLI11 behind a mark.
+constexpr char textMark = '\x01';
+
+bool needsMark(const std::string& argument) {
+    const char first = argument.empty() ? ' ' : argument.front();
+    return first == '[' || first == '+' || first == textMark;
+}
+
+/// @return the arguments from the last to the first, as CLI11 wants them, without the program's name
+std::vector<std::string> markedBackwards(int argc, const char* const argv[]) {
+    std::vector<std::string> marked;
+    bool onlyText = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--" && !onlyText)
+            onlyText = true;
+        else
+            marked.push_back(onlyText || needsMark(argument) ? textMark + argument : argument);
+    }
+    std::reverse(marked.begin(), marked.end());
+    return marked;
+}
+
+std::string unmarked(const std::string& argument) {
+    return !argument.empty() && argument.front() == textMark ? argument.substr(1) : argument;
+}
+
+/// The grammar of the command line.
+class Parser {
+public:
+    Parser() : app("", "connector-config") {
+        app.set_help_flag("-h,--help");
+        app.set_version_flag("--version", versionText());
+        app.add_flag("--json", arguments.json)->disable_flag_override();
+        app.add_flag("--trace", arguments.trace)->disable_flag_override();
+        files = addSourceOption("-f,--file", "FILE");
+        overrides = addSourceOption("-s,--set", "KEY[:TYPE]=VALUE");
+        defaults = addSourceOption("-d,--default", "KEY[:TYPE]=VALUE");
+        addRepeatable(app, "--secret", arguments.secrets, "GLOB");
+
+        app.require_subcommand(0, 1);
+        app.fallthrough();
+        addCommand("get", Command::Get)->add_option("KEY", arguments.key)->required();
+        addCommand("keys", Command::Keys)->add_option("PREFIX", arguments.prefix);
+        addCommand("show", Command::Show)->add_option("PREFIX", arguments.prefix);
+        addCommand("explain", Command::Explain)->add_option("KEY", arguments.key)->required();
+        addCommand("watch", Command::Watch)->add_option("KEY", arguments.keys)->required();
+        addServe();
+    }
+
+    Arguments parse(int argc, const char* const argv[]) {
+        try {
+            parseGrammar(argc, argv);
+        } catch (const CLI::CallForHelp&) {
+            return withInformation(helpText());
+        } catch (const CLI::CallForVersion&) {
+            return withInformation(versionText());
+        }
+        arguments.command = requireCommand();
+        unmarkAll(arguments.secrets);
+        collectSources();
+        arguments.key = unmarked(arguments.key);
+        arguments.prefix = unmarked(arguments.prefix);
+        unmarkAll(arguments.keys);
+        collectHttp();
+        return std::move(arguments);
+    }
+
+private:
+    static Arguments withInformation(std::string text) {
+        Arguments information;
+        information.information = std::move(text);
+        return information;
+    }
+
+    CLI::Option* addSourceOption(const char* names, const char* type) {
+        return app.add_option(names, sourceTexts[names])->type_name(type)->allow_extra_args(false);
+    }
+
+    static CLI::Option* addRepeatable(CLI::App& command, const char* name,
+                                      std::vector<std::string>& texts, const char* type) {
+        return command.add_option(name, texts)->type_name(type)->allow_extra_args(false);
+    }
+
+    void addServe() {
+        CLI::App* const serve = addCommand("serve", Command::Serve);
+        http = serve->add_option("--http", listenAddress)->type_name("HOST:PORT");
+        addRepeatable(*serve, "--writable", httpArguments.writable, "PREFIX")->needs(http);
+        propertyRoot = serve->add_option("--property-root", httpArguments.propertyRoot.emplace())
+                           ->type_name("DIR")
+                           ->needs(http);
+        tokenFile = serve->add_option("--token-file", httpArguments.tokenFile.emplace())
+                        ->type_name("FILE")
+                        ->needs(http);
+    }
+
+    CLI::App* addCommand(const char* name, Command command) {
+        CLI::App* const subcommand = app.add_subcommand(name);
+        subcommand->set_help_flag(); // so that --help is the program's wherever it stands
+        commands[subcommand] = command;
+        return subcommand;
+    }
+
+    /// @throws CLI::Success, or what is derived from it, if the user asks for information
+    void parseGrammar(int argc, const char* const argv[]) {
+        try {
+            std::vector<std::string> rest = markedBackwards(argc, argv);
+            app.parse(rest);
+        } catch (const CLI::Success&) {
+            throw;
+        } catch (const CLI::ExtrasError&) {
+            throw WrongArguments(describeExtra(unmarked(app.remaining(true).front())));
+        } catch (const CLI::ParseError& error) {
+            throw WrongArguments(error.what());
+        }
+    }
+
+    std::string describeExtra(const std::string& extra) const {
+        const bool isCommand = app.get_subcommands().empty() && extra.compare(0, 1, "-") != 0;
+        return (isCommand ? "Unknown command: " : "Unexpected argument: ") + extra;
+    }
+
+    Command requireCommand() const {
+        const std::vector<CLI::App*> chosen = app.get_subcommands();
+        if (chosen.empty())
+            throw WrongArguments("COMMAND is required");
+        return commands.at(chosen.front());
+    }
+
+    static void unmarkAll(std::vector<std::string>& texts) {
+        for (std::string& text : texts)
+            text = unmarked(text);
+    }
+
+    void collectHttp() {
+        if (http->count() == 0)
+            return;
+        httpArguments.address = serve::parseListenAddress(unmarked(listenAddress));
+        unmarkAll(httpArguments.writable);
+        keepIfGiven(propertyRoot, httpArguments.propertyRoot);
+        keepIfGiven(tokenFile, httpArguments.tokenFile);
+        arguments.http = std::move(httpArguments);
+    }
+
+    static void keepIfGiven(const CLI::Option* option, std::optional<std::string>& text) {
+        if (option->count() == 0)
+            text.reset();
+        else
+            text = unmarked(*text);
+    }
+
+    /// Sources of different kinds keep the order in which they stand on the command line.
+    void collectSources() {
+        const Secrets secrets(arguments.secrets);
+        std::map<const CLI::Option*, std::size_t> seen;
+        for (const CLI::Option* const option : app.parse_order()) {
+            if (option == files || option == overrides || option == defaults)
+                addSource(option, unmarked(option->results()[seen[option]++]), secrets);
+        }
+    }
+
+    void addSource(const CLI::Option* option, const std::string& text, const Secrets& secrets) {
+        if (option == files)
+            arguments.sources.emplace_back(parseFileArgument(text));
+        else
+            arguments.sources.emplace_back(TableAssignment{
+                parseAssignment(text, secrets), option == overrides ? "override" : "default"});
+    }
+
+    CLI::App app;
+    Arguments arguments;
+    std::map<const CLI::App*, Command> commands;
+    std::map<std::string, std::vector<std::string>> sourceTexts;
+    CLI::Option* files;
+    CLI::Option* overrides;
+    CLI::Option* defaults;
+    CLI::Option* http;
+    CLI::Option* propertyRoot;
+    CLI::Option* tokenFile;
+    std::string listenAddress;
+    serve::HttpArguments httpArguments;
+};
+
+} // namespace
+
+Arguments parseArguments(int argc, const char* const argv[]) {
+    return Parser().parse(argc, argv);
+}
+
+} // namespace connector_config

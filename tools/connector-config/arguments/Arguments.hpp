@@ -1,0 +1,44 @@
+/// What the user asks for.
+#pragma once
+
+#include "arguments/Assignment.hpp"
+#include "arguments/FileArgument.hpp"
+#include "commands/ServeHttp.hpp"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace connector_config {
+
+/// A value for one of the two built-in tables.
+struct TableAssignment {
+    Assignment assignment;
+    const char* table; ///< "override" or "default"
+};
+
+using SourceArgument = std::variant<FileArgument, TableAssignment>;
+
+enum class Command { Get, Keys, Show, Explain, Watch, Serve };
+
+struct Arguments {
+    std::string information; ///< what --help or --version say; if there is any, the rest is unset
+
+    Command command{};
+    std::string key;                          ///< of get and explain
+    std::string prefix;                       ///< of keys and show; empty for all
+    std::vector<std::string> keys;            ///< of watch
+    std::optional<serve::HttpArguments> http; ///< of serve; none for standard input
+
+    std::vector<SourceArgument> sources; ///< in the order given
+    std::vector<std::string> secrets;    ///< globs of keys whose values are not shown
+    bool json = false;
+    bool trace = false;
+};
+
+/// Checks everything that can be known without a configuration.
+/// @throws WrongArguments
+Arguments parseArguments(int argc, const char* const argv[]);
+
+} // namespace connector_config

@@ -1,0 +1,40 @@
+#include "commands/Sources.hpp"
+
+#include "display/Trace.hpp"
+
+#include <fl/i18n/codecvt.hpp>
+
+namespace connector_config {
+
+using connector::configuration::Configuration;
+
+namespace {
+
+struct Adder {
+    Configuration& configuration;
+
+    void operator()(const FileArgument& file) const { addFile(configuration, file); }
+    void operator()(const TableAssignment& argument) const {
+        const Assignment& assignment = argument.assignment;
+        configuration.set(assignment.key, assignment.value, argument.table).get();
+    }
+};
+
+} // namespace
+
+void addFile(Configuration& configuration, const FileArgument& file) {
+    const fl::i18n::codecvt_string_to_ustring fromUtf8("UTF-8", true);
+    const bool readOnly = true;
+    const TracedGroup traced(file.group);
+    configuration
+        .addPropertyFileSource(file.name, file.group, file.order, readOnly,
+                               fl::i18n::to_ustring(file.path, fromUtf8))
+        .get();
+}
+
+void addSources(Configuration& configuration, const std::vector<SourceArgument>& sources) {
+    for (const SourceArgument& source : sources)
+        std::visit(Adder{configuration}, source);
+}
+
+} // namespace connector_config

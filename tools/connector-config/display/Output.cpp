@@ -1,0 +1,35 @@
+#include "display/Output.hpp"
+
+#include <connector/service/text/Escaping.hpp>
+
+#include <cerrno>
+#include <iostream>
+
+#include <unistd.h>
+
+namespace connector_config {
+
+OutputFailure::OutputFailure(int error)
+    : system_error(error, std::generic_category(), "Standard output could not be written") {
+}
+
+bool OutputFailure::readerLeft() const {
+    return code() == std::errc::broken_pipe;
+}
+
+void writeOutput(const std::string& text) {
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const ssize_t written = ::write(STDOUT_FILENO, rest.data(), rest.size());
+        if (written >= 0)
+            rest.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno != EINTR)
+            throw OutputFailure(errno);
+    }
+}
+
+void complain(const std::string& message) {
+    std::cerr << "connector-config: " + escaped(message) + '\n' << std::flush;
+}
+
+} // namespace connector_config

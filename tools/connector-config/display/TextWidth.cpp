@@ -1,0 +1,68 @@
+#include "display/TextWidth.hpp"
+
+#include <connector/service/text/Utf8.hpp>
+
+#include <algorithm>
+
+#include <locale.h>
+#include <wchar.h>
+
+namespace connector_config {
+
+namespace {
+
+constexpr std::string_view cutMark = "…";
+
+/// Makes the thread's characters Unicode while it lives. Keys and values are UTF-8 whatever locale
+/// the user has.
+class Utf8Locale {
+public:
+    Utf8Locale() : previous(uselocale(utf8())) {}
+    ~Utf8Locale() { uselocale(previous); }
+    Utf8Locale(const Utf8Locale&) = delete;
+    Utf8Locale& operator=(const Utf8Locale&) = delete;
+
+private:
+    /// @return null, which uselocale takes for "leave it", where there is none
+    static locale_t utf8() {
+        static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t());
+        return locale;
+    }
+
+    const locale_t previous;
+};
+
+std::size_t widthOfCharacter(const Character& character) {
+    const int width = wcwidth(static_cast<wchar_t>(character.codePoint));
+    return width < 0 ? 1 : static_cast<std::size_t>(width); // an unknown one shows as a box
+}
+
+} // namespace
+
+std::size_t widthOf(std::string_view text) {
+    const Utf8Locale unicode;
+    std::size_t width = 0;
+    forEachCharacter(
+        text, [&width](const Character& character) { width += widthOfCharacter(character); });
+    return width;
+}
+
+std::string cutToWidth(std::string_view text, std::size_t width) {
+    if (widthOf(text) <= width)
+        return std::string(text);
+    if (width == 0)
+        return "";
+    const Utf8Locale unicode;
+    std::size_t left = width - 1; // one for the mark
+    std::size_t kept = 0;
+    while (true) {
+        const Character character = firstCharacter(text.substr(kept));
+        const std::size_t needed = widthOfCharacter(character);
+        if (needed > left)
+            return std::string(text.substr(0, kept)) + std::string(cutMark);
+        left -= needed;
+        kept += character.bytes.size();
+    }
+}
+
+} // namespace connector_config
