@@ -1,8 +1,8 @@
 /// What the constructor makes of a file, which it reads in larger steps than parseStream.
 
 #include "support/TemporaryDirectory.hpp"
-#include "configuration/sources/parsing/Observation.hpp"
-#include "configuration/sources/parsing/ReferenceParser.hpp"
+#include "configuration/properties/parsing/Observation.hpp"
+#include "configuration/properties/parsing/ReferenceParser.hpp"
 #include "support/LogCapture.hpp"
 
 #include <connector/configuration/sources/PropertyFileSource.hpp>

@@ -1,7 +1,7 @@
 /// The lines that property files leave in the log.
 
 #include "support/TemporaryDirectory.hpp"
-#include "configuration/sources/parsing/Observation.hpp"
+#include "configuration/properties/parsing/Observation.hpp"
 #include "support/Expect.hpp"
 #include "support/LogCapture.hpp"
 

@@ -1,7 +1,7 @@
 /// Property files as files: opening, failing, closing.
 
 #include "support/TemporaryDirectory.hpp"
-#include "configuration/sources/parsing/Observation.hpp"
+#include "configuration/properties/parsing/Observation.hpp"
 #include "support/Expect.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>

@@ -1,6 +1,6 @@
 /// What every source does alike. A new kind of source joins by a line at the end.
 
-#include "configuration/sources/parsing/Observation.hpp"
+#include "configuration/properties/parsing/Observation.hpp"
 #include "support/Expect.hpp"
 
 #include <connector/configuration/sources/InMemorySource.hpp>

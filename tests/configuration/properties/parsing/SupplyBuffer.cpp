@@ -1,0 +1,96 @@
+#include "configuration/properties/parsing/SupplyBuffer.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace test {
+
+namespace {
+
+class PieceBuffer : public SupplyBuffer {
+public:
+    PieceBuffer(const std::string& text, std::size_t newPieceSize, Ending ending)
+        : SupplyBuffer(text, ending), pieceSize(newPieceSize) {}
+
+protected:
+    int_type underflow() override {
+        if (remaining() == 0)
+            return end();
+        char* const first = &text[handedOut];
+        const std::size_t count = std::min(pieceSize, remaining());
+        setg(first, first, first + count);
+        handedOut += count;
+        return traits_type::to_int_type(*first);
+    }
+
+private:
+    const std::size_t pieceSize;
+};
+
+class ReusedBuffer : public SupplyBuffer {
+public:
+    ReusedBuffer(const std::string& text, std::size_t pieceSize, Ending ending)
+        : SupplyBuffer(text, ending), memory(pieceSize, scribble) {}
+
+protected:
+    int_type underflow() override {
+        std::fill(memory.begin(), memory.end(), scribble); // whoever still looks here shall see it
+        if (remaining() == 0)
+            return end();
+        const std::size_t count = text.copy(&memory[0], memory.size(), handedOut);
+        setg(&memory[0], &memory[0], &memory[0] + count);
+        handedOut += count;
+        return traits_type::to_int_type(memory[0]);
+    }
+
+private:
+    static constexpr char scribble = '?';
+    std::string memory;
+};
+
+class UnbufferedBuffer : public SupplyBuffer {
+public:
+    using SupplyBuffer::SupplyBuffer;
+
+protected:
+    int_type underflow() override {
+        return remaining() == 0 ? end() : traits_type::to_int_type(text[handedOut]);
+    }
+
+    int_type uflow() override {
+        return remaining() == 0 ? end() : traits_type::to_int_type(text[handedOut++]);
+    }
+};
+
+} // namespace
+
+SupplyBuffer::int_type SupplyBuffer::end() {
+    if (ending == Ending::throwing)
+        throw std::runtime_error("read error");
+    if (ending == Ending::turningBad)
+        stream->setstate(std::ios_base::badbit);
+    return traits_type::eof();
+}
+
+SupplyBuffer::pos_type SupplyBuffer::seekoff(off_type offset, std::ios_base::seekdir direction,
+                                             std::ios_base::openmode) {
+    if (offset != 0 || direction != std::ios_base::cur)
+        return pos_type(off_type(-1));
+    return pos_type(static_cast<off_type>(handedOut) - (egptr() - gptr()));
+}
+
+std::unique_ptr<SupplyBuffer> makeSupplyBuffer(Supply supply, const std::string& text,
+                                               std::size_t pieceSize, Ending ending) {
+    switch (supply) {
+    case Supply::pieces:
+        return std::make_unique<PieceBuffer>(text, pieceSize, ending);
+    case Supply::reused:
+        return std::make_unique<ReusedBuffer>(text, pieceSize, ending);
+    case Supply::unbuffered:
+        break;
+    }
+    return std::make_unique<UnbufferedBuffer>(text, ending);
+}
+
+} // namespace test

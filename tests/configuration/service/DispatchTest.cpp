@@ -1,0 +1,286 @@
+/// What the generic entry of the service lets through.
+#include "configuration/service/RecordingProvider.hpp"
+#include "support/Expect.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace {
+
+using namespace connector::configuration;
+using connector::Address;
+using connector::Context;
+using connector::Message;
+using test::dispatch;
+using test::expectThrows;
+using test::MessagePtr;
+using test::RecordingProvider;
+using test::Reply;
+using test::send;
+using test::TrackedGet;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+const std::string notRunning = "Service exists but is not running.";
+const std::string expected =
+    "Incorrect message type. Expected: "
+    "N9connector14ServiceMessageINS_13configuration28ConfigurationServiceProviderEEE but found ";
+
+std::shared_ptr<RecordingProvider> makeRunning() {
+    auto provider = std::make_shared<RecordingProvider>();
+    provider->start();
+    return provider;
+}
+
+void expectNotRunning(Reply reply) {
+    expectThrows<std::runtime_error>(notRunning, [&] { reply.get(); });
+}
+
+void expectWrongClass(const std::string& found, Reply reply) {
+    expectThrows<std::invalid_argument>(expected + found, [&] { reply.get(); });
+}
+
+TEST(Dispatch, BeforeTheStartFails) {
+    const auto provider = std::make_shared<RecordingProvider>();
+    expectNotRunning(send<ConfigurationGet>(*provider, "key"));
+    EXPECT_THAT(provider->calls, IsEmpty());
+}
+
+TEST(Dispatch, AfterTheStopFails) {
+    const auto provider = makeRunning();
+    provider->stop();
+    expectNotRunning(send<ConfigurationGet>(*provider, "key"));
+    EXPECT_THAT(provider->calls, IsEmpty());
+}
+
+TEST(Dispatch, ToAServiceThatWasStartedAgainIsHandled) {
+    const auto provider = makeRunning();
+    provider->stop();
+    provider->start();
+    send<ConfigurationGet>(*provider, "key").get();
+    EXPECT_THAT(provider->calls, ElementsAre("Get"));
+}
+
+TEST(Dispatch, WhileNotRunningLeavesTheMessageWithTheCaller) {
+    bool isGone = false;
+    MessagePtr message = std::make_unique<TrackedGet>(isGone, "key");
+    expectNotRunning(dispatch(*std::make_shared<RecordingProvider>(), message));
+    EXPECT_NE(nullptr, message);
+    EXPECT_FALSE(isGone);
+}
+
+TEST(Dispatch, WhileNotRunningDoesNotLookAtTheMessage) {
+    const auto provider = std::make_shared<RecordingProvider>();
+    expectNotRunning(dispatch(*provider, nullptr));
+    expectNotRunning(send<Message>(*provider));
+    expectNotRunning(send<ConfigurationOptionResponse>(*provider));
+}
+
+TEST(Dispatch, WhileNotRunningDoesNotAskWhoOwnsTheProvider) {
+    RecordingProvider provider;
+    expectNotRunning(send<ConfigurationGet>(provider, "key"));
+}
+
+/// Nothing but the flag itself brings the news to the dispatching thread.
+TEST(Dispatch, SeesTheStartOnAnotherThread) {
+    const auto provider = std::make_shared<RecordingProvider>();
+    std::thread other([&] {
+        MessagePtr message = std::make_unique<ConfigurationGet>("key");
+        while (message) {
+            dispatch(*provider, message);
+            std::this_thread::yield();
+        }
+    });
+    provider->start();
+    other.join();
+    EXPECT_THAT(provider->calls, ElementsAre("Get"));
+}
+
+TEST(Dispatch, SeesTheStopOnAnotherThread) {
+    const auto provider = makeRunning();
+    std::thread other([&] {
+        MessagePtr message;
+        while (!message) {
+            message = std::make_unique<ConfigurationGet>("key");
+            dispatch(*provider, message);
+            std::this_thread::yield();
+        }
+    });
+    provider->stop();
+    other.join();
+    EXPECT_FALSE(provider->isRunning());
+}
+
+TEST(Dispatch, OfNothingThrows) {
+    EXPECT_THROW(dispatch(*makeRunning(), nullptr), std::bad_typeid);
+}
+
+TEST(Dispatch, OfEachRequestCallsItsHandler) {
+    const auto provider = makeRunning();
+    send<ConfigurationGet>(*provider, "key");
+    send<ConfigurationSet>(*provider, "key", 7, "");
+    send<ConfigurationKeys>(*provider);
+    send<AddPropertyFileSource>(*provider, "site", "", 5, true, u"path");
+    EXPECT_THAT(provider->calls, ElementsAre("Get", "Set", "Keys", "AddPropertyFileSource"));
+}
+
+TEST(Dispatch, OfAReplyFails) {
+    const auto provider = makeRunning();
+    expectWrongClass("N9connector13configuration25ConfigurationKeysResponseE",
+                     send<ConfigurationKeysResponse>(*provider, std::set<std::string>{"a"}));
+    expectWrongClass("N9connector13configuration27ConfigurationOptionResponseE",
+                     send<ConfigurationOptionResponse>(*provider));
+    EXPECT_THAT(provider->calls, IsEmpty());
+}
+
+TEST(Dispatch, OfABareMessageFails) {
+    expectWrongClass("N9connector7MessageE", send<Message>(*makeRunning()));
+}
+
+class OtherService;
+
+/// A request of some other service.
+class OtherRequest : public connector::ServiceMessage<OtherService> {
+public:
+    Reply deliver(std::shared_ptr<OtherService>, MessagePtr&&, Address&&,
+                  std::shared_ptr<Context>&&) override {
+        throw std::logic_error("delivered to the wrong service");
+    }
+};
+
+TEST(Dispatch, OfAnotherServicesRequestFails) {
+    expectWrongClass(typeid(OtherRequest).name(), send<OtherRequest>(*makeRunning()));
+}
+
+TEST(Dispatch, OfAWrongClassLeavesTheMessageWithTheCaller) {
+    MessagePtr message = std::make_unique<ConfigurationOptionResponse>();
+    dispatch(*makeRunning(), message);
+    EXPECT_NE(nullptr, message);
+}
+
+/// A request that the application adds: it delivers itself in its own way.
+class OwnRequest : public connector::ServiceMessage<ConfigurationServiceProvider> {
+public:
+    explicit OwnRequest(std::shared_ptr<ConfigurationServiceProvider>& newReceiver)
+        : receiver(newReceiver) {}
+
+    Reply deliver(std::shared_ptr<ConfigurationServiceProvider> provider, MessagePtr&& owner,
+                  Address&&, std::shared_ptr<Context>&&) override {
+        EXPECT_EQ(this, owner.get());
+        receiver = provider;
+        return connector::makeReadyFuture<MessagePtr>(std::move(owner));
+    }
+
+private:
+    std::shared_ptr<ConfigurationServiceProvider>& receiver;
+};
+
+TEST(Dispatch, LetsARequestOfTheApplicationsDeliverItself) {
+    const auto provider = makeRunning();
+    std::shared_ptr<ConfigurationServiceProvider> receiver;
+    const MessagePtr reply = send<OwnRequest>(*provider, receiver).get();
+    EXPECT_EQ(provider, receiver);
+    EXPECT_NO_THROW(test::as<OwnRequest>(reply));
+}
+
+TEST(Dispatch, ToAProviderOnTheStackThrows) {
+    RecordingProvider provider;
+    provider.start();
+    MessagePtr message = std::make_unique<ConfigurationGet>("key");
+    EXPECT_THROW(dispatch(provider, message), std::bad_weak_ptr);
+    EXPECT_NE(nullptr, message);
+    EXPECT_THAT(provider.calls, IsEmpty());
+}
+
+TEST(Dispatch, ToAProviderOnTheStackLooksAtTheMessageFirst) {
+    RecordingProvider provider;
+    provider.start();
+    EXPECT_THROW(dispatch(provider, nullptr), std::bad_typeid);
+    expectWrongClass("N9connector7MessageE", send<Message>(provider));
+}
+
+TEST(Dispatch, TakesTheMessageAndDestroysIt) {
+    bool isGone = false;
+    MessagePtr message = std::make_unique<TrackedGet>(isGone, "key");
+    dispatch(*makeRunning(), message);
+    EXPECT_EQ(nullptr, message);
+    EXPECT_TRUE(isGone);
+}
+
+TEST(Dispatch, HandsOnAddressAndContext) {
+    const auto provider = makeRunning();
+    auto context = std::make_shared<Context>();
+    const std::shared_ptr<Context> sent = context;
+    provider->answer = [&](const RecordingProvider::Call& call) {
+        EXPECT_EQ("sender", call.address.toString());
+        EXPECT_EQ(sent, call.context);
+        return Reply();
+    };
+    provider->dispatch(std::make_unique<ConfigurationGet>("key"), Address("sender"),
+                       std::move(context));
+    EXPECT_THAT(provider->calls, ElementsAre("Get"));
+}
+
+TEST(Dispatch, KeepsTheProviderAliveUntilItIsDone) {
+    auto provider = makeRunning();
+    const std::weak_ptr<RecordingProvider> observer = provider;
+    provider->answer = [&](const RecordingProvider::Call&) {
+        provider.reset();
+        EXPECT_FALSE(observer.expired());
+        return Reply();
+    };
+    RecordingProvider& target = *provider;
+    send<ConfigurationGet>(target, "key");
+    EXPECT_EQ(nullptr, provider);
+    EXPECT_TRUE(observer.expired());
+}
+
+TEST(Dispatch, KeepsNoPointerToTheProvider) {
+    const auto provider = makeRunning();
+    const Reply reply = send<ConfigurationGet>(*provider, "key");
+    EXPECT_EQ(1, provider.use_count());
+}
+
+TEST(Dispatch, ReturnsWhatTheHandlerReturns) {
+    const auto provider = makeRunning();
+    provider->answer = [](const RecordingProvider::Call&) {
+        return connector::makeFailedFuture<MessagePtr>(std::domain_error("not today"));
+    };
+    Reply reply = send<ConfigurationGet>(*provider, "key");
+    expectThrows<std::domain_error>("not today", [&] { reply.get(); });
+}
+
+TEST(Dispatch, ThrowsWhatTheHandlerThrows) {
+    const auto provider = makeRunning();
+    provider->answer = [](const RecordingProvider::Call&) -> Reply {
+        throw std::domain_error("not ever");
+    };
+    bool isGone = false;
+    expectThrows<std::domain_error>("not ever",
+                                    [&] { send<TrackedGet>(*provider, isGone, "key"); });
+    EXPECT_TRUE(isGone);
+}
+
+TEST(Dispatch, RunsTheHandlerOnTheCallingThread) {
+    const auto provider = makeRunning();
+    std::thread::id handlerThread;
+    provider->answer = [&](const RecordingProvider::Call&) {
+        handlerThread = std::this_thread::get_id();
+        return Reply();
+    };
+    send<ConfigurationGet>(*provider, "key");
+    EXPECT_EQ(std::this_thread::get_id(), handlerThread);
+}
+
+TEST(Dispatch, FromInsideAHandlerIsHandled) {
+    const auto provider = makeRunning();
+    provider->answer = [&](const RecordingProvider::Call&) {
+        return provider->calls.size() == 1 ? send<ConfigurationKeys>(*provider) : Reply();
+    };
+    send<ConfigurationGet>(*provider, "key");
+    EXPECT_THAT(provider->calls, ElementsAre("Get", "Keys"));
+}
+
+} // namespace

@@ -1,0 +1,98 @@
+/// Where the server can be reached, and under which names.
+#include "service/support/HttpClient.hpp"
+#include "service/support/ServerProcess.hpp"
+
+#include <Poco/Exception.h>
+#include <Poco/Net/ServerSocket.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <system_error>
+
+namespace {
+
+using test::HttpClient;
+using test::ServerProcess;
+
+bool hasIpv6() {
+    try {
+        const Poco::Net::ServerSocket socket(Poco::Net::SocketAddress("::1", 0));
+        return true;
+    } catch (const Poco::Exception&) {
+        return false;
+    }
+}
+
+/// @return the status for a client that connects to an address and calls it by a name
+int statusFor(const ServerProcess& server, const std::string& address, const std::string& name) {
+    HttpClient client(address, server.port());
+    client.send("GET /options HTTP/1.1\r\nHost: " + name + ":" + std::to_string(server.port()) +
+                "\r\n\r\n");
+    return client.answer().status;
+}
+
+void expectRefusal(const ServerProcess& server, const std::string& address) {
+    try {
+        const HttpClient client(address, server.port());
+        ADD_FAILURE() << "Somebody listens on " << address;
+    } catch (const std::system_error& error) {
+        EXPECT_EQ(std::errc::connection_refused, error.code()) << error.what();
+    }
+}
+
+TEST(Listening, WithoutAHost_IsOnTheLoopbackAddressOnly) {
+    for (const char* address : {":0", "0"}) {
+        SCOPED_TRACE(address);
+        const ServerProcess server({}, {}, address);
+        EXPECT_EQ("127.0.0.1", server.host());
+        EXPECT_EQ(200, statusFor(server, "127.0.0.1", "127.0.0.1"));
+        EXPECT_EQ(200, statusFor(server, "127.0.0.1", "localhost"));
+        expectRefusal(server, "127.0.0.2"); // which is this machine, too
+        if (hasIpv6())
+            expectRefusal(server, "::1");
+    }
+}
+
+TEST(Listening, OnAllAddresses_IsReachedByEach) {
+    const ServerProcess server({}, {}, "0.0.0.0:0");
+    EXPECT_EQ("0.0.0.0", server.host());
+    EXPECT_EQ(200, statusFor(server, "127.0.0.1", "127.0.0.1"));
+    EXPECT_EQ(200, statusFor(server, "127.0.0.2", "127.0.0.2"));
+    EXPECT_EQ(200, statusFor(server, "127.0.0.2", "localhost"));
+    EXPECT_EQ(403, statusFor(server, "127.0.0.2", "127.0.0.1"));
+}
+
+TEST(Listening, OnAName_IsReachedByIt) {
+    const ServerProcess server({}, {}, "localhost:0");
+    const std::string address = server.host() == "[::1]" ? "::1" : "127.0.0.1";
+    EXPECT_EQ(200, statusFor(server, address, "localhost"));
+    EXPECT_EQ(200, statusFor(server, address, server.host()));
+    EXPECT_EQ(403, statusFor(server, address, "elsewhere.example"));
+}
+
+TEST(ListeningWithIpv6, OnTheLoopbackAddress_IsReachedByIt) {
+    if (!hasIpv6())
+        GTEST_SKIP() << "This machine has no IPv6";
+    const ServerProcess server({}, {}, "[::1]:0");
+    EXPECT_EQ("[::1]", server.host());
+    EXPECT_EQ(200, statusFor(server, "::1", "[::1]"));
+    EXPECT_EQ(200, statusFor(server, "::1", "localhost"));
+    EXPECT_EQ(403, statusFor(server, "::1", "127.0.0.1"));
+    expectRefusal(server, "127.0.0.1");
+}
+
+TEST(ListeningWithIpv6, OnAllAddresses_IsReachedByIpv4Too) {
+    if (!hasIpv6())
+        GTEST_SKIP() << "This machine has no IPv6";
+    const ServerProcess server({}, {}, "[::]:0");
+    EXPECT_EQ("[::]", server.host());
+    EXPECT_EQ(200, statusFor(server, "::1", "[::1]"));
+    EXPECT_EQ(200, statusFor(server, "::1", "localhost"));
+    EXPECT_EQ(200, statusFor(server, "127.0.0.1", "127.0.0.1"));
+    EXPECT_EQ(200, statusFor(server, "127.0.0.1", "localhost"));
+    EXPECT_EQ(403, statusFor(server, "127.0.0.1", "[::1]"));
+    EXPECT_EQ(403, statusFor(server, "127.0.0.1", "elsewhere.example"));
+}
+
+} // namespace
