@@ -8,12 +8,29 @@
 namespace {
 
 thread_local std::size_t count = 0;
+thread_local std::size_t failingNumber = 0;
+
+void* orBadAlloc(void* memory) {
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    return memory;
+}
+
+void countAllocation() {
+    if (++count == failingNumber)
+        throw std::bad_alloc();
+}
 
 void* allocate(std::size_t size) {
-    ++count;
-    if (void* const memory = std::malloc(size != 0 ? size : 1))
-        return memory;
-    throw std::bad_alloc();
+    countAllocation();
+    return orBadAlloc(std::malloc(size != 0 ? size : 1));
+}
+
+void* allocate(std::size_t size, std::align_val_t alignment) {
+    countAllocation();
+    const auto unit = static_cast<std::size_t>(alignment);
+    const std::size_t units = size / unit + (size % unit != 0 || size == 0 ? 1 : 0);
+    return orBadAlloc(std::aligned_alloc(unit, units * unit));
 }
 
 } // namespace
@@ -22,11 +39,22 @@ std::size_t test::allocationCount() {
     return count;
 }
 
+void test::failAllocation(std::size_t number) {
+    failingNumber = number;
+}
+
+// The operators that take std::nothrow are not replaced: the standard library's call these.
 void* operator new(std::size_t size) {
     return allocate(size);
 }
 void* operator new[](std::size_t size) {
     return allocate(size);
+}
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    return allocate(size, alignment);
+}
+void* operator new[](std::size_t size, std::align_val_t alignment) {
+    return allocate(size, alignment);
 }
 void operator delete(void* memory) noexcept {
     std::free(memory);
@@ -38,5 +66,17 @@ void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::align_val_t) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
     std::free(memory);
 }
