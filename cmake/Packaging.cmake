@@ -29,7 +29,10 @@ endfunction()
 
 # The library
 connector_install_headers("${PROJECT_SOURCE_DIR}/connector" connector)
-foreach(header IN ITEMS async/detail/Errors configuration/watching/OptionStreams) # public ones need them
+foreach(header IN ITEMS # of private rooms, which public headers need
+        async/detail/Errors
+        configuration/registry/ConfigurationSourceMap
+        configuration/watching/OptionStreams)
     cmake_path(GET header PARENT_PATH parent)
     install(FILES "${PROJECT_SOURCE_DIR}/connector/${header}.hpp"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/${parent}")

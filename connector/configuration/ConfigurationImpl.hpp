@@ -1,20 +1,24 @@
 /// The configuration: a registry of sources, the lookups that walk it, and the streams that follow
 /// options.
 ///
-/// The rules of precedence stand in three places: addSource keeps `sources` in the order of
-/// consultation, ConfigurationSourceMap::serves is the rule of groups, and the walks of
-/// ConfigurationImplLookup.cpp and ConfigurationImplTables.cpp stop at the first record that answers.
+/// The rules of precedence stand in registry/Precedence.hpp. ConfigurationImpl.cpp reads and writes
+/// options, ConfigurationImplSources.cpp adds and removes sources, ConfigurationImplWatching.cpp
+/// follows options.
 ///
 /// Threads and locks. Every operation but addEnvironmentSource and getPtr takes `mutex`. Lock order:
 /// `mutex` first, then the mutex of a publisher or of a future's state, never the other way round
 /// while one is held. The mutex is recursive because a source calls its watcher from inside its set,
 /// which runs under the mutex, and the watcher takes it again.
+///
+/// Lifetime. A subscriber may let go of the last pointer to the configuration while set, addSource or
+/// removeSource notifies it: the object lives until the call is over.
 #pragma once
 
 #include <connector/configuration/Configuration.hpp>
 #include <connector/configuration/SourceAnswer.hpp>
-#include <connector/configuration/watching/OptionStreams.hpp>
+#include <connector/configuration/registry/ConfigurationSourceMap.hpp>
 #include <connector/configuration/sources/ConfigurationSource.hpp>
+#include <connector/configuration/watching/OptionStreams.hpp>
 
 #include <atomic>
 #include <cstdint>
@@ -28,6 +32,10 @@
 #include <vector>
 
 namespace connector::configuration {
+
+namespace detail {
+struct Supplier;
+} // namespace detail
 
 /// Owned by a std::shared_ptr; one that stands on the stack works, too, but watchOption and getPtr
 /// throw std::bad_weak_ptr then.
@@ -85,67 +93,38 @@ public:
 
 private:
     using Lock = std::unique_lock<std::recursive_mutex>;
-
-    /// A registered source.
-    struct ConfigurationSourceMap {
-        ConfigurationSourceMap(const std::string& newName, const std::string& newGroup,
-                               int newOrder, bool newReadOnly,
-                               std::shared_ptr<ConfigurationSource> newSource);
-
-        /// @return whether the source is asked about the key at all: its keys begin with the group
-        bool serves(const std::string& key) const {
-            return group.empty() || key.compare(0, group.size(), group) == 0;
-        }
-
-        /// @return the key as the source knows it. REQUIRES: serves(key)
-        std::string localKey(const std::string& key) const { return key.substr(group.size()); }
-
-        std::string name;  // unique
-        std::string group; // empty, or ending in "."
-        int order;         // smaller is consulted first
-        bool readOnly;     // set never writes here
-        std::shared_ptr<ConfigurationSource> source;
-        const std::unordered_map<std::string, OptionValue>* table; // see askTables; may be null
-    };
-
-    /// What the library's own tables say about a key.
-    struct TableAnswer {
-        bool isComplete; // false: others must be asked, in the way that they can observe
-        const ConfigurationSourceMap* record; // who supplies the value; null: nobody
-        const OptionValue* value;
-    };
+    using ConfigurationSourceMap = detail::ConfigurationSourceMap;
 
     // The lock argument of these is the proof that the caller holds `mutex`.
     bool doHas(Lock& lock, const std::string& key);
     OptionValue doGet(Lock& lock, const std::string& key);
     Option doGetOption(Lock& lock, const std::string& key);
-    const ConfigurationSourceMap* findSupplier(const std::string& key);
-    template <typename Place>
-    void lookUpValue(Lock& lock, const std::string& key, Place& place);
-    void lookUp(Lock& lock, const std::string& key, std::unique_ptr<OptionValue>& result);
-    void lookUp(Lock& lock, const std::string& key, std::unique_ptr<Option>& result);
-    std::optional<OptionValue> valueOf(Lock& lock, const std::string& key);
-    TableAnswer askTables(Lock& lock, const std::string& key);
-    bool nobodySeesLookups(Lock& lock) const;
 
-    template <typename T>
-    Future<T> answer(const std::string& key);
+    /// A source that supplies a value, and what to ask it for. Independent of the registry.
+    struct Question;
+    Question questionFor(const std::string& key, const char* failure);
+
+    bool mayReadDirectly(const detail::Supplier& supplier) const;
+    bool lookupsAreUnobservable() const;
+    std::optional<OptionValue> effectiveValue(Lock& lock, const std::string& key);
 
     static Future<OptionValue> write(const ConfigurationSourceMap& target, const std::string& key,
                                      OptionValue&& value);
 
-    /// Offers the key's effective value, if it has one, to its streams. Releases the lock meanwhile,
-    /// so that subscribers may call back. REQUIRES: lock held, on entry and on return.
-    void updatePublishers(Lock& lock, const std::string& key);
+    /// @return what a source calls with a key of its own that changed
+    ConfigurationSource::Watcher watcherFor(const std::string& group);
 
-    std::vector<ConfigurationSourceMap>::iterator findSource(const std::string& name);
+    /// Offers the key's effective value, if it has one, to its streams. Releases the lock meanwhile,
+    /// so that subscribers may call back. REQUIRES: lock held, on entry and on return; the caller
+    /// keeps this object alive, which a subscriber may let go of.
+    void updatePublishers(Lock& lock, const std::string& key);
 
     std::recursive_mutex mutex;                 // guards everything below; see the lock order above
     std::atomic<std::uint64_t> nextStreamId{0}; // advanced under the mutex only
     [[maybe_unused]] bool reserved = false;     // keeps the object's shape; has no meaning
-    std::vector<ConfigurationSourceMap> sources; // in the order of consultation
-    std::string localKeyBuffer;                  // of askTables
-    detail::OptionStreams streams;               // destroyed before the sources
+    detail::SourceRecords sources;              // in the order of consultation
+    std::string localKeyBuffer;                 // of findSupplier
+    detail::OptionStreams streams;              // destroyed before the sources
 };
 
 } // namespace connector::configuration

@@ -16,11 +16,12 @@ constexpr std::size_t fewBuckets = 4096;
 
 /// How many times what has been seen may be expected of the rest. Few lines say little, and buckets
 /// for lines that never come are memory that is touched and given back.
-constexpr double boldness = 1024;
+constexpr double maxExtrapolation = 1024;
 
 } // namespace
 
-TableLoader::TableLoader(Table& newTable, const StreamCursor& newFile, std::streamoff newFileSize)
+TableLoader::TableLoader(OptionMap& newTable, const StreamCursor& newFile,
+                         std::streamoff newFileSize)
     : table(newTable), file(newFile), fileSize(newFileSize) {
     pending.reserve(batch);
 }
@@ -62,7 +63,7 @@ std::size_t TableLoader::expectedEntries(std::size_t seen) const {
     if (read <= 0 || read >= fileSize)
         return 2 * seen; // a pipe, or a file that grows
     const double times = static_cast<double>(fileSize) / static_cast<double>(read);
-    return static_cast<std::size_t>(static_cast<double>(seen) * std::min(times, boldness));
+    return static_cast<std::size_t>(static_cast<double>(seen) * std::min(times, maxExtrapolation));
 }
 
 /// Looks at the places of all pending keys before any of them is stored, so that the processor waits

@@ -1,7 +1,7 @@
 /// Fills a table with the properties of a file, at the speed of memory.
 #pragma once
 
-#include <connector/configuration/sources/detail/Table.hpp>
+#include <connector/configuration/detail/OptionMap.hpp>
 
 #include <cstddef>
 #include <ios>
@@ -20,7 +20,7 @@ class TableLoader {
 public:
     /// @param newFile      is asked how much of the file has been read
     /// @param newFileSize  how much there is to read, or about; 0 or less when that is not known
-    TableLoader(Table& newTable, const StreamCursor& newFile, std::streamoff newFileSize);
+    TableLoader(OptionMap& newTable, const StreamCursor& newFile, std::streamoff newFileSize);
 
     /// Keeps a property until the next flush, which may be at once.
     void add(std::string_view key, std::string_view value);
@@ -38,7 +38,7 @@ private:
     std::size_t expectedEntries(std::size_t seen) const;
     void touchBuckets() const;
 
-    Table& table;
+    OptionMap& table;
     const StreamCursor& file;
     const std::streamoff fileSize;
     std::vector<Property> pending; ///< at most a batch

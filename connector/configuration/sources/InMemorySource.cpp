@@ -1,6 +1,6 @@
 #include <connector/configuration/sources/InMemorySource.hpp>
 
-#include <connector/configuration/sources/detail/Table.hpp>
+#include <connector/configuration/detail/OptionMap.hpp>
 
 #include <utility>
 

@@ -1,9 +1,9 @@
 #include <connector/configuration/sources/PropertyFileSource.hpp>
 
 #include <connector/configuration/detail/Errors.hpp>
+#include <connector/configuration/detail/OptionMap.hpp>
 #include <connector/configuration/properties/PropertyParser.hpp>
 #include <connector/configuration/properties/StreamCursor.hpp>
-#include <connector/configuration/sources/detail/Table.hpp>
 #include <connector/configuration/properties/TableLoader.hpp>
 
 #include <fl/filesystem/fstream.hpp>

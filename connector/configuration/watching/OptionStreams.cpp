@@ -1,5 +1,7 @@
 #include <connector/configuration/watching/OptionStreams.hpp>
 
+#include <connector/configuration/watching/NotificationPass.hpp>
+
 #include <algorithm>
 #include <utility>
 
@@ -23,21 +25,27 @@ void OptionStreams::add(std::uint64_t id, const std::string& key, Publisher publ
 }
 
 OptionStreams::Publisher OptionStreams::remove(std::uint64_t id) {
-    const auto stream = streams.find(id);
-    if (stream == streams.end())
+    Streams::node_type stream = streams.extract(id);
+    if (stream.empty())
         return nullptr;
-    for (Pass* const pass : passes) {
-        if (id < pass->end)
-            pass->removed.emplace(id, stream->second.publisher);
-    }
-    removeWatcher(stream->second.key, id);
-    Publisher publisher = std::move(stream->second.publisher);
-    streams.erase(stream);
-    return publisher;
+    removeWatcher(stream.mapped().key, id);
+    return release(std::move(stream));
 }
 
-/// Only marks the watcher, and clears up when half of them are marked: to close the gap each time would
-/// make it quadratic to remove all from the oldest to the newest.
+/// Hands a removed stream to a pass that keeps it, if there is one: a node moves without allocating.
+/// @return else its publisher
+OptionStreams::Publisher OptionStreams::release(Streams::node_type stream) {
+    const auto pass =
+        std::find_if(passes.begin(), passes.end(),
+                     [&stream](const NotificationPass* pass) { return pass->keeps(stream.key()); });
+    if (pass == passes.end())
+        return std::move(stream.mapped().publisher);
+    (*pass)->removed.insert(std::move(stream));
+    return nullptr;
+}
+
+/// Only marks the watcher, and erases the marked ones when they are more than half: to close the gap
+/// each time would make it quadratic to remove all of them from the oldest to the newest.
 void OptionStreams::removeWatcher(const std::string& key, std::uint64_t id) {
     const auto ofKey = watchersByKey.find(key);
     auto& [all, removed] = ofKey->second;
@@ -52,19 +60,6 @@ void OptionStreams::removeWatcher(const std::string& key, std::uint64_t id) {
     removed = 0;
     if (all.empty())
         watchersByKey.erase(ofKey);
-}
-
-OptionStreams::Pass::Pass(OptionStreams& newStreams, const std::string& key)
-    : streams(newStreams), end(streams.streams.empty() ? 0 : streams.streams.rbegin()->first + 1),
-      served(streams.publishersOf(key)) {
-    streams.passes.push_back(this);
-}
-
-OptionStreams::Pass::~Pass() {
-    // What goes now can call anything, so it must not find this pass any more.
-    streams.passes.erase(std::find(streams.passes.begin(), streams.passes.end(), this));
-    while (!removed.empty())
-        removed.erase(removed.begin());
 }
 
 std::vector<OptionPublisher*> OptionStreams::publishersOf(const std::string& key) const {

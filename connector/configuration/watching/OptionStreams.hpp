@@ -17,6 +17,8 @@ namespace connector::configuration::detail {
 
 using OptionPublisher = reactive_streams::CachedValuePublisher<OptionValue, std::function<void()>>;
 
+class NotificationPass;
+
 /// Keeps a publisher alive while its stream is listed. A change of a key costs that key's own
 /// watchers, however many other streams there are. Has no lock: the configuration's mutex guards it.
 class OptionStreams {
@@ -24,49 +26,31 @@ public:
     using Publisher = std::shared_ptr<OptionPublisher>;
 
     OptionStreams() = default;
-    /// Lets the publishers go in the order in which their streams were added.
+    /// Releases the publishers in the order in which their streams were added.
     ~OptionStreams();
     OptionStreams(const OptionStreams&) = delete;
     OptionStreams& operator=(const OptionStreams&) = delete;
 
+    /// Adds the stream or, when that fails for lack of memory, changes nothing.
     /// @param id  greater than that of every stream added before
     void add(std::uint64_t id, const std::string& key, Publisher publisher);
 
-    bool areThereAny(const std::string& key) const { return watchersByKey.count(key) != 0; }
+    bool hasWatchers(const std::string& key) const { return watchersByKey.count(key) != 0; }
 
-    /// @return the publisher of the stream, for the caller to let go of when no lock is held: its
-    ///         destructor calls the subscriber; null for an unknown id
+    /// Removes a stream. Does not allocate: the end of a stream must not fail.
+    /// @return the publisher, for the caller to release when no lock is held, since its destructor
+    ///         calls the subscriber; null for an unknown id, and while a notification pass keeps the
+    ///         publisher alive
     Publisher remove(std::uint64_t id);
 
-    /// A pass over the streams of one key, in the order in which they were added. What it serves is
-    /// settled when it begins. While it lives it keeps every publisher of that moment alive, those of
-    /// other keys included, whoever ends their streams meanwhile; it does so without touching them,
-    /// by holding only what is removed. To count a reference to each would make a change of an int
-    /// with 1,000 watchers half as long again. It is made and destroyed under the lock.
-    class Pass {
-    public:
-        Pass(OptionStreams& newStreams, const std::string& key);
-        /// Lets the removed publishers go in the order in which their streams were added.
-        ~Pass();
-        Pass(const Pass&) = delete;
-        Pass& operator=(const Pass&) = delete;
-
-        const std::vector<OptionPublisher*>& publishers() const { return served; }
-
-    private:
-        friend class OptionStreams;
-
-        OptionStreams& streams;
-        const std::uint64_t end; // the ids of the streams that came before it are smaller
-        const std::vector<OptionPublisher*> served;
-        std::map<std::uint64_t, Publisher> removed;
-    };
-
 private:
+    friend class NotificationPass;
+
     struct Stream {
         std::string key;
         Publisher publisher;
     };
+    using Streams = std::map<std::uint64_t, Stream>; // by id, which is the order of their addition
     struct Watcher {
         std::uint64_t id;
         OptionPublisher* publisher; // that of the stream with the id; null once it is removed
@@ -78,9 +62,10 @@ private:
 
     std::vector<OptionPublisher*> publishersOf(const std::string& key) const;
     void removeWatcher(const std::string& key, std::uint64_t id);
+    Publisher release(Streams::node_type stream);
 
-    std::map<std::uint64_t, Stream> streams;
-    std::vector<Pass*> passes;                               // those that run, on whatever thread
+    Streams streams;
+    std::vector<NotificationPass*> passes;                   // those that run, on whatever thread
     std::unordered_map<std::string, Watchers> watchersByKey; // no empty ones
 };
 

@@ -7,7 +7,7 @@
 
 namespace connector::configuration::detail {
 
-const Table* OwnTable::of(const ConfigurationSource& source) {
+const OptionMap* OwnTable::of(const ConfigurationSource& source) {
     if (typeid(source) == typeid(InMemorySource))
         return &static_cast<const InMemorySource&>(source).values;
     if (typeid(source) == typeid(PropertyFileSource))

@@ -1,4 +1,4 @@
-#include <connector/configuration/sources/detail/Table.hpp>
+#include <connector/configuration/detail/OptionMap.hpp>
 
 #include <algorithm>
 #include <cstdint>
@@ -41,7 +41,7 @@ std::uint64_t firstBytes(std::string_view text) {
     return number;
 }
 
-std::vector<SortedKey> sortedKeys(const Table& table) {
+std::vector<SortedKey> sortedKeys(const OptionMap& table) {
     std::vector<SortedKey> keys;
     keys.reserve(table.size());
     for (const auto& entry : table)
@@ -57,7 +57,7 @@ std::vector<SortedKey> sortedKeys(const Table& table) {
 
 /// Sorts first. A set that grows in the order of a hash map compares texts all over the memory to find
 /// each place: for 100,000 keys that takes twice as long.
-std::set<std::string> keysOf(const Table& table) {
+std::set<std::string> keysOf(const OptionMap& table) {
     std::set<std::string> keys;
     for (const SortedKey& key : sortedKeys(table))
         keys.emplace_hint(keys.end(), key.text);

@@ -11,12 +11,12 @@
 
 namespace connector::configuration::detail {
 
-using Table = std::unordered_map<std::string, OptionValue>;
+using OptionMap = std::unordered_map<std::string, OptionValue>;
 
 /// @return the value of a key that may be missing. The text is our own, because callers may compare
 ///         it and standard libraries differ in what their at says.
 /// @throws std::out_of_range "unordered_map::at: key not found"
-inline const OptionValue& at(const Table& table, const std::string& key) {
+inline const OptionValue& at(const OptionMap& table, const std::string& key) {
     const auto entry = table.find(key);
     if (entry == table.end())
         throw std::out_of_range(errors::keyNotInSource);
@@ -24,6 +24,6 @@ inline const OptionValue& at(const Table& table, const std::string& key) {
 }
 
 /// @return the keys as a set
-std::set<std::string> keysOf(const Table& table);
+std::set<std::string> keysOf(const OptionMap& table);
 
 } // namespace connector::configuration::detail

@@ -1,0 +1,120 @@
+/// Following options: from a change that a source reports to the streams of its key.
+#include <connector/configuration/ConfigurationImpl.hpp>
+
+#include <connector/configuration/detail/CoreDiagnostics.hpp>
+#include <connector/configuration/registry/Precedence.hpp>
+#include <connector/configuration/watching/NotificationPass.hpp>
+
+#include <iostream>
+#include <memory>
+#include <utility>
+
+namespace connector::configuration {
+
+using detail::logCore;
+
+namespace {
+
+/// Releases a lock for as long as it lives.
+class Released {
+public:
+    explicit Released(std::unique_lock<std::recursive_mutex>& newLock) : lock(newLock) {
+        lock.unlock();
+    }
+    ~Released() { lock.lock(); }
+    Released(const Released&) = delete;
+    Released& operator=(const Released&) = delete;
+
+private:
+    std::unique_lock<std::recursive_mutex>& lock;
+};
+
+/// Standard error is the only place for it: the failure belongs neither to the caller who changed the
+/// option nor to the other subscribers.
+void reportFailedSubscriber(const std::string& key) noexcept {
+    try {
+        std::cerr << "Error in configuration value subscriber: " + key + '\n' << std::flush;
+    } catch (...) { // no memory for the line: the other subscribers still get the value
+    }
+}
+
+} // namespace
+
+std::shared_ptr<ConfigurationImpl::OptionPublisher>
+ConfigurationImpl::watchOption(const std::string& key) {
+    logCore("watchOption: ", key);
+    Lock lock(mutex);
+    const std::uint64_t id = nextStreamId++;
+    // The stream must not keep the configuration alive, nor call it when it is gone.
+    const std::weak_ptr<Configuration> self = shared_from_this();
+    auto publisher = std::make_shared<OptionPublisher>(
+        [id, self] {
+            if (const auto alive = self.lock())
+                static_cast<ConfigurationImpl&>(*alive).removeStream(id);
+        },
+        1);
+    streams.add(id, key, publisher);
+
+    // The lock is held until the value is offered: a newer value that was offered first would be
+    // evicted by this one. Nobody can have subscribed yet, so no subscriber runs under the lock.
+    const std::optional<OptionValue> value = effectiveValue(lock, key);
+    try {
+        if (value)
+            publisher->onNext(*value);
+    } catch (...) { // no memory: a stream that nobody got must not stay listed
+        streams.remove(id);
+        throw;
+    }
+    return publisher;
+}
+
+void ConfigurationImpl::removeStream(std::uint64_t id) {
+    // Declared first, so that the publisher goes after the lock: its destructor calls a subscriber.
+    detail::OptionStreams::Publisher removed;
+    const Lock lock(mutex);
+    removed = streams.remove(id);
+}
+
+ConfigurationSource::Watcher ConfigurationImpl::watcherFor(const std::string& group) {
+    // A source can outlive the configuration, and can call its watcher while that goes on another
+    // thread. So an owned configuration is held weakly, and kept alive during the call. One that is
+    // not owned, and the built-in sources, which are made before there is an owner, do without.
+    const std::weak_ptr<Configuration> owned = weak_from_this();
+    const bool isOwned = !owned.expired();
+    return [this, owned, isOwned, group](const std::string& key) {
+        const std::shared_ptr<Configuration> alive = owned.lock();
+        if (isOwned && alive == nullptr)
+            return;
+        Lock lock(mutex);
+        updatePublishers(lock, group + key);
+    };
+}
+
+void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
+    logCore("updatePublishers: ", key);
+    // Most keys of a source that is added or removed have no watchers. Without this, adding a source
+    // would take two thirds longer.
+    if (!streams.hasWatchers(key) && lookupsAreUnobservable())
+        return;
+    const std::optional<OptionValue> value = effectiveValue(lock, key);
+    if (!value)
+        return; // that a key lost its last value is not announced
+
+    const detail::NotificationPass pass(streams, key); // goes when the lock is held again
+    const Released released(lock);
+    for (OptionPublisher* const publisher : pass.publishers()) {
+        try {
+            logCore("notifying watcher: ", key);
+            publisher->onNext(*value);
+        } catch (...) {
+            reportFailedSubscriber(key);
+        }
+    }
+}
+
+/// @return whether a lookup whose result nobody needs can be left out
+bool ConfigurationImpl::lookupsAreUnobservable() const {
+    return !detail::coreLogger.enabled(detail::coreSeverity) && detail::allAreOwnTables(sources);
+}
+
+} // namespace connector::configuration

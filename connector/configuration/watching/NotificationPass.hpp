@@ -1,0 +1,47 @@
+/// One delivery of a value to the streams of a key.
+#pragma once
+
+#include <connector/configuration/watching/OptionStreams.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace connector::configuration::detail {
+
+/// A pass over the streams of one key, in the order in which they were added. What it serves is fixed
+/// when it begins.
+///
+/// While it lives it keeps every publisher of that moment alive, those of other keys included, even if
+/// their streams are removed meanwhile. It counts no references for that, which would make a change of
+/// an int with 1,000 watchers half as long again: a stream that is removed is handed to a pass that
+/// began before.
+///
+/// It is made and destroyed under the configuration's mutex, which is released in between. Several
+/// passes can run at a time, on several threads or nested.
+class NotificationPass {
+public:
+    NotificationPass(OptionStreams& newStreams, const std::string& key);
+
+    /// Releases the publishers of removed streams, in the order in which the streams were added,
+    /// unless another pass keeps them. That can call subscribers and finish callbacks.
+    ~NotificationPass();
+
+    NotificationPass(const NotificationPass&) = delete;
+    NotificationPass& operator=(const NotificationPass&) = delete;
+
+    const std::vector<OptionPublisher*>& publishers() const { return served; }
+
+private:
+    friend class OptionStreams;
+
+    /// @return whether the stream was there when the pass began
+    bool keeps(std::uint64_t id) const { return id < end; }
+
+    OptionStreams& streams;
+    const std::uint64_t end; // greater than the ids of all streams that were there
+    const std::vector<OptionPublisher*> served;
+    OptionStreams::Streams removed;
+};
+
+} // namespace connector::configuration::detail
