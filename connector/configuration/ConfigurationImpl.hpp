@@ -111,6 +111,8 @@ private:
     static Future<OptionValue> write(const ConfigurationSourceMap& target, const std::string& key,
                                      OptionValue&& value);
 
+    void offerFirst(std::uint64_t id, OptionPublisher& publisher, const OptionValue& value);
+
     /// @return what a source calls with a key of its own that changed
     ConfigurationSource::Watcher watcherFor(const std::string& group);
 

@@ -53,19 +53,29 @@ ConfigurationImpl::watchOption(const std::string& key) {
                 static_cast<ConfigurationImpl&>(*alive).removeStream(id);
         },
         1);
+    localKeyBuffer.reserve(key.size()); // so that the lookup below does not run out of memory
     streams.add(id, key, publisher);
 
-    // The lock is held until the value is offered: a newer value that was offered first would be
-    // evicted by this one. Nobody can have subscribed yet, so no subscriber runs under the lock.
-    const std::optional<OptionValue> value = effectiveValue(lock, key);
+    // What a source throws from here on leaves the stream listed.
+    const detail::Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
+    if (mayReadDirectly(supplier))
+        offerFirst(id, *publisher, *supplier.value);
+    else if (supplier.record != nullptr)
+        offerFirst(id, *publisher, doGet(lock, key));
+    return publisher;
+}
+
+/// Offers a stream its first value. The caller holds the lock until then: a newer value that was
+/// offered before would be evicted by this one. Nobody can have subscribed yet, so no subscriber runs
+/// under the lock.
+void ConfigurationImpl::offerFirst(std::uint64_t id, OptionPublisher& publisher,
+                                   const OptionValue& value) {
     try {
-        if (value)
-            publisher->onNext(*value);
-    } catch (...) { // no memory: a stream that nobody got must not stay listed
+        publisher.onNext(value);
+    } catch (...) { // no memory: a stream that nobody has must not stay listed
         streams.remove(id);
         throw;
     }
-    return publisher;
 }
 
 void ConfigurationImpl::removeStream(std::uint64_t id) {
