@@ -1,24 +1,28 @@
-/// A stream of values for one subscriber that never holds more than its newest undelivered ones.
+/// A stream of values for one subscriber that keeps only the newest undelivered values.
 ///
-/// The producer offers values with onNext, from any thread; the subscriber asks for them through its
-/// subscription, from any thread. What was not asked for in time is dropped, oldest first, so a slow
-/// subscriber gets the present and not a backlog.
+/// The producer offers values with onNext, from any thread. The subscriber requests them through its
+/// subscription, from any thread. When the queue is full, the oldest value is dropped, so a slow
+/// subscriber gets current values and no backlog.
 ///
 ///     Active ----> Completing ----> Completed     (destroyed, or drained while Completing)
 ///        |             |
 ///        '-------------+----------> Cancelled     (the subscriber cancelled)
 ///
-/// Completed, Cancelled and Errored are final. Nothing here enters Completing or Errored: they are
-/// kept so that every state which a stream can be in is answered.
+/// Completed, Cancelled and Errored are final. No operation enters Completing or Errored, but all of
+/// them handle both states.
 ///
-/// Threads and locks: the publisher's mutex guards all of its fields and is released around every
-/// call into the subscriber and into the finish callback, so both may call back into the publisher
-/// and into whatever the producer locks. A producer that offers values under a lock of its own
-/// takes that lock first and the publisher's second; the publisher never takes them the other way
-/// round.
+/// Threads and locks: the publisher's mutex guards all of its fields. It is not held during a call of
+/// the subscriber, the finish callback or a continuation of the completion future, so these may call
+/// the publisher and take locks of the producer. A producer that offers values under a lock of its
+/// own takes that lock first and the publisher's second; the publisher never takes them in the other
+/// order. Values are copied and destroyed under the mutex: a copy constructor or destructor of T
+/// must not call the publisher.
 ///
-/// One subscriber call at a time is not promised when several threads offer values at once: see
-/// onNext.
+/// Subscriber calls are not serialised when several threads offer values at once: see onNext.
+///
+/// Lifetime: the subscriber, the finish callback and continuations may drop the last pointer to the
+/// publisher during subscribe, request and cancel; it is destroyed when the call is over. For onNext
+/// the producer keeps the publisher alive.
 #pragma once
 
 #include <connector/Export.hpp>
@@ -43,7 +47,7 @@ namespace connector::reactive_streams {
 enum class PublisherState : std::uint32_t {
     Active = 0,     ///< accepts and delivers values
     Completing = 1, ///< completes as soon as the queue is empty
-    Completed = 2,  ///< ended well; the completion future is true
+    Completed = 2,  ///< ended normally; the completion future is true
     Cancelled = 3,  ///< ended by the subscriber; the completion future is false
     Errored = 4,    ///< ended by an error; a late subscriber gets onError
 };
@@ -55,15 +59,17 @@ class CONNECTOR_EXPORT CachedValuePublisher
     : public PublisherAPI<T>,
       public std::enable_shared_from_this<CachedValuePublisher<T, F>> {
 public:
-    /// @param onFinish  called once, without the publisher's lock, when the stream completes or is
-    ///                  cancelled. An empty std::function throws std::bad_function_call then, which
-    ///                  in the destructor ends the program.
+    /// @param onFinish  called once, without the publisher's lock, when the stream has completed or
+    ///                  is cancelled, even if the subscriber or a continuation of the completion
+    ///                  future has thrown. An empty std::function throws std::bad_function_call
+    ///                  then, which ends the program if the destructor calls it.
     /// @param capacity  how many undelivered values are kept: 0 keeps one like 1, a negative number
     ///                  keeps all
     CachedValuePublisher(F onFinish, int capacity);
 
     /// Completes the stream if it has not ended: the completion future becomes true, the subscriber
-    /// gets onComplete, the finish callback runs. What they throw ends the program.
+    /// gets onComplete, the finish callback runs. An exception from any of them ends the program.
+    /// Needs no memory. The subscriber is released without the publisher's lock.
     ~CachedValuePublisher() override;
 
     /// The future is resolved after the state changed and before the subscriber or the finish
@@ -71,21 +77,25 @@ public:
     /// @throws std::runtime_error "Promise already returned a future." at the second call
     Future<bool> completionFuture() override;
 
-    /// Attaches the one subscriber and calls its onSubscribe; values that wait are delivered as soon
-    /// as it asks for them, from inside onSubscribe at the earliest. After the end of the stream
-    /// onSubscribe is followed by onComplete or onError.
-    /// @throws std::invalid_argument "Only one subscription allowed." at the second call, whatever
-    ///         became of the first subscriber; "A null subscriber cannot be subscribed."
+    /// Attaches the one subscriber and calls its onSubscribe, on this thread. Queued values are
+    /// delivered as soon as the subscriber requests them, which it may do in onSubscribe. If the
+    /// stream has ended, onComplete or onError follows onSubscribe, unless the stream was cancelled.
+    /// @throws std::invalid_argument "A null subscriber cannot be subscribed."
+    /// @throws std::invalid_argument "Only one subscription allowed." at the second call, even if the
+    ///         first subscriber has cancelled
     /// @throws std::bad_weak_ptr when no std::shared_ptr owns the publisher
-    /// @throws what the subscriber throws
+    /// @throws std::bad_alloc; no subscriber is attached
+    /// @throws what the subscriber throws; it stays attached
     void subscribe(std::shared_ptr<Subscriber<T>> newSubscriber) override;
 
-    /// Offers a value. After the end of the stream it is dropped.
+    /// Offers a value. After the end of the stream it is dropped. The caller keeps the publisher
+    /// alive during the call: the subscriber must not be able to drop the last pointer to it.
     ///
-    /// When the subscriber waits for a value and none is queued, it gets this one at once, on this
-    /// thread, without a copy. This way round the queue does not ask whether a delivery is running:
-    /// with several producers the subscriber can be called by two threads at once, and its own
-    /// onNext can be entered again when it causes another value itself.
+    /// If the subscriber has demand left and no value is queued, it gets this one at once, on this
+    /// thread, without a copy. This path does not check whether a delivery is running: with several
+    /// producers two threads can call the subscriber at the same time, and onNext of the subscriber
+    /// is entered again if it causes another value itself.
+    /// @throws std::bad_alloc; the queue is unchanged
     /// @throws what the subscriber throws; the value counts as delivered
     void onNext(const T& value);
 
@@ -99,29 +109,32 @@ private:
     void drain(Lock& lock);
     void completeIfDrained(Lock& lock);
     void complete(Lock& lock);
-    void finish(Lock& lock, PublisherState finalState);
+    void end(Lock& lock, PublisherState finalState);
+    template <typename First, typename Second>
+    static void callBoth(First first, Second second);
 
     bool isLive() const {
         return state == PublisherState::Active || state == PublisherState::Completing;
     }
 
     // Guards everything below. Lock order: the producer's locks (for a watched option, the
-    // configuration's mutex) come before this one; no lock is taken under it but that of the
-    // completion future.
+    // configuration's mutex) come before this one; the only lock taken under it is that of the
+    // completion future's state.
     std::mutex mutex;
     std::int64_t capacity; // compared as unsigned: a negative one is no limit
     std::deque<T> pending; // oldest first
     F onFinish;
     Promise<bool> completion;
     std::exception_ptr error;
-    std::shared_ptr<Subscriber<T>> subscriber; // set once, kept until the publisher goes
+    std::shared_ptr<Subscriber<T>> subscriber; // set once, kept until the publisher is destroyed
     std::shared_ptr<Subscription> subscription;
-    std::uint64_t demand = 0; // values asked for and not yet delivered
+    std::uint64_t demand = 0; // values requested and not yet delivered
     PublisherState state = PublisherState::Active;
-    bool draining = false; // the delivery loop runs, on whatever thread
+    bool draining = false; // the delivery loop runs, on this thread or another
 };
 
-/// What the subscriber holds. It does not keep the publisher alive, and does nothing without it.
+/// The subscriber's handle on the publisher. It keeps the publisher alive during a call only, and
+/// does nothing once the publisher is destroyed.
 template <typename T, typename F>
 class CachedValuePublisher<T, F>::CachedValueSubscription final : public Subscription {
 public:
@@ -142,8 +155,8 @@ private:
     const std::weak_ptr<CachedValuePublisher> publisher;
 };
 
-/// Marks the delivery loop as running, and as over again however it is left: a subscriber that
-/// throws must not silence its stream for good.
+/// Sets the flag `draining`, and clears it however the delivery loop is left: if a subscriber that
+/// throws left it set, nothing would be delivered any more.
 template <typename T, typename F>
 class CachedValuePublisher<T, F>::Draining {
 public:
@@ -171,9 +184,11 @@ CachedValuePublisher<T, F>::CachedValuePublisher(F newOnFinish, int newCapacity)
 
 template <typename T, typename F>
 CachedValuePublisher<T, F>::~CachedValuePublisher() {
-    Lock lock(mutex);
-    complete(lock);
-    subscriber.reset();
+    {
+        Lock lock(mutex);
+        complete(lock);
+    }
+    subscriber.reset(); // its destructor may call anything
     subscription.reset();
 }
 
@@ -187,11 +202,12 @@ template <typename T, typename F>
 void CachedValuePublisher<T, F>::subscribe(std::shared_ptr<Subscriber<T>> newSubscriber) {
     if (!newSubscriber)
         throw std::invalid_argument(connector::detail::errors::nullSubscriber);
+    std::shared_ptr<CachedValuePublisher> keptAlive; // before the lock, so it is released after it
     Lock lock(mutex);
     if (subscriber)
         throw std::invalid_argument(connector::detail::errors::secondSubscription);
-    const auto newSubscription =
-        std::make_shared<CachedValueSubscription>(this->shared_from_this());
+    keptAlive = this->shared_from_this();
+    const auto newSubscription = std::make_shared<CachedValueSubscription>(keptAlive);
     subscription = newSubscription;
     subscriber = newSubscriber;
 
@@ -220,17 +236,17 @@ void CachedValuePublisher<T, F>::onNext(const T& value) {
         subscriber->onNext(value);
         return;
     }
-    while (!pending.empty() && pending.size() >= static_cast<std::uint64_t>(capacity))
+    pending.push_back(value); // first, since it can fail
+    while (pending.size() > 1 && pending.size() > static_cast<std::uint64_t>(capacity))
         pending.pop_front();
-    pending.push_back(value);
     drain(lock);
 }
 
-/// Delivers what is queued and asked for. REQUIRES: lock held, on entry and on return.
+/// Delivers queued values as long as there is demand. REQUIRES: lock held, on entry and on return.
 template <typename T, typename F>
 void CachedValuePublisher<T, F>::drain(Lock& lock) {
     if (draining)
-        return; // the loop that runs sees what changed
+        return; // the running loop sees the change
     const Draining running(*this, lock);
     while (isLive() && subscriber && demand > 0 && !pending.empty()) {
         --demand;
@@ -246,7 +262,7 @@ void CachedValuePublisher<T, F>::drain(Lock& lock) {
 template <typename T, typename F>
 void CachedValuePublisher<T, F>::request(std::uint64_t count) {
     Lock lock(mutex);
-    // Saturates: a demand that no counter can hold is no limit, not a small number.
+    // Saturates: a demand above the largest number means "no limit", not a small number.
     demand += std::min(count, std::numeric_limits<std::uint64_t>::max() - demand);
     drain(lock);
     completeIfDrained(lock);
@@ -257,8 +273,7 @@ void CachedValuePublisher<T, F>::cancel() {
     Lock lock(mutex);
     if (!isLive())
         return;
-    finish(lock, PublisherState::Cancelled);
-    onFinish();
+    end(lock, PublisherState::Cancelled);
 }
 
 template <typename T, typename F>
@@ -267,25 +282,44 @@ void CachedValuePublisher<T, F>::completeIfDrained(Lock& lock) {
         complete(lock);
 }
 
-/// Ends the stream well, unless it has ended. REQUIRES: lock held, on entry and on return.
+/// Ends the stream normally, unless it has ended. REQUIRES: lock held, on entry and on return.
+/// `lock` is not held when an exception leaves.
 template <typename T, typename F>
 void CachedValuePublisher<T, F>::complete(Lock& lock) {
     if (!isLive())
         return;
-    finish(lock, PublisherState::Completed);
-    if (subscriber)
-        subscriber->onComplete();
-    onFinish();
+    end(lock, PublisherState::Completed);
     lock.lock();
 }
 
-/// Makes the state final and tells the completion future. Releases `lock` first, since a
-/// continuation of that future may call anything, the publisher included.
+/// Makes the state final and tells all who have to know. Releases `lock` first, since they may call
+/// anything, the publisher included. The finish callback runs even if another one throws: through it
+/// the configuration forgets the stream.
 template <typename T, typename F>
-void CachedValuePublisher<T, F>::finish(Lock& lock, PublisherState finalState) {
+void CachedValuePublisher<T, F>::end(Lock& lock, PublisherState finalState) {
     state = finalState;
     lock.unlock();
-    completion.setValue(finalState == PublisherState::Completed);
+    const bool isCompleted = finalState == PublisherState::Completed;
+    const auto completeSubscriber = [&] {
+        if (isCompleted && subscriber)
+            subscriber->onComplete();
+    };
+    callBoth([&] { completion.setValue(isCompleted); },
+             [&] { callBoth(completeSubscriber, [&] { onFinish(); }); });
+}
+
+/// Calls `first`, then `second`, even if `first` throws. If both throw, the exception of `second`
+/// leaves.
+template <typename T, typename F>
+template <typename First, typename Second>
+void CachedValuePublisher<T, F>::callBoth(First first, Second second) {
+    try {
+        first();
+    } catch (...) {
+        second();
+        throw;
+    }
+    second();
 }
 
 } // namespace connector::reactive_streams

@@ -1,4 +1,4 @@
-/// The handle through which a result is read, and the factories of results that are known already.
+/// The handle through which a result is read, and the functions that make resolved futures.
 #pragma once
 
 #include <connector/async/SharedFutureState.hpp>
@@ -14,12 +14,12 @@
 
 namespace connector {
 
-/// A handle on a result of type T that is there already or will be. Handles are moved, not copied.
+/// A handle on a result of type T that exists already or will exist. Handles are moved, not copied.
 /// A handle may be used from any thread; two threads must not move the same handle at once.
 template <typename T>
 class CONNECTOR_EXPORT Future {
 public:
-    /// A future of nothing: not valid.
+    /// A future without a state: not valid.
     Future() = default;
 
     /// A future on `newState`; valid exactly when that is not null.
@@ -37,23 +37,33 @@ public:
         return *this;
     }
 
-    // Relaxed: whoever would see more of it would use a handle that is gone.
+    // Relaxed: to see the store, a thread would have to use a destroyed handle.
     ~Future() { isValid.store(false, std::memory_order_relaxed); }
 
-    /// Waits for the result, without a time limit, and takes it. The handle stays valid, but there
-    /// is nothing left to take: see detail::SharedFutureState::get for every outcome.
-    /// @throws std::runtime_error "Future state isn't valid!" when the handle was default-made,
-    ///         moved from or made from a null state
+    /// Waits for the result, without a time limit, and takes it. The handle stays valid; a second
+    /// call throws. See detail::SharedFutureState::get for every outcome.
+    /// @throws std::runtime_error "Future state isn't valid!" when the handle was default-constructed,
+    ///         moved from or constructed from a null state
     T get() { return validState()->get(); }
 
     /// @return whether the handle refers to a result
     bool valid() const { return isValid; }
 
-    /// Runs `callable` with a valid future on the result, once it is there: on the thread that
-    /// resolves it, or here and now when it is resolved already. Afterwards the result is the
-    /// callable's to take; get on this handle throws. See detail::SharedFutureState::setContinuation
-    /// for the failures; without a state, std::runtime_error "Future state isn't valid!".
-    /// @param callable  called once with Future<T>&; what it throws goes to whoever resolves
+    /// Attaches a continuation: runs `callable` with a valid future on the result when the result is
+    /// resolved, on the thread that resolves it. If it is resolved already, `callable` runs on this
+    /// thread before then returns. If it is cancelled, `callable` never runs.
+    ///
+    /// What get on this handle does afterwards:
+    /// - before the result is resolved, or if it is cancelled, get throws std::runtime_error "Future
+    ///   already returned it's value or has an associated continuation.";
+    /// - from the moment `callable` runs, the result belongs to whoever calls get first. If that is
+    ///   this handle, get in `callable` throws the same exception, and the other way round. A result
+    ///   that `callable` does not take stays available to this handle.
+    /// @param callable  called at most once, with Future<T>&. What it throws leaves the call that
+    ///         resolves the result, or then itself if the result is resolved already.
+    /// @throws std::runtime_error "Future state isn't valid!" as get does
+    /// @throws std::runtime_error "Future already returned it's value or has an associated
+    ///         continuation." when get was called before or another continuation is attached
     template <typename Callable>
     void then(Callable&& callable);
 
@@ -64,7 +74,7 @@ private:
         return state;
     }
 
-    // The copy keeps the state alive during the call, whatever happens to this handle.
+    // The copy keeps the state alive during the call even if this handle is destroyed.
     std::shared_ptr<detail::SharedFutureState<T>> keepState() const { return validState(); }
 
     std::shared_ptr<detail::SharedFutureState<T>> state;
@@ -97,19 +107,20 @@ void Future<T>::then(Callable&& callable) {
 
 namespace detail {
 
-struct Nobody {};
+struct SecondBase {};
 
-/// A state that is born with its result and does not know itself: it needs no weak reference to itself,
-/// which is for those who wait. std::make_shared sets one where there is one base class
-/// std::enable_shared_from_this, and where there are two it takes neither
-/// ([util.smartptr.shared.const]). An int is made and taken in a seventh less time without it.
+/// A state that is constructed with its result and has no weak pointer to itself. Only a reader that
+/// waits needs one. std::make_shared sets it if there is one base class std::enable_shared_from_this;
+/// with two, the name is ambiguous and it sets neither ([util.smartptr.shared.const]). To make and
+/// read a future of int takes a seventh less time without it.
 template <typename T>
-class ReadyState final : public SharedFutureState<T>, public std::enable_shared_from_this<Nobody> {
+class ReadyState final : public SharedFutureState<T>,
+                         public std::enable_shared_from_this<SecondBase> {
 public:
     using SharedFutureState<T>::SharedFutureState;
 };
 
-/// As makeReadyFuture, for those who have the value in a cell of its own already.
+/// As makeReadyFuture, for a value that is in a cell of its own already.
 /// @param value  not null
 template <typename T>
 Future<T> makeFutureOfCell(std::unique_ptr<T> value) {
@@ -124,15 +135,15 @@ Future<T> makeReadyFuture(T value) {
     return detail::makeFutureOfCell(std::make_unique<T>(std::move(value)));
 }
 
-/// @return a future that has failed with a copy of `exception` already: get throws it, with the type
-///         that it has here
+/// @return a future that has failed with a copy of `exception` already; get throws an exception of
+///         type `Exception`
 template <typename T, typename Exception>
 Future<T> makeFailedFuture(const Exception& exception) {
     return Future<T>(std::make_shared<detail::ReadyState<T>>(detail::WithException(),
                                                              std::make_exception_ptr(exception)));
 }
 
-// Instantiated in the library. The types of the core join where they are declared.
+// Instantiated in the library. Those for the types of the core are declared beside these types.
 extern template class CONNECTOR_EXPORT detail::SharedFutureState<bool>;
 extern template class CONNECTOR_EXPORT Future<bool>;
 extern template class CONNECTOR_EXPORT detail::SharedFutureState<std::set<std::string>>;

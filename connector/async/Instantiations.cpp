@@ -1,4 +1,4 @@
-/// The instantiations of results and streams whose types belong to nobody in particular.
+/// The instantiations of futures for types that no other header of the library declares.
 #include <connector/async/Promise.hpp>
 
 #include <set>

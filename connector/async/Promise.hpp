@@ -1,4 +1,4 @@
-/// The side that produces a result later than its future is handed out.
+/// The producer's side of a result that is not known yet when its future is returned.
 #pragma once
 
 #include <connector/async/Future.hpp>
@@ -11,9 +11,10 @@
 
 namespace connector {
 
-/// Resolves one result, at most once. A promise that goes before it has resolved its result fails it
-/// with std::runtime_error "Promise destroyed before it provided a value.".
-/// May be used from any thread; two threads must not move the same promise at once.
+/// Resolves one result, at most once. A promise that is destroyed before it has resolved its result
+/// fails it with std::runtime_error "Promise destroyed before it provided a value.".
+/// May be used from any thread; two threads must not move the same promise at once. A continuation
+/// that a call runs may destroy the promise.
 template <typename T>
 class CONNECTOR_EXPORT Promise {
 public:
@@ -25,14 +26,16 @@ public:
     /// The result that this promise had is abandoned as by the destructor.
     Promise& operator=(Promise&& other) noexcept {
         if (this != &other) {
-            abandon();
+            // Abandoned last, because a continuation may destroy both promises.
+            const Promise former(std::move(*this));
             state = std::move(other.state);
             isValid = other.isValid.exchange(false);
         }
         return *this;
     }
 
-    /// An exception that a continuation throws here ends the program, as in every destructor.
+    /// Needs no memory. An exception that a continuation throws ends the program, as in every
+    /// destructor.
     ~Promise() { abandon(); }
 
     /// Resolves the result with a value; see detail::SharedFutureState::setValue.
@@ -57,7 +60,7 @@ private:
         return state;
     }
 
-    // The exchange lets exactly one party abandon the state.
+    // The exchange lets exactly one thread abandon the state.
     void abandon() noexcept {
         if (isValid.exchange(false))
             std::exchange(state, nullptr)->abandon();

@@ -1,26 +1,32 @@
-/// The slot in which one result waits for its reader.
+/// The state that a Promise and its Future share.
 ///
 /// A state is resolved once, by a Promise or by a factory such as makeReadyFuture, and read once,
-/// through a Future. It lives as long as a handle on it does. Everything here may be called from any
-/// thread; the state's own mutex is never held while a continuation runs or a waiter is woken.
+/// through a Future. Everything here may be called from any thread. The mutex of the state is never
+/// held while a continuation runs or a waiting thread is woken.
+///
+/// Whoever calls a state directly keeps it alive during the call, with one exception: a continuation
+/// that the call runs may drop the last pointer to the state.
 ///
 ///     Pending --setValue-----------------> Value       (final)
 ///        |----setException, abandon------> Exception   (final)
 ///        '----cancel---------------------> Cancelled   (final)
 ///
-/// Most results are resolved before anybody holds a Future on them, so the costs that count are two
-/// allocations (this object with its control block; the cell of the result) and one lock.
+/// Most states are resolved before their Future exists. Such a result costs two allocations (this
+/// object with its control block; the cell of the result), and reading it one lock.
 #pragma once
 
 #include <connector/Export.hpp>
 #include <connector/async/detail/Errors.hpp>
+#include <connector/async/detail/PreallocatedResults.hpp>
 
 #include <condition_variable>
 #include <cstdint>
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
 
 namespace connector {
@@ -31,27 +37,28 @@ class Future;
 namespace detail {
 
 enum class FutureStatus : std::uint32_t {
-    Pending = 0,   ///< no result yet; readers wait
+    Pending = 0,   ///< no result yet; get waits
     Value = 1,     ///< holds a T
     Exception = 2, ///< holds a std::exception_ptr
     Cancelled = 3, ///< will never hold a result
 };
 
-/// What runs when a state is resolved. The state owns it, and deletes it after it has run or, if it
-/// never ran, in its own destructor.
+/// What runs when a state is resolved. The state owns it. It deletes it after it has run or, if it
+/// never ran, in the state's destructor.
 template <typename T>
 class CONNECTOR_EXPORT FutureContinuation {
 public:
     virtual ~FutureContinuation() = default;
 
-    /// Called at most once, without any lock held, on the thread that resolved the state (or that
-    /// attached the continuation, if the state was resolved already).
-    /// @param future  a valid future on the state; it lives only as long as the call
+    /// Called at most once, without the mutex of the state, on the thread that resolves the state,
+    /// or on the thread that attaches the continuation if the state is resolved already. It may use
+    /// the state, and drop the last pointer to it.
+    /// @param future  a valid future on the state; it is destroyed after the call
     virtual void invoke(Future<T>& future) = 0;
 };
 
-struct WithValue {};     ///< chooses the state that is born with a value
-struct WithException {}; ///< chooses the state that is born with an exception
+struct WithValue {};     ///< selects the constructor of a state that already has a value
+struct WithException {}; ///< selects the constructor of a state that already has an exception
 
 template <typename T>
 class CONNECTOR_EXPORT SharedFutureState
@@ -60,8 +67,8 @@ public:
     /// A pending state. getFuture and continuations need it to be owned by a std::shared_ptr.
     SharedFutureState() = default;
 
-    /// A state that is born with its result. Nobody knows it yet, so it takes no lock and wakes nobody,
-    /// which is a third of what a result costs that is known already: most are.
+    /// A state that is constructed with its result. No other thread knows it yet, so the constructor
+    /// takes no lock and wakes no thread, which saves a third of the time of makeReadyFuture.
     /// @param value  not null; becomes the cell of the result
     SharedFutureState(WithValue, std::unique_ptr<T>&& value)
         : result(value.release()), status(FutureStatus::Value) {}
@@ -73,11 +80,14 @@ public:
     SharedFutureState(const SharedFutureState&) = delete;
     SharedFutureState& operator=(const SharedFutureState&) = delete;
 
-    /// Resolves with a value; runs the continuation, if there is one, before it returns.
+    /// Resolves with a value, and runs the continuation, if there is one, before it returns.
     /// On a cancelled state the value is dropped.
     /// @throws std::runtime_error "Promise already resolved." when there is a result already
-    /// @throws std::bad_weak_ptr when a continuation is to run and no std::shared_ptr owns the state
-    /// @throws what the continuation throws
+    /// @throws std::bad_alloc when there is no memory for the cell of the result; the state is
+    ///         unchanged. Never for a bool: see detail::PreallocatedResults
+    /// @throws std::bad_weak_ptr when a continuation is to run and no std::shared_ptr owns the
+    ///         state; the state is resolved
+    /// @throws what the continuation throws; the state is resolved
     void setValue(T value);
 
     /// Resolves with an exception; otherwise as setValue.
@@ -93,26 +103,32 @@ public:
     /// @return the value, moved out of the state
     /// @throws the stored exception itself
     /// @throws std::runtime_error "Future already returned it's value or has an associated
-    ///         continuation." at once, when get was called before or a continuation waits here
+    ///         continuation." without waiting, when get was called before or a continuation is
+    ///         attached
     /// @throws std::runtime_error "Future has been cancelled."
     T get();
 
-    /// Says that nobody will resolve this state any more: a pending one fails with
-    /// std::runtime_error "Promise destroyed before it provided a value.". Waiters are woken in
-    /// any case.
+    /// Resolves a pending state with std::runtime_error "Promise destroyed before it provided a
+    /// value.", and runs the continuation, if there is one. Wakes waiting threads whatever the status
+    /// is. Needs no memory: destructors call it.
+    /// @throws what setValue throws, but neither std::runtime_error nor std::bad_alloc of its own
     void abandon();
 
-    /// Attaches what is to run when the state is resolved; when it is resolved already, runs it at
-    /// once, on this thread. A continuation of a cancelled state never runs.
-    /// @throws std::runtime_error "Future already returned it's value or has an associated
-    ///         continuation." when get was called before or another continuation waits here
+    /// Attaches a continuation. If the state has a result already, the continuation runs at once, on
+    /// this thread. A continuation of a cancelled state never runs.
+    ///
+    /// Before a continuation runs, it is detached and the state is reset to "nothing taken": whoever
+    /// calls get first then has the result, be it the continuation, through its future, or another
+    /// holder of the state.
+    /// @param self  the state; needed for a ReadyState, which has no weak pointer to itself
     /// @throws std::invalid_argument "A null continuation cannot be attached."
-    /// @throws std::bad_weak_ptr and what the continuation throws, when it is run at once
-    /// @param self  the state, for one that does not know itself: see ReadyState
+    /// @throws std::runtime_error "Future already returned it's value or has an associated
+    ///         continuation." when get was called before or another continuation is attached
+    /// @throws std::bad_weak_ptr and what the continuation throws, when it runs at once
     void setContinuation(std::unique_ptr<FutureContinuation<T>> newContinuation,
                          std::shared_ptr<SharedFutureState> self = nullptr);
 
-    /// Gives the result up, if it is still pending, and wakes the waiters.
+    /// Cancels a pending state and wakes waiting threads.
     /// @return whether the state was pending and is now cancelled
     bool cancel();
 
@@ -122,6 +138,11 @@ private:
     /// `Result` is T with status Value or std::exception_ptr with status Exception; it is moved from.
     template <typename Result>
     void resolve(FutureStatus newStatus, Result&& newResult);
+    template <typename Result>
+    static Result* makeCell(Result&& newResult);
+    static std::exception_ptr* makeAbandonedCell();
+    template <typename Result>
+    void deleteCell();
     void announce(Lock& lock, std::shared_ptr<SharedFutureState> self = nullptr);
     void runContinuation(Lock& lock, std::shared_ptr<SharedFutureState> self);
 
@@ -129,30 +150,41 @@ private:
         return status == FutureStatus::Value || status == FutureStatus::Exception;
     }
 
-    std::mutex mutex; // guards everything below; the innermost lock: nothing is taken under it
+    std::mutex mutex; // guards everything below; no other lock is taken while it is held
     std::condition_variable condition; // signalled whenever the state is resolved
-    void* result = nullptr; // owns a T or a std::exception_ptr, as status says; null otherwise
+    void* result = nullptr; // owns a T or a std::exception_ptr, as status says, unless it is one of
+                            // the preallocated results; null otherwise
     std::unique_ptr<FutureContinuation<T>> continuation;
     FutureStatus status = FutureStatus::Pending;
     bool futureRetrieved = false;
-    bool valueTaken = false; // get was called: the value is gone or about to go
+    bool valueTaken = false; // get was called: the value is taken, or get waits for it
 };
 
 } // namespace detail
 } // namespace connector
 
-// The definitions below make futures, so whoever includes this header gets their class, too.
+// The definitions below need the class Future.
 #include <connector/async/Future.hpp>
 
 namespace connector::detail {
 
 template <typename T>
 SharedFutureState<T>::~SharedFutureState() {
-    // No lock: whoever let the last handle go has seen everything that was done through the others.
+    // No lock: the last pointer was dropped after all that was done through the others.
     if (status == FutureStatus::Value)
-        delete static_cast<T*>(result);
+        deleteCell<T>();
     else if (status == FutureStatus::Exception)
-        delete static_cast<std::exception_ptr*>(result);
+        deleteCell<std::exception_ptr>();
+}
+
+template <typename T>
+template <typename Result>
+void SharedFutureState<T>::deleteCell() {
+    constexpr bool canBePreallocated =
+        std::is_same_v<Result, bool> || std::is_same_v<Result, std::exception_ptr>;
+    if (canBePreallocated && preallocatedResults.contains(result))
+        return;
+    delete static_cast<Result*>(result);
 }
 
 template <typename T>
@@ -175,26 +207,40 @@ void SharedFutureState<T>::resolve(FutureStatus newStatus, Result&& newResult) {
         return;
     if (status != FutureStatus::Pending)
         throw std::runtime_error(errors::alreadyResolved);
-    result = new Result(std::move(newResult));
+    result = makeCell(std::move(newResult));
     status = newStatus;
     announce(lock);
 }
 
-/// Tells the continuation, or else the waiters, that the state changed. Leaves `lock` released: what
-/// runs or wakes now may use the state.
+/// Allocates the cell of a result. For a bool it cannot fail.
+template <typename T>
+template <typename Result>
+Result* SharedFutureState<T>::makeCell(Result&& newResult) {
+    if constexpr (std::is_same_v<Result, bool>) {
+        bool* const cell = new (std::nothrow) bool(newResult);
+        return cell != nullptr ? cell : preallocatedResults.value(newResult);
+    } else {
+        return new Result(std::move(newResult));
+    }
+}
+
+/// Tells the continuation, or else waiting threads, that the state changed. Releases `lock` first,
+/// because both use the state. The state may be gone on return if a continuation ran.
 template <typename T>
 void SharedFutureState<T>::announce(Lock& lock, std::shared_ptr<SharedFutureState> self) {
-    if (continuation && hasResult())
+    if (continuation && hasResult()) {
+        // No thread waits: get refuses to wait beside a continuation, and the other way round.
         runContinuation(lock, std::move(self));
-    else
-        lock.unlock();
+        return;
+    }
+    lock.unlock();
     condition.notify_all();
 }
 
+/// REQUIRES: lock held, a continuation. Releases `lock`. The state may be gone on return.
 template <typename T>
 void SharedFutureState<T>::runContinuation(Lock& lock, std::shared_ptr<SharedFutureState> self) {
     const std::unique_ptr<FutureContinuation<T>> runNow = std::move(continuation);
-    // The continuation reads the result as if nobody had asked for it before.
     futureRetrieved = false;
     valueTaken = false;
     lock.unlock();
@@ -244,11 +290,21 @@ template <typename T>
 void SharedFutureState<T>::abandon() {
     Lock lock(mutex);
     if (status == FutureStatus::Pending) {
-        result = new std::exception_ptr(
-            std::make_exception_ptr(std::runtime_error(errors::promiseAbandoned)));
+        result = makeAbandonedCell();
         status = FutureStatus::Exception;
     }
     announce(lock);
+}
+
+/// The exception of an abandoned promise, in a cell of its own as long as there is memory.
+template <typename T>
+std::exception_ptr* SharedFutureState<T>::makeAbandonedCell() {
+    try {
+        return new std::exception_ptr(
+            std::make_exception_ptr(std::runtime_error(errors::promiseAbandoned)));
+    } catch (const std::bad_alloc&) {
+        return preallocatedResults.abandoned();
+    }
 }
 
 template <typename T>

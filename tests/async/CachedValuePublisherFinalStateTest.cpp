@@ -149,10 +149,19 @@ TEST(CachedValuePublisherCompleting, WhatOnCompleteThrowsGoesToWhoeverRequests) 
     setState(*stream.publisher, PublisherState::Completing);
     stream.subscriber->inOnComplete = [] { throw std::runtime_error("no"); };
     expectThrows<std::runtime_error>("no", [&] { stream.request(1); });
-    EXPECT_EQ((Events{"onNext 1", "onComplete"}), stream.take());
+    EXPECT_EQ((Events{"onNext 1", "onComplete", "finish"}), stream.take());
     test::onAnotherThread([&] { stream.offer({2}); }); // the lock was released
     stream.destroy();
     EXPECT_EQ(Events(), stream.take());
+}
+
+TEST(CachedValuePublisherCompleting, EveryStepOfTheEndRunsWhenAContinuationThrows) {
+    SubscribedStream stream;
+    stream.publisher->completionFuture().then(
+        [](Future<bool>&) { throw std::runtime_error("thrown by the continuation"); });
+    setState(*stream.publisher, PublisherState::Completing);
+    expectThrows<std::runtime_error>("thrown by the continuation", [&] { stream.request(1); });
+    EXPECT_EQ((Events{"onComplete", "finish"}), stream.take());
 }
 
 TEST(CachedValuePublisherErrored, NothingReachesTheSubscriberAnyMore) {

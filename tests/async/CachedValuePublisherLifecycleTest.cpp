@@ -207,6 +207,27 @@ TEST(CachedValuePublisherLifecycle, WhatFinishThrowsGoesToWhoeverCancels) {
     EXPECT_EQ(Events(), stream.take());
 }
 
+TEST(CachedValuePublisherLifecycle, FinishRunsWhenAContinuationThrowsFromCancel) {
+    SubscribedStream stream;
+    stream.publisher->completionFuture().then(
+        [](Future<bool>&) { throw std::runtime_error("thrown by the continuation"); });
+    expectThrows<std::runtime_error>("thrown by the continuation", [&] { stream.cancel(); });
+    EXPECT_EQ((Events{"finish"}), stream.take());
+    stream.offer({1});
+    stream.request(1);
+    stream.cancel();
+    stream.destroy();
+    EXPECT_EQ(Events(), stream.take());
+}
+
+TEST(CachedValuePublisherLifecycle, IfAContinuationAndFinishThrowTheExceptionOfFinishLeaves) {
+    SubscribedStream stream;
+    stream.publisher->completionFuture().then(
+        [](Future<bool>&) { throw std::runtime_error("thrown by the continuation"); });
+    stream.inFinish = [] { throw std::runtime_error("thrown by finish"); };
+    expectThrows<std::runtime_error>("thrown by finish", [&] { stream.cancel(); });
+}
+
 TEST(CachedValuePublisherLifecycle, OneOnTheStackCompletesAtTheEndOfItsScope) {
     Events events;
     std::optional<Future<bool>> outcome;

@@ -94,6 +94,52 @@ TEST(FutureContinuationLifetime, OneThatIsRefusedIsDestroyed) {
     EXPECT_EQ((Events{"destroyed"}), events);
 }
 
+TEST(FutureContinuationLifetime, TheLastOwnerOfTheStateMayGoWhileItRuns) {
+    using Resolve = std::function<void(State&)>;
+    const std::vector<Resolve> operations{[](State& state) { state.setValue(1); },
+                                          [](State& state) { state.setException(failure("no")); },
+                                          [](State& state) { state.abandon(); }};
+    for (const Resolve& resolve : operations) {
+        Events events;
+        auto state = std::make_shared<State>();
+        const std::weak_ptr<State> watched = state;
+        auto dropping = std::make_unique<Witness>(events);
+        dropping->inInvoke = [&](Future<int>&) { state.reset(); };
+        state->setContinuation(std::move(dropping));
+        resolve(*state);
+        EXPECT_TRUE(watched.expired());
+        EXPECT_EQ((Events{"invoked", "destroyed"}), events);
+    }
+}
+
+TEST(FutureContinuationLifetime, TheLastOwnerOfAResolvedStateMayGoWhileItRuns) {
+    Events events;
+    auto state = std::make_shared<State>();
+    state->setValue(1);
+    auto dropping = std::make_unique<Witness>(events);
+    dropping->inInvoke = [&](Future<int>&) { state.reset(); };
+    state->setContinuation(std::move(dropping));
+    EXPECT_EQ((Events{"invoked", "destroyed"}), events);
+}
+
+TEST(FutureContinuationLifetime, TheHandleThatAttachedItMayGoWhileItRuns) {
+    std::unique_ptr<Future<int>> handle;
+    int seen = 0;
+    const auto dropAndRead = [&](Future<int>& ready) {
+        handle.reset();
+        seen = ready.get();
+    };
+    handle = std::make_unique<Future<int>>(makeReadyFuture(7));
+    handle->then(dropAndRead);
+    EXPECT_EQ(7, seen);
+
+    const auto state = std::make_shared<State>();
+    handle = std::make_unique<Future<int>>(state->getFuture());
+    handle->then(dropAndRead);
+    state->setValue(8);
+    EXPECT_EQ(8, seen);
+}
+
 TEST(FutureContinuationWithoutOwner, ResolvingCannotRunItButKeepsTheValue) {
     Events events;
     State state;

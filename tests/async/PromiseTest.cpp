@@ -228,6 +228,26 @@ TEST(Promise, ItMayGoWhileAContinuationOfItsOwnRuns) {
     EXPECT_EQ(1, seen);
 }
 
+TEST(Promise, AContinuationMayDestroyThePromiseThatIsAssignedOver) {
+    auto target = std::make_unique<Promise<int>>();
+    Promise<int> source;
+    Future<int> future = source.getFuture();
+    target->getFuture().then([&](Future<int>&) { target.reset(); });
+    Promise<int>& alias = *target;
+    alias = std::move(source);
+    expectThrows<std::runtime_error>(abandoned, [&] { future.get(); });
+}
+
+TEST(Promise, AContinuationMayDestroyThePromiseThatIsAssignedFrom) {
+    Promise<int> target;
+    auto source = std::make_unique<Promise<int>>();
+    Future<int> future = source->getFuture();
+    target.getFuture().then([&](Future<int>&) { source.reset(); });
+    target = std::move(*source);
+    target.setValue(1);
+    EXPECT_EQ(1, future.get());
+}
+
 TEST(PromiseDeathTest, AContinuationThatThrowsInTheDestructorEndsTheProgram) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_DEATH(

@@ -33,6 +33,15 @@ void* allocate(std::size_t size, std::align_val_t alignment) {
     return orBadAlloc(std::aligned_alloc(unit, units * unit));
 }
 
+template <typename Allocate>
+void* nullInsteadOfBadAlloc(Allocate action) {
+    try {
+        return action();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 } // namespace
 
 std::size_t test::allocationCount() {
@@ -43,7 +52,6 @@ void test::failAllocation(std::size_t number) {
     failingNumber = number;
 }
 
-// The operators that take std::nothrow are not replaced: the standard library's call these.
 void* operator new(std::size_t size) {
     return allocate(size);
 }
@@ -55,6 +63,19 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
 }
 void* operator new[](std::size_t size, std::align_val_t alignment) {
     return allocate(size, alignment);
+}
+// The sanitizers' own operators for std::nothrow do not call those above.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return nullInsteadOfBadAlloc([&] { return allocate(size); });
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return nullInsteadOfBadAlloc([&] { return allocate(size); });
+}
+void* operator new(std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return nullInsteadOfBadAlloc([&] { return allocate(size, alignment); });
+}
+void* operator new[](std::size_t size, std::align_val_t alignment, const std::nothrow_t&) noexcept {
+    return nullInsteadOfBadAlloc([&] { return allocate(size, alignment); });
 }
 void operator delete(void* memory) noexcept {
     std::free(memory);

@@ -1,0 +1,405 @@
+/// Futures, promises and publishers when no memory is left. Replaces operator new.
+///
+/// Each test makes every allocation of one operation fail in turn. The operation either throws
+/// std::bad_alloc and has changed nothing, or needs no memory to succeed.
+#include <connector/async/CachedValuePublisher.hpp>
+#include <connector/async/Promise.hpp>
+
+#include "async/Texts.hpp"
+#include "support/AllocationCount.hpp"
+#include "support/AllocationFailure.hpp"
+#include "support/Expect.hpp"
+
+#include <gtest/gtest.h>
+
+#include <exception>
+#include <functional>
+#include <memory>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace connector {
+
+using reactive_streams::CachedValuePublisher;
+using reactive_streams::Subscriber;
+using reactive_streams::Subscription;
+using test::AllocationFailure;
+using test::expectThrows;
+using test::failEveryAllocation;
+
+namespace {
+
+using Text = std::string;
+using State = detail::SharedFutureState<Text>;
+
+const Text longText(1000, 'x');
+
+const auto nothing = [](auto&) {};
+
+/// A promise with the future that was taken from it.
+struct PromiseAndFuture {
+    Promise<Text> promise;
+    Future<Text> future = promise.getFuture();
+};
+
+std::optional<Future<Text>> noFuture() {
+    return std::nullopt;
+}
+
+/// A stream of texts that counts what happens. It records without memory.
+class TextStream {
+public:
+    explicit TextStream(int capacity)
+        : publisher(std::make_shared<CachedValuePublisher<Text>>([this] { ++finishes; }, capacity)),
+          subscriber(std::make_shared<Counting>(*this)) {}
+
+    void request(std::uint64_t count) { subscription.lock()->request(count); }
+    void cancel() { subscription.lock()->cancel(); }
+
+    int subscriptions = 0;
+    int completions = 0;
+    int finishes = 0;
+    std::vector<Text> values;
+    std::weak_ptr<Subscription> subscription;
+
+private:
+    class Counting final : public Subscriber<Text> {
+    public:
+        explicit Counting(TextStream& newStream) : stream(newStream) {}
+        void onSubscribe(std::weak_ptr<Subscription> newSubscription) override {
+            stream.subscription = std::move(newSubscription);
+            ++stream.subscriptions;
+        }
+        void onComplete() override { ++stream.completions; }
+        void onNext(const Text& value) override { stream.values.push_back(value); }
+        void onError(std::exception_ptr) override {}
+
+    private:
+        TextStream& stream;
+    };
+
+public:
+    std::shared_ptr<CachedValuePublisher<Text>> publisher;
+    std::shared_ptr<Subscriber<Text>> subscriber;
+};
+
+std::unique_ptr<TextStream> newStream(int capacity = 1) {
+    return std::make_unique<TextStream>(capacity);
+}
+
+std::unique_ptr<TextStream> subscribedStream(int capacity = 1) {
+    auto stream = newStream(capacity);
+    stream->publisher->subscribe(stream->subscriber);
+    return stream;
+}
+
+/// Fills the queue with "1", "2", ... until a value more would have to allocate.
+int fillUntilTheNextValueAllocates(TextStream& stream) {
+    for (int count = 0;; ++count) {
+        const std::size_t before = test::allocationCount();
+        stream.publisher->onNext(std::to_string(count));
+        if (test::allocationCount() != before)
+            return count + 1;
+    }
+}
+
+} // namespace
+
+TEST(FutureMemoryRunsOut, MakingAReadyFutureGivesNone) {
+    EXPECT_EQ(2u,
+              failEveryAllocation(
+                  [] { return std::pair(noFuture(), longText); },
+                  [](auto& subject) { subject.first = makeReadyFuture(std::move(subject.second)); },
+                  [](auto& subject) { EXPECT_FALSE(subject.first.has_value()); },
+                  [](auto& subject) { EXPECT_EQ(longText, subject.first->get()); }));
+}
+
+TEST(FutureMemoryRunsOut, MakingAFailedFutureGivesNone) {
+    const std::runtime_error exception("the copies of an exception share their text");
+    EXPECT_EQ(2u, failEveryAllocation(
+                      noFuture, [&](auto& future) { future = makeFailedFuture<Text>(exception); },
+                      [](auto& future) { EXPECT_FALSE(future.has_value()); },
+                      [](auto& future) { EXPECT_THROW(future->get(), std::runtime_error); }));
+}
+
+TEST(FutureMemoryRunsOut, ReadingAndMovingNeedNoMemory) {
+    const auto makeFuture = [] { return makeReadyFuture(longText); };
+    EXPECT_EQ(0u, failEveryAllocation(
+                      makeFuture,
+                      [](auto& future) {
+                          Future<Text> moved = std::move(future);
+                          future = std::move(moved);
+                          if (future.get().size() != longText.size())
+                              throw std::logic_error("another text");
+                      },
+                      nothing, nothing));
+}
+
+TEST(FutureMemoryRunsOut, AContinuationThatCannotBeAttachedLeavesTheFuture) {
+    struct Subject : PromiseAndFuture {
+        Text seen;
+    };
+    const std::size_t failures =
+        failEveryAllocation([] { return std::make_unique<Subject>(); },
+                            [](auto& subject) {
+                                subject->future.then([&seen = subject->seen](Future<Text>& ready) {
+                                    seen = ready.get();
+                                });
+                            },
+                            [](auto& subject) {
+                                subject->promise.setValue(longText);
+                                EXPECT_EQ(longText, subject->future.get());
+                            },
+                            [](auto& subject) {
+                                subject->promise.setValue(longText);
+                                EXPECT_EQ(longText, subject->seen);
+                            });
+    EXPECT_EQ(1u, failures);
+}
+
+TEST(PromiseMemoryRunsOut, AValueThatCannotBeStoredLeavesThePromisePending) {
+    const std::size_t failures =
+        failEveryAllocation([] { return std::make_unique<PromiseAndFuture>(); },
+                            [](auto& subject) { subject->promise.setValue(longText); },
+                            [](auto& subject) {
+                                subject->promise.setValue("another");
+                                EXPECT_EQ("another", subject->future.get());
+                            },
+                            [](auto& subject) { EXPECT_EQ(longText, subject->future.get()); });
+    EXPECT_EQ(2u, failures); // the copy of the text, the cell
+}
+
+TEST(PromiseMemoryRunsOut, AnExceptionThatCannotBeStoredLeavesThePromisePending) {
+    const auto exception = std::make_exception_ptr(std::out_of_range("far"));
+    const std::size_t failures = failEveryAllocation(
+        [] { return std::make_unique<PromiseAndFuture>(); },
+        [&](auto& subject) { subject->promise.setException(exception); },
+        [](auto& subject) {
+            subject->promise.setValue("another");
+            EXPECT_EQ("another", subject->future.get());
+        },
+        [](auto& subject) { EXPECT_THROW(subject->future.get(), std::out_of_range); });
+    EXPECT_EQ(1u, failures);
+}
+
+TEST(PromiseMemoryRunsOut, AFailedResolutionRunsNoContinuation) {
+    struct Subject : PromiseAndFuture {
+        Subject() {
+            future.then([this](Future<Text>& ready) {
+                ++calls;
+                seen = ready.get();
+            });
+        }
+        int calls = 0;
+        Text seen;
+    };
+    failEveryAllocation([] { return std::make_unique<Subject>(); },
+                        [](auto& subject) { subject->promise.setValue(longText); },
+                        [](auto& subject) {
+                            EXPECT_EQ(0, subject->calls);
+                            subject->promise.setValue("another");
+                            EXPECT_EQ("another", subject->seen);
+                        },
+                        [](auto& subject) { EXPECT_EQ(1, subject->calls); });
+}
+
+TEST(PromiseMemoryRunsOut, ABoolIsAlwaysStored) {
+    for (const bool value : {false, true}) {
+        const auto makePromise = [] { return Promise<bool>(); };
+        const std::size_t failures = failEveryAllocation(
+            makePromise, [&](auto& promise) { promise.setValue(value); },
+            [](auto&) { ADD_FAILURE() << "a bool was not stored"; },
+            [&](auto& promise) { EXPECT_EQ(value, promise.getFuture().get()); });
+        EXPECT_EQ(1u, failures);
+    }
+}
+
+TEST(PromiseMemoryRunsOut, DestroyingItFailsItsFutureAllTheSame) {
+    struct Subject {
+        std::optional<Promise<Text>> promise{std::in_place};
+        Future<Text> future = promise->getFuture();
+    };
+    const std::size_t failures = failEveryAllocation(
+        [] { return std::make_unique<Subject>(); }, [](auto& subject) { subject->promise.reset(); },
+        [](auto&) { ADD_FAILURE() << "a destructor has thrown"; },
+        [](auto& subject) {
+            expectThrows<std::runtime_error>(test::abandoned, [&] { subject->future.get(); });
+        });
+    EXPECT_GE(failures, 2u); // the text of the exception, the cell
+}
+
+TEST(PromiseMemoryRunsOut, AssigningOverItFailsItsFutureAllTheSame) {
+    const std::size_t failures = failEveryAllocation(
+        [] { return std::make_unique<std::pair<PromiseAndFuture, Promise<Text>>>(); },
+        [](auto& subject) { subject->first.promise = std::move(subject->second); },
+        [](auto&) { ADD_FAILURE() << "an assignment has thrown"; },
+        [](auto& subject) {
+            expectThrows<std::runtime_error>(test::abandoned, [&] { subject->first.future.get(); });
+            subject->first.promise.setValue("another");
+        });
+    EXPECT_GE(failures, 2u);
+}
+
+TEST(PromiseMemoryRunsOut, MakingAPromiseGivesNone) {
+    EXPECT_EQ(1u, failEveryAllocation([] { return std::optional<Promise<Text>>(); },
+                                      [](auto& promise) { promise.emplace(); },
+                                      [](auto& promise) { EXPECT_FALSE(promise.has_value()); },
+                                      [](auto& promise) { promise->setValue(longText); }));
+}
+
+TEST(PromiseMemoryRunsOut, HandingOutTheFutureNeedsNoMemory) {
+    EXPECT_EQ(0u,
+              failEveryAllocation([] { return Promise<Text>(); },
+                                  [](auto& promise) { promise.getFuture(); }, nothing, nothing));
+}
+
+TEST(SharedFutureStateMemoryRunsOut, CancellingNeedsNoMemory) {
+    EXPECT_EQ(0u, failEveryAllocation([] { return std::make_shared<State>(); },
+                                      [](auto& state) { state->cancel(); }, nothing,
+                                      [](auto& state) { EXPECT_FALSE(state->cancel()); }));
+}
+
+TEST(SharedFutureStateMemoryRunsOut, AbandoningFailsItAllTheSame) {
+    const std::size_t failures = failEveryAllocation(
+        [] { return std::make_shared<State>(); }, [](auto& state) { state->abandon(); },
+        [](auto&) { ADD_FAILURE() << "abandon has thrown"; },
+        [](auto& state) {
+            expectThrows<std::runtime_error>(test::abandoned, [&] { state->get(); });
+        });
+    EXPECT_GE(failures, 2u);
+}
+
+TEST(SharedFutureStateMemoryRunsOut, StatesShareThePreallocatedException) {
+    const auto abandonedWithoutMemory = [] {
+        auto state = std::make_shared<State>();
+        const AllocationFailure failure(1);
+        state->abandon();
+        return state;
+    };
+    const auto first = abandonedWithoutMemory();
+    const auto second = abandonedWithoutMemory();
+    expectThrows<std::runtime_error>(test::abandoned, [&] { first->get(); });
+    expectThrows<std::runtime_error>(test::abandoned, [&] { second->get(); });
+}
+
+TEST(CachedValuePublisherMemoryRunsOut, ConstructingItLeaksNothing) {
+    const std::size_t failures = failEveryAllocation(
+        [] { return std::shared_ptr<CachedValuePublisher<Text>>(); },
+        [](auto& publisher) { publisher = std::make_shared<CachedValuePublisher<Text>>([] {}, 1); },
+        [](auto& publisher) { EXPECT_EQ(nullptr, publisher); },
+        [](auto& publisher) { publisher->onNext(longText); });
+    EXPECT_GE(failures, 2u); // the publisher, the state of its promise
+}
+
+TEST(CachedValuePublisherMemoryRunsOut, AFailedSubscriptionLeavesTheStreamFree) {
+    const std::size_t failures =
+        failEveryAllocation([] { return newStream(); },
+                            [](auto& stream) { stream->publisher->subscribe(stream->subscriber); },
+                            [](auto& stream) {
+                                EXPECT_EQ(0, stream->subscriptions);
+                                stream->publisher->subscribe(stream->subscriber);
+                                EXPECT_EQ(1, stream->subscriptions);
+                            },
+                            [](auto& stream) { EXPECT_EQ(1, stream->subscriptions); });
+    EXPECT_EQ(1u, failures);
+}
+
+TEST(CachedValuePublisherMemoryRunsOut, AnOfferThatFailsLeavesTheQueue) {
+    for (const int capacity : {0, 1, 3}) {
+        const std::size_t failures = failEveryAllocation(
+            [&] {
+                auto stream = subscribedStream(capacity);
+                stream->publisher->onNext("kept");
+                return stream;
+            },
+            [](auto& stream) { stream->publisher->onNext(longText); },
+            [](auto& stream) {
+                stream->request(3);
+                EXPECT_EQ(std::vector<Text>{"kept"}, stream->values);
+            },
+            [](auto& stream) {
+                stream->request(3);
+                EXPECT_EQ(longText, stream->values.back());
+            });
+        EXPECT_EQ(1u, failures); // the copy of the text
+    }
+}
+
+TEST(CachedValuePublisherMemoryRunsOut, AQueueThatCannotGrowKeepsWhatItHas) {
+    const int first = fillUntilTheNextValueAllocates(*subscribedStream(-1));
+    const std::size_t failures = failEveryAllocation(
+        [&] {
+            auto stream = subscribedStream(-1);
+            for (int value = 1; value < first; ++value)
+                stream->publisher->onNext("kept");
+            return stream;
+        },
+        [](auto& stream) { stream->publisher->onNext("new"); },
+        [&](auto& stream) {
+            stream->request(1000);
+            EXPECT_EQ(std::vector<Text>(first - 1, "kept"), stream->values);
+        },
+        [&](auto& stream) {
+            stream->request(1000);
+            EXPECT_EQ("new", stream->values.back());
+        });
+    EXPECT_GE(failures, 1u);
+}
+
+TEST(CachedValuePublisherMemoryRunsOut, RequestingNeedsNoMemory) {
+    const std::size_t failures = failEveryAllocation(
+        [] {
+            auto stream = subscribedStream();
+            stream->publisher->onNext("kept"); // short: its copies need no memory
+            stream->values.reserve(1);
+            return stream;
+        },
+        [](auto& stream) { stream->request(1); }, nothing,
+        [](auto& stream) { EXPECT_EQ(std::vector<Text>{"kept"}, stream->values); });
+    EXPECT_EQ(0u, failures);
+}
+
+TEST(CachedValuePublisherMemoryRunsOut, CancellingEndsTheStreamAllTheSame) {
+    struct Subject {
+        std::unique_ptr<TextStream> stream = subscribedStream();
+        Future<bool> outcome = stream->publisher->completionFuture();
+    };
+    const std::size_t failures =
+        failEveryAllocation([] { return std::make_unique<Subject>(); },
+                            [](auto& subject) { subject->stream->cancel(); },
+                            [](auto&) { ADD_FAILURE() << "cancel has thrown"; },
+                            [](auto& subject) {
+                                EXPECT_EQ(1, subject->stream->finishes);
+                                EXPECT_FALSE(subject->outcome.get());
+                            });
+    EXPECT_EQ(1u, failures);
+}
+
+TEST(CachedValuePublisherMemoryRunsOut, DestroyingItEndsTheStreamAllTheSame) {
+    struct Subject {
+        std::unique_ptr<TextStream> stream = subscribedStream();
+        Future<bool> outcome = stream->publisher->completionFuture();
+    };
+    const std::size_t failures =
+        failEveryAllocation([] { return std::make_unique<Subject>(); },
+                            [](auto& subject) { subject->stream->publisher.reset(); },
+                            [](auto&) { ADD_FAILURE() << "a destructor has thrown"; },
+                            [](auto& subject) {
+                                EXPECT_EQ(1, subject->stream->completions);
+                                EXPECT_EQ(1, subject->stream->finishes);
+                                EXPECT_TRUE(subject->outcome.get());
+                            });
+    EXPECT_EQ(1u, failures);
+}
+
+TEST(CachedValuePublisherMemoryRunsOut, HandingOutTheCompletionFutureNeedsNoMemory) {
+    EXPECT_EQ(0u, failEveryAllocation([] { return newStream(); },
+                                      [](auto& stream) { stream->publisher->completionFuture(); },
+                                      nothing, nothing));
+}
+
+} // namespace connector
