@@ -1,10 +1,13 @@
+/// The key functions of the interfaces, and the templates that are instantiated for the core's types.
 #include <connector/configuration/Configuration.hpp>
+#include <connector/configuration/sources/ConfigurationSource.hpp>
 
 namespace connector {
 
 namespace configuration {
 
 Configuration::~Configuration() = default;
+ConfigurationSource::~ConfigurationSource() = default;
 
 } // namespace configuration
 

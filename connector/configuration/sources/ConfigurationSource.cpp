@@ -1,7 +1,0 @@
-#include <connector/configuration/sources/ConfigurationSource.hpp>
-
-namespace connector::configuration {
-
-ConfigurationSource::~ConfigurationSource() = default;
-
-} // namespace connector::configuration

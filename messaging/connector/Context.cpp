@@ -1,7 +1,0 @@
-#include <connector/Context.hpp>
-
-namespace connector {
-
-Context::~Context() = default;
-
-} // namespace connector

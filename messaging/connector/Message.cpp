@@ -1,8 +1,0 @@
-#include <connector/Message.hpp>
-
-namespace connector {
-
-Message::Message() = default;
-Message::~Message() = default;
-
-} // namespace connector

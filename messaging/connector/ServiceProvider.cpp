@@ -1,8 +1,0 @@
-#include <connector/ServiceProvider.hpp>
-
-namespace connector {
-
-ServiceProvider::ServiceProvider() = default;
-ServiceProvider::~ServiceProvider() = default;
-
-} // namespace connector

@@ -1,7 +1,0 @@
-#include <connector/common/DeferredService.hpp>
-
-namespace connector::common {
-
-DeferredService::~DeferredService() = default;
-
-} // namespace connector::common
