@@ -37,8 +37,8 @@ namespace detail {
 struct Supplier;
 } // namespace detail
 
-/// Owned by a std::shared_ptr; one that stands on the stack works, too, but watchOption and getPtr
-/// throw std::bad_weak_ptr then.
+/// To be owned by a std::shared_ptr. An object on the stack works, too, but then watchOption and getPtr
+/// throw std::bad_weak_ptr, and a source that outlives it must not call its watcher.
 class CONNECTOR_EXPORT ConfigurationImpl : public Configuration,
                                            public std::enable_shared_from_this<Configuration> {
 public:
@@ -48,8 +48,8 @@ public:
     /// with order 0, and "default", with order 2147483647.
     ConfigurationImpl();
 
-    /// Takes the mutex and the watchers away from the registered sources, in their order. Sources
-    /// removed before keep theirs: see removeSource.
+    /// Takes the mutex and removes the watchers of the registered sources, in their order. Sources that
+    /// were removed before keep theirs.
     ~ConfigurationImpl() override;
 
     ConfigurationImpl(const ConfigurationImpl&) = delete;
@@ -73,9 +73,9 @@ public:
     Future<bool> removeSource(const std::string& name) override;
     std::shared_ptr<Configuration> getPtr() override;
 
-    /// Registers any source; addPropertyFileSource and addInMemorySource end here. Watchers of the
-    /// source's keys get their effective value again, even where another source supplies it. From
-    /// now on every change that the source reports is told to the watchers.
+    /// Registers any source; addPropertyFileSource and addInMemorySource call it. Subscribers of the
+    /// source's keys get the effective value again, even where another source supplies it. Every change
+    /// that the source reports from now on is published.
     /// @return true; or std::invalid_argument
     ///         "Source with the requested name already exists: " + name
     /// @throws std::bad_typeid when the source is null; nothing is registered then
@@ -83,12 +83,14 @@ public:
     Future<bool> addSource(const std::string& name, const std::string& group, int order,
                            bool readOnly, std::shared_ptr<ConfigurationSource> source);
 
-    /// Asks every source about a key, in the order of consultation, those included whose group does
-    /// not fit. The first answer with a value is the effective one.
+    /// Asks every source about a key. The first answer with a value is the effective one.
+    /// @return an answer for each source, in the order of consultation, including those whose group
+    ///         does not fit
+    /// @throws what the sources throw
     std::vector<SourceAnswer> explain(const std::string& key);
 
-    /// Forgets the stream with that id. The publisher lives on while somebody else holds it. An
-    /// unknown id is ignored.
+    /// Removes the stream with that id from the list. Its publisher lives on while something else
+    /// holds it. An unknown id is ignored.
     void removeStream(std::uint64_t id);
 
 private:

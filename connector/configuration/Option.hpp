@@ -1,4 +1,4 @@
-/// A value together with who says so.
+/// A value together with the source that supplies it.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>

@@ -15,7 +15,7 @@ namespace connector::configuration {
 
 /// One value of one of twelve types. The order of the alternatives is part of the interface: it is
 /// what which() answers, it makes `false` the default value, and the JSON tags follow it. The scalar
-/// strings stand UTF-16 first and the vectors of strings 8-bit first; this crossing is meant, and
+/// strings stand UTF-16 first and the vectors of strings 8-bit first. This crossing is intended:
 /// other programs depend on it.
 ///
 /// Beware of string literals: `OptionValue value("text")` holds the bool `true`, because a pointer
@@ -38,9 +38,9 @@ using OptionValue = boost::variant<bool,                       // 0: a flag
 
 namespace connector {
 
-// Instantiated in the library. They are declared here and not where they are first used, because a
-// compiler that met one of them before this would take it for hidden: Boost's types are no more
-// visible than the program that is being compiled.
+// Instantiated in the library. They are declared here, before their first use: a compiler that
+// instantiates one of them without this declaration gives it hidden visibility, since Boost's types
+// have the visibility of the program that is compiled.
 extern template class CONNECTOR_EXPORT detail::SharedFutureState<configuration::OptionValue>;
 extern template class CONNECTOR_EXPORT Future<configuration::OptionValue>;
 extern template class CONNECTOR_EXPORT

@@ -1,4 +1,4 @@
-/// What the sources over a hash map have in common.
+/// The table behind the sources that hold their options in memory.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>
@@ -13,8 +13,8 @@ namespace connector::configuration::detail {
 
 using OptionMap = std::unordered_map<std::string, OptionValue>;
 
-/// @return the value of a key that may be missing. The text is our own, because callers may compare
-///         it and standard libraries differ in what their at says.
+/// The text is fixed here, because callers may compare it and standard libraries differ in theirs.
+/// @return the value of the key
 /// @throws std::out_of_range "unordered_map::at: key not found"
 inline const OptionValue& at(const OptionMap& table, const std::string& key) {
     const auto entry = table.find(key);

@@ -1,4 +1,4 @@
-/// Makes the messages of the configuration service known to a JSON serializer.
+/// Registers the messages of the configuration service with a JSON serializer.
 #pragma once
 
 #include <connector/Export.hpp>

@@ -120,7 +120,7 @@ MessagePtr deserializeAddPropertyFileSourceRequest(ObjectPtr object) {
     const std::string name = readString(object, "name");
     const std::string group = readString(object, "group");
     const int order = object->optValue<int>("order", 0);
-    // Who says nothing about writing gets a source that cannot be written, so the default is true.
+    // Deliberately true: a request that does not mention it adds a read-only source.
     const bool readOnly = object->optValue<bool>("readOnly", true);
     const std::u16string path = detail::toUtf16(readString(object, "path"));
     return std::make_unique<AddPropertyFileSource>(name, group, order, readOnly, path);

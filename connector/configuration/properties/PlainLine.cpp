@@ -8,11 +8,11 @@ namespace connector::configuration::detail {
 
 namespace {
 
-/// Without a bound, a text that is all in memory and has but other line breaks would be searched to
-/// its end for every line.
+/// Bounds the search for a line feed. Without it, each line of a large text that has only carriage
+/// returns would be searched to the end of the text.
 constexpr std::size_t longest = 1024;
 
-/// A set of characters that is asked with one look into memory.
+/// A set of characters; a test for membership is one memory access.
 class CharacterSet {
 public:
     constexpr CharacterSet(std::initializer_list<char> characters) {
@@ -25,8 +25,8 @@ private:
     std::array<bool, 256> members{};
 };
 
-// The line feed behind the line is in none of the first two and in the third, so that no search for
-// them needs to look for the end of the text.
+// The line ends in a line feed, so no search has to check for the end of the text: a line feed is not
+// in the first two sets, and is in the third.
 constexpr CharacterSet blanks{' ', '\t'};
 constexpr CharacterSet assignments{':', '='};
 constexpr CharacterSet endsOfKey{':', '=', ' ', '\t', '\n'};
@@ -47,7 +47,7 @@ const char* endOfPlainLine(std::string_view text) {
     if (end == nullptr)
         return nullptr;
     if (end != begin && end[-1] == '\r')
-        --end; // and the line feed is an empty line
+        --end; // the line feed behind it then counts as an empty line
     const bool isSpecial = *begin == '#' || *begin == '!' || find('\\', begin, end) != nullptr ||
                            find('\r', begin, end) != nullptr;
     return isSpecial ? nullptr : end;

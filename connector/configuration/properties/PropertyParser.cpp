@@ -35,9 +35,9 @@ constexpr int digitValue(char c) {
     return -1;
 }
 
-/// Appends a code unit in the bit layout of UTF-8. A surrogate gets three bytes of its own and is not
-/// paired with its neighbour: what a file says with two escapes stays two, and is for the reader of
-/// the value to judge.
+/// Appends a code unit in the bit layout of UTF-8. A surrogate becomes three bytes and is not paired
+/// with its neighbour. That is intended: two escapes stay two, and the reader of the value decides
+/// what they mean.
 void appendUtf8(std::string& text, unsigned unit) {
     const auto append = [&text](unsigned byte) { text.push_back(static_cast<char>(byte)); };
     if (unit <= 0x7F) {
@@ -62,8 +62,8 @@ void PropertyParser::parse() {
     advance();
     while (cursor.good())
         step();
-    // Only a value that has begun makes a property here. Whatever else the input leaves behind, even
-    // "key=", is dropped, and so is an empty key, although both are stored in the middle of a file.
+    // Intended: at the end of the input a property is stored only if its value has begun and its key
+    // is not empty. A last "key=" is dropped, although it is stored in the middle of a file.
     if (state == State::InValue && !key.empty())
         store(key, value, true);
 }
@@ -97,7 +97,7 @@ void PropertyParser::step() {
 PropertyParser::State PropertyParser::lineStart() {
     while (isLineBreak(current) && cursor.good())
         advance();
-    // Only here is a comment one: blanks before it make it the value of an empty key.
+    // A comment starts in the first column only. Behind blanks it is the value of an empty key.
     if (current != '!' && current != '#')
         return takePlainLines() ? State::LineStart : State::InKey;
     do {
@@ -107,8 +107,8 @@ PropertyParser::State PropertyParser::lineStart() {
     return State::LineStart;
 }
 
-/// Takes the lines from the current character on that need no states.
-/// @return whether there were any; `current` is then what comes behind them
+/// Reads the plain lines that start at the current character.
+/// @return whether there were any; `current` is then the first character behind them
 bool PropertyParser::takePlainLines() {
     if (!cursor.stepBack())
         return false;
@@ -137,7 +137,7 @@ PropertyParser::State PropertyParser::inKey() {
 }
 
 PropertyParser::State PropertyParser::keyEscape() {
-    // A line break, too, goes into the key: only a value can be continued on the next line.
+    // A line break goes into the key as well: only a value can be continued on the next line.
     appendEscaped(key);
     return State::InKey;
 }
@@ -148,8 +148,8 @@ PropertyParser::State PropertyParser::separator() {
         return State::Separator;
     }
     if (isAssignment(current)) {
-        // Not the separator itself, which was consumed with the key, but one behind it: it belongs to
-        // the separator, and so does a single blank after it. More are the value's.
+        // The first separator character was consumed with the key. A second one, and a single blank
+        // after it, belong to the separator. Further blanks belong to the value.
         advance();
         if (isBlank(current))
             advance();
@@ -185,7 +185,7 @@ PropertyParser::State PropertyParser::valueEscape() {
 }
 
 PropertyParser::State PropertyParser::continuation() {
-    // Spaces and line breaks, blank lines therefore included, but not tabs.
+    // Skips spaces and line breaks, and so blank lines, but not tabs.
     if (current == ' ' || isLineBreak(current)) {
         advance();
         return State::Continuation;
@@ -193,7 +193,7 @@ PropertyParser::State PropertyParser::continuation() {
     return State::InValue;
 }
 
-/// Every escape but that of a code unit stands for the escaped character itself: "\t" is a "t".
+/// Every escape except \u stands for the escaped character itself: "\t" is a "t", not a tab.
 void PropertyParser::appendEscaped(std::string& text) {
     if (current == 'u')
         appendUnicodeEscape(text);
@@ -202,8 +202,8 @@ void PropertyParser::appendEscaped(std::string& text) {
     advance();
 }
 
-/// Takes four characters, whatever they are, and counts the hexadecimal digits that they begin with;
-/// none give U+0000. What the end of the input cuts short counts as far as it goes.
+/// Reads four characters, whatever they are, and converts the hexadecimal digits at their start. No
+/// digits give U+0000. At the end of the input, the digits that were read count.
 void PropertyParser::appendUnicodeEscape(std::string& text) {
     unsigned unit = 0;
     bool inDigits = true;

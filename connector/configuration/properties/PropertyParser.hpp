@@ -1,5 +1,5 @@
-/// The state machine behind property files. docs/property-files.md tells the rules as a user sees
-/// them; several differ from what other readers of such files do, and all of them are meant.
+/// The state machine that parses property files. docs/property-files.md has the rules for users.
+/// Several differ from the usual conventions; all of them are intended.
 #pragma once
 
 #include <connector/configuration/properties/StreamCursor.hpp>
@@ -21,13 +21,13 @@ namespace connector::configuration::detail {
 ///                            KeyEscape                   ValueEscape    |
 ///                                                             '--line break--> Continuation
 ///
-/// No input is an error: every character means something in every state. A state function is called
-/// with a good stream and looks at `current`; after it, the loop ends if the stream is no longer good.
+/// No input is an error: every state accepts every character. A state function is called with a good
+/// stream and `current`; after each call the loop ends if the stream is no longer good.
 class PropertyParser {
 public:
-    /// Receives every property as it is complete, in the order of the input, when the cursor stands
-    /// right behind the last character that was looked at. It may throw, and may let others touch the
-    /// stream, see StreamCursor. The texts are good until then.
+    /// Receives each property when it is complete, in the order of the input. The cursor then stands
+    /// behind the last character that was read. It may throw, and may let other code use the stream:
+    /// see StreamCursor, after which the texts are no longer valid.
     using Store =
         std::function<void(std::string_view key, std::string_view value, bool atEndOfInput)>;
 
@@ -40,11 +40,11 @@ public:
 private:
     enum class State {
         LineStart,    ///< at the first character of a line, or at the line breaks before it
-        InKey,        ///< in the key, which runs on across line breaks until a separator comes
-        KeyEscape,    ///< behind a backslash in the key
-        Separator,    ///< between key and value, before or behind the separator
+        InKey,        ///< in the key, which continues across line breaks up to a separator
+        KeyEscape,    ///< after a backslash in the key
+        Separator,    ///< between key and value
         InValue,      ///< in the value
-        ValueEscape,  ///< behind a backslash in the value
+        ValueEscape,  ///< after a backslash in the value
         Continuation, ///< at the start of a line that continues a value
     };
 

@@ -1,4 +1,4 @@
-/// Reads a stream character by character at the speed of memory.
+/// Reads a stream character by character, directly from its buffer.
 #pragma once
 
 #include <algorithm>
@@ -11,13 +11,13 @@
 
 namespace connector::configuration::detail {
 
-/// Does what a loop of stream.get(c) does, and cannot be told from one afterwards: it walks over the
-/// characters that the stream's buffer holds already, and wherever the buffer has to be filled it
-/// calls get itself, so that the end of the input, a read error and the stream's exceptions come
-/// about exactly as they do there.
+/// Does what a loop of stream.get(c) does, and leaves the stream in the same state: it reads the
+/// characters that the stream's buffer holds, and calls get itself wherever the buffer has to be
+/// filled. So the end of the input, read errors and the stream's exceptions come about as they do
+/// there.
 ///
-/// The position of the stream is brought up to date by sync and by the destructor. Whoever lets
-/// others touch the stream in between calls sync before and refresh after.
+/// sync and the destructor update the position of the stream. Call sync before other code uses the
+/// stream, and refresh after it.
 class StreamCursor {
 public:
     explicit StreamCursor(std::istream& newStream) : stream(newStream) {}
@@ -28,7 +28,7 @@ public:
     /// @return whether the stream is good, that is, whether every read so far succeeded
     bool good() const { return stream.good(); }
 
-    /// Reads the next character into c, or leaves c alone when there is none.
+    /// Reads the next character into c, or leaves c unchanged at the end.
     /// @return whether there was one
     bool next(char& c) {
         if (position != end) {
@@ -43,7 +43,7 @@ public:
         return true;
     }
 
-    /// Gives the last character back, if it is still in memory.
+    /// Returns the last character to the input, if it is still in the buffer.
     /// @return whether it was
     bool stepBack() {
         if (position == start)
@@ -52,14 +52,14 @@ public:
         return true;
     }
 
-    /// @return what is in memory behind the last character that was consumed
+    /// @return the part of the buffer behind the last character that was consumed
     std::string_view ahead() const { return {position, static_cast<std::size_t>(end - position)}; }
 
-    /// Consumes that many characters, which are in memory.
+    /// Consumes that many characters. REQUIRES: ahead() has as many
     void skip(std::size_t count) { position += count; }
 
-    /// Consumes characters up to one that `stops` accepts, or up to the end of what is in memory,
-    /// and appends them to `text`. So it may stop early, never late.
+    /// Consumes characters up to one that `stops` accepts, or up to the end of the buffer, and
+    /// appends them to `text`. So it may stop early, never late.
     template <typename Stops>
     void appendUntil(Stops stops, std::string& text) {
         const char* const first = position;
@@ -76,7 +76,7 @@ public:
     /// @return how many characters were consumed in all
     std::streamoff consumed() const { return consumedBefore + (position - start); }
 
-    /// Tells the stream's buffer what was consumed, and lets go of its memory.
+    /// Tells the stream's buffer what was consumed. The buffer may then be used by other code.
     void sync() {
         if (position == nullptr)
             return;
@@ -85,7 +85,7 @@ public:
         start = position = end = nullptr;
     }
 
-    /// Looks at the buffer's memory again. Only for a good stream.
+    /// Starts to read the buffer again. REQUIRES: good()
     void refresh() {
         start = position = (stream.rdbuf()->*&GetArea::gptr)();
         const std::ptrdiff_t available = (stream.rdbuf()->*&GetArea::egptr)() - start;
@@ -93,16 +93,16 @@ public:
     }
 
 private:
-    /// Opens the protected operations on the get area; no object of it ever exists.
+    /// Gives access to the protected operations on the get area. There are no objects of it.
     struct GetArea : std::streambuf {
         using std::streambuf::egptr;
-        using std::streambuf::gbump; // takes an int, so more than that is never looked at at once
+        using std::streambuf::gbump; // takes an int, so no more than that is read at a time
         using std::streambuf::gptr;
     };
 
     std::istream& stream;
     std::streamoff consumedBefore = 0; // what was consumed up to `start`
-    // All null, or in the stream buffer's get area: where its position is, where ours is, the end.
+    // All null, or in the stream buffer's get area: the stream's position, ours, and the end.
     const char* start = nullptr;
     const char* position = nullptr;
     const char* end = nullptr;

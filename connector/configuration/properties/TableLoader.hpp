@@ -1,4 +1,4 @@
-/// Fills a table with the properties of a file, at the speed of memory.
+/// Fills a table with the properties of a file.
 #pragma once
 
 #include <connector/configuration/detail/OptionMap.hpp>
@@ -14,21 +14,21 @@ namespace connector::configuration::detail {
 
 class StreamCursor;
 
-/// Stores properties several at once, and makes the table as large as the file will need it. Only for
-/// a table that nobody looks at meanwhile: what was added is there after flush, and not before.
+/// Stores properties in batches, and sizes the table for the whole file ahead. Only for a table that
+/// nothing else reads meanwhile: a property is in the table after flush.
 class TableLoader {
 public:
-    /// @param newFile      is asked how much of the file has been read
-    /// @param newFileSize  how much there is to read, or about; 0 or less when that is not known
+    /// @param newFile      tells how much of the file has been read
+    /// @param newFileSize  in bytes, an estimate; 0 or less when it is unknown
     TableLoader(OptionMap& newTable, const StreamCursor& newFile, std::streamoff newFileSize);
 
-    /// Keeps a property until the next flush, which may be at once.
+    /// Adds a property to the batch, and flushes a batch that is full.
     void add(std::string_view key, std::string_view value);
 
-    /// Stores what was added since the last flush, in that order: the last of equal keys wins.
+    /// Stores the batch in the order in which it was added: the last of equal keys wins.
     void flush();
 
-    /// Stores the rest and, if the file was not what its beginning promised, returns memory.
+    /// Stores the last batch and, if the file had fewer properties than expected, frees memory.
     void finish();
 
 private:

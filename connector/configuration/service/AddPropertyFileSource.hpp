@@ -22,7 +22,7 @@ public:
     std::string name;    ///< under which the source is registered
     std::string group;   ///< of the source
     int order;           ///< of the source; smaller is consulted first
-    bool readOnly;       ///< whether set passes the source by
+    bool readOnly;       ///< whether set skips the source
     std::u16string path; ///< of the file
 };
 

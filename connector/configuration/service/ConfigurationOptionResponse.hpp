@@ -17,7 +17,7 @@ public:
     explicit ConfigurationOptionResponse(const Option& newOption);
     ~ConfigurationOptionResponse() override;
 
-    std::unique_ptr<Option> option; ///< what was found or written; null: there is no such option
+    std::unique_ptr<Option> option; ///< found or written; null: there is no such option
 };
 
 } // namespace connector::configuration

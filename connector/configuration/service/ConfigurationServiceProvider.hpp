@@ -16,12 +16,12 @@ extern template class ServiceProviderAPI<configuration::ConfigurationServiceProv
 
 namespace configuration {
 
-/// What the requests of the service call when they are delivered. The order of the operations is part
+/// The handlers that requests call when they are delivered. The order of the operations is part
 /// of the binary interface.
 ///
 /// A handler executes its request on the calling thread and returns a future that is resolved with
-/// the reply. Failures of the request are thrown. The request stays with the caller, who may call a
-/// handler without dispatch; then nobody asks whether the service runs.
+/// the reply. Failures of the request are thrown. The request stays with the caller. A handler that is
+/// called directly, without dispatch, does not check whether the service is running.
 class CONNECTOR_EXPORT ConfigurationServiceProvider
     : public ServiceProviderAPI<ConfigurationServiceProvider> {
 public:

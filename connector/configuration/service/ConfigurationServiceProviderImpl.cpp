@@ -16,7 +16,7 @@ ConfigurationServiceProvider::Reply reply(Arguments&&... arguments) {
         std::make_unique<Response>(std::forward<Arguments>(arguments)...));
 }
 
-/// The handlers can be called by anybody, so with nothing, too.
+/// A handler may be called directly, with a null pointer.
 template <typename Request>
 const Request& given(const std::unique_ptr<Request>& request) {
     if (!request)

@@ -1,4 +1,4 @@
-/// The service that answers from a Configuration.
+/// The service in front of a Configuration.
 #pragma once
 
 #include <connector/configuration/Configuration.hpp>
@@ -8,7 +8,7 @@
 
 namespace connector::configuration {
 
-/// Adds nothing to the configuration: every reply is what the configuration answers. Has no state and
+/// Every reply is what the configuration answers. Has no state and
 /// no lock of its own, so it may be called from any thread. Owned by a std::shared_ptr; started and
 /// stopped by the application.
 class CONNECTOR_EXPORT ConfigurationServiceProviderImpl : public ConfigurationServiceProvider {
@@ -18,8 +18,8 @@ public:
     explicit ConfigurationServiceProviderImpl(std::shared_ptr<Configuration> newConfiguration);
     ~ConfigurationServiceProviderImpl() override;
 
-    /// Asks whether the option is there, and then for it. The two are separate questions: when the
-    /// option goes in between, the failure of getOption is thrown.
+    /// Calls has, and then getOption if there is one. If the option is removed in between, the failure
+    /// of getOption is thrown.
     /// @return the option; or a response without one, when there is no such option
     Reply handle(std::unique_ptr<ConfigurationGet>&& request, Address&& address,
                  std::shared_ptr<Context>&& context) override;

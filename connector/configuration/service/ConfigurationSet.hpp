@@ -22,7 +22,7 @@ public:
     ~ConfigurationSet() override;
 
     std::string key;    ///< of the option to write
-    std::string source; ///< the source to write into; empty: whichever takes the write
+    std::string source; ///< the source to write into; empty: the first writable one
     OptionValue value;  ///< the value to write
 };
 

@@ -12,7 +12,7 @@ namespace detail {
 class OwnTable;
 } // namespace detail
 
-/// Holds whatever is put into it, of every type. Has no lock, as every source.
+/// Holds values of every type. Has no lock: see ConfigurationSource.
 class CONNECTOR_EXPORT InMemorySource : public ConfigurationSource,
                                         public std::enable_shared_from_this<InMemorySource> {
 public:
@@ -25,7 +25,7 @@ public:
     OptionValue get(const std::string& key) override;
 
     /// Stores the value, then calls the watcher: always, even if the value is the same as before.
-    /// What the watcher throws goes on to the caller; the value is stored then.
+    /// @throws what the watcher throws; the value is stored then
     /// @return the previous value, or a copy of the new one if the key is new. The asymmetry is
     ///         deliberate: callers of Configuration::set see it, and rely on it.
     OptionValue set(const std::string& key, OptionValue value) override;

@@ -15,7 +15,7 @@ class OwnTable;
 
 /// Reads a property file once, when it is made, and answers from memory afterwards. All values are
 /// of the std::string alternative, byte for byte as they stand in the file. Refuses every write.
-/// Has no lock, as every source.
+/// Has no lock: see ConfigurationSource.
 class CONNECTOR_EXPORT PropertyFileSource
     : public ConfigurationSource,
       public std::enable_shared_from_this<PropertyFileSource> {
@@ -24,7 +24,7 @@ public:
     /// the options that were read so far are kept.
     /// @param path  UTF-16
     /// @throws std::runtime_error "Property file could not be opened: " followed by the path in
-    ///         UTF-8; "Text is not valid UTF-16" when the path is no text
+    ///         UTF-8; "Text is not valid UTF-16" for a path that is not valid UTF-16
     explicit PropertyFileSource(const std::u16string& path);
     ~PropertyFileSource() override;
 
