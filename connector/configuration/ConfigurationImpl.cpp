@@ -57,15 +57,6 @@ bool ConfigurationImpl::mayReadDirectly(const Supplier& supplier) const {
            !detail::coreLogger.enabled(detail::coreSeverity);
 }
 
-std::optional<OptionValue> ConfigurationImpl::effectiveValue(Lock& lock, const std::string& key) {
-    const Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
-    if (supplier.record == nullptr)
-        return std::nullopt;
-    if (mayReadDirectly(supplier))
-        return *supplier.value;
-    return doGet(lock, key);
-}
-
 namespace {
 
 /// @param result  null when no source has the key

@@ -100,6 +100,15 @@ ConfigurationSource::Watcher ConfigurationImpl::watcherFor(const std::string& gr
     };
 }
 
+std::optional<OptionValue> ConfigurationImpl::effectiveValue(Lock& lock, const std::string& key) {
+    const detail::Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
+    if (supplier.record == nullptr)
+        return std::nullopt;
+    if (mayReadDirectly(supplier))
+        return *supplier.value;
+    return doGet(lock, key);
+}
+
 void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     logCore("updatePublishers: ", key);
     // Most keys of a source that is added or removed have no watchers. Without this, adding a source
