@@ -1,28 +1,28 @@
 /// A stream of values for one subscriber that keeps only the newest undelivered values.
 ///
-/// The producer offers values with onNext, from any thread. The subscriber requests them through its
-/// subscription, from any thread. When the queue is full, the oldest value is dropped, so a slow
-/// subscriber gets current values and no backlog.
+/// The producer offers values with onNext, from any thread. The subscriber requests them through
+/// its subscription, from any thread. When the queue is full, the oldest value is dropped, so a
+/// slow subscriber gets current values and no backlog.
 ///
 ///     Active ----> Completing ----> Completed     (destroyed, or drained while Completing)
 ///        |             |
 ///        '-------------+----------> Cancelled     (the subscriber cancelled)
 ///
-/// Completed, Cancelled and Errored are final. No operation enters Completing or Errored, but all of
-/// them handle both states.
+/// Completed, Cancelled and Errored are final. No operation enters Completing or Errored, but all
+/// of them handle both states.
 ///
-/// Threads and locks: the publisher's mutex guards all of its fields. It is not held during a call of
-/// the subscriber, the finish callback or a continuation of the completion future, so these may call
-/// the publisher and take locks of the producer. A producer that offers values under a lock of its
-/// own takes that lock first and the publisher's second; the publisher never takes them in the other
-/// order. Values are copied and destroyed under the mutex: a copy constructor or destructor of T
-/// must not call the publisher.
+/// Threads and locks: the publisher's mutex guards all of its fields. It is not held during a call
+/// of the subscriber, the finish callback or a continuation of the completion future, so these may
+/// call the publisher and take locks of the producer. A producer that offers values under a lock of
+/// its own takes that lock first and the publisher's second; the publisher never takes them in the
+/// other order. Values are copied and destroyed under the mutex: a copy constructor or destructor
+/// of T must not call the publisher.
 ///
 /// Subscriber calls are not serialised when several threads offer values at once: see onNext.
 ///
 /// Lifetime: the subscriber, the finish callback and continuations may drop the last pointer to the
-/// publisher during subscribe, request and cancel; it is destroyed when the call is over. For onNext
-/// the producer keeps the publisher alive.
+/// publisher during subscribe, request and cancel; it is destroyed when the call is over. For
+/// onNext the producer must keep the publisher alive.
 #pragma once
 
 #include <connector/Export.hpp>
@@ -79,17 +79,21 @@ public:
 
     /// Attaches the one subscriber and calls its onSubscribe, on this thread. Queued values are
     /// delivered as soon as the subscriber requests them, which it may do in onSubscribe. If the
-    /// stream has ended, onComplete or onError follows onSubscribe, unless the stream was cancelled.
+    /// stream has ended, onComplete or onError follows onSubscribe, unless the stream was
+    /// cancelled.
     /// @throws std::invalid_argument "A null subscriber cannot be subscribed."
-    /// @throws std::invalid_argument "Only one subscription allowed." at the second call, even if the
-    ///         first subscriber has cancelled
+    /// @throws std::invalid_argument "Only one subscription allowed." at the second call, even if
+    ///         the first subscriber has cancelled
     /// @throws std::bad_weak_ptr when no std::shared_ptr owns the publisher
     /// @throws std::bad_alloc; no subscriber is attached
     /// @throws what the subscriber throws; it stays attached
     void subscribe(std::shared_ptr<Subscriber<T>> newSubscriber) override;
 
-    /// Offers a value. After the end of the stream it is dropped. The caller keeps the publisher
-    /// alive during the call: the subscriber must not be able to drop the last pointer to it.
+    /// Offers a value. After the end of the stream it is dropped.
+    ///
+    /// REQUIRES: the caller keeps the publisher alive during the call. The subscriber must not be
+    /// able to drop the last pointer to it. (A pointer taken here would more than double the time
+    /// of a delivery; a configuration holds one anyway.)
     ///
     /// If the subscriber has demand left and no value is queued, it gets this one at once, on this
     /// thread, without a copy. This path does not check whether a delivery is running: with several
@@ -155,8 +159,8 @@ private:
     const std::weak_ptr<CachedValuePublisher> publisher;
 };
 
-/// Sets the flag `draining`, and clears it however the delivery loop is left: if a subscriber that
-/// throws left it set, nothing would be delivered any more.
+/// Sets the flag `draining`, and clears it even if the subscriber throws: while it is set, no other
+/// delivery loop starts.
 template <typename T, typename F>
 class CachedValuePublisher<T, F>::Draining {
 public:
@@ -292,9 +296,10 @@ void CachedValuePublisher<T, F>::complete(Lock& lock) {
     lock.lock();
 }
 
-/// Makes the state final and tells all who have to know. Releases `lock` first, since they may call
-/// anything, the publisher included. The finish callback runs even if another one throws: through it
-/// the configuration forgets the stream.
+/// Makes the state final, then resolves the completion future and calls the subscriber and the
+/// finish callback. Releases `lock` first, because all of these may call the publisher. Each of
+/// them is called even if a previous one throws: a configuration removes a stream in its finish
+/// callback.
 template <typename T, typename F>
 void CachedValuePublisher<T, F>::end(Lock& lock, PublisherState finalState) {
     state = finalState;

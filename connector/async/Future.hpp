@@ -42,23 +42,23 @@ public:
 
     /// Waits for the result, without a time limit, and takes it. The handle stays valid; a second
     /// call throws. See detail::SharedFutureState::get for every outcome.
-    /// @throws std::runtime_error "Future state isn't valid!" when the handle was default-constructed,
-    ///         moved from or constructed from a null state
+    /// @throws std::runtime_error "Future state isn't valid!" when the handle was
+    ///         default-constructed, moved from or constructed from a null state
     T get() { return validState()->get(); }
 
     /// @return whether the handle refers to a result
     bool valid() const { return isValid; }
 
-    /// Attaches a continuation: runs `callable` with a valid future on the result when the result is
-    /// resolved, on the thread that resolves it. If it is resolved already, `callable` runs on this
-    /// thread before then returns. If it is cancelled, `callable` never runs.
+    /// Attaches a continuation: runs `callable` with a valid future on the result when the result
+    /// is resolved, on the thread that resolves it. If it is resolved already, `callable` runs on
+    /// this thread before then returns. If it is cancelled, `callable` never runs.
     ///
     /// What get on this handle does afterwards:
-    /// - before the result is resolved, or if it is cancelled, get throws std::runtime_error "Future
-    ///   already returned it's value or has an associated continuation.";
-    /// - from the moment `callable` runs, the result belongs to whoever calls get first. If that is
-    ///   this handle, get in `callable` throws the same exception, and the other way round. A result
-    ///   that `callable` does not take stays available to this handle.
+    /// - before the result is resolved, or if it is cancelled, get throws std::runtime_error
+    ///   "Future already returned it's value or has an associated continuation.";
+    /// - once the result is resolved, the first caller of get takes it: `callable`, through its
+    ///   future, or a caller of get on this handle. For the other one get throws the same
+    ///   exception. A result that `callable` does not take stays available to this handle.
     /// @param callable  called at most once, with Future<T>&. What it throws leaves the call that
     ///         resolves the result, or then itself if the result is resolved already.
     /// @throws std::runtime_error "Future state isn't valid!" as get does
@@ -109,10 +109,11 @@ namespace detail {
 
 struct SecondBase {};
 
-/// A state that is constructed with its result and has no weak pointer to itself. Only a reader that
-/// waits needs one. std::make_shared sets it if there is one base class std::enable_shared_from_this;
-/// with two, the name is ambiguous and it sets neither ([util.smartptr.shared.const]). To make and
-/// read a future of int takes a seventh less time without it.
+/// A state that is constructed with its result and has no weak pointer to itself. Only a reader
+/// that waits needs one. std::make_shared sets it if there is one base class
+/// std::enable_shared_from_this; with two, the name is ambiguous and it sets neither
+/// ([util.smartptr.shared.const]). To make and read a future of int takes a seventh less time
+/// without it.
 template <typename T>
 class ReadyState final : public SharedFutureState<T>,
                          public std::enable_shared_from_this<SecondBase> {

@@ -53,7 +53,7 @@ public:
     Future<T> getFuture() { return keepState()->getFuture(); }
 
 private:
-    // The copy keeps the state alive during the call, whatever happens to this promise.
+    // The copy keeps the state alive during the call, even if this promise is destroyed.
     std::shared_ptr<detail::SharedFutureState<T>> keepState() const {
         if (!isValid)
             throw std::runtime_error(detail::errors::promiseNotValid);

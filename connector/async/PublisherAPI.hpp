@@ -1,4 +1,4 @@
-/// What every publisher of values offers.
+/// The interface of all publishers of values.
 #pragma once
 
 #include <connector/async/Future.hpp>
@@ -18,7 +18,7 @@ public:
     ///         cancelled
     virtual Future<bool> completionFuture() = 0;
 
-    /// Attaches a subscriber. From now on the publisher calls it.
+    /// Attaches a subscriber and calls its onSubscribe.
     virtual void subscribe(std::shared_ptr<Subscriber<T>> subscriber) = 0;
 };
 

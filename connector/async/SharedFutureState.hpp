@@ -4,8 +4,8 @@
 /// through a Future. Everything here may be called from any thread. The mutex of the state is never
 /// held while a continuation runs or a waiting thread is woken.
 ///
-/// Whoever calls a state directly keeps it alive during the call, with one exception: a continuation
-/// that the call runs may drop the last pointer to the state.
+/// The caller of a state keeps it alive during the call. Only a continuation that the call runs may
+/// drop the last pointer to it.
 ///
 ///     Pending --setValue-----------------> Value       (final)
 ///        |----setException, abandon------> Exception   (final)
@@ -43,8 +43,8 @@ enum class FutureStatus : std::uint32_t {
     Cancelled = 3, ///< will never hold a result
 };
 
-/// What runs when a state is resolved. The state owns it. It deletes it after it has run or, if it
-/// never ran, in the state's destructor.
+/// What runs when a state is resolved. The state owns it and deletes it after it has run. If it
+/// never runs, the destructor of the state deletes it.
 template <typename T>
 class CONNECTOR_EXPORT FutureContinuation {
 public:
@@ -67,8 +67,9 @@ public:
     /// A pending state. getFuture and continuations need it to be owned by a std::shared_ptr.
     SharedFutureState() = default;
 
-    /// A state that is constructed with its result. No other thread knows it yet, so the constructor
-    /// takes no lock and wakes no thread, which saves a third of the time of makeReadyFuture.
+    /// A state that is constructed with its result. No other thread knows it yet, so the
+    /// constructor takes no lock and wakes no thread, which saves a third of the time of
+    /// makeReadyFuture.
     /// @param value  not null; becomes the cell of the result
     SharedFutureState(WithValue, std::unique_ptr<T>&& value)
         : result(value.release()), status(FutureStatus::Value) {}
@@ -109,17 +110,17 @@ public:
     T get();
 
     /// Resolves a pending state with std::runtime_error "Promise destroyed before it provided a
-    /// value.", and runs the continuation, if there is one. Wakes waiting threads whatever the status
-    /// is. Needs no memory: destructors call it.
-    /// @throws what setValue throws, but neither std::runtime_error nor std::bad_alloc of its own
+    /// value.", and runs the continuation, if there is one. Wakes waiting threads whatever the
+    /// status is. Needs no memory, because destructors call it.
+    /// @throws std::bad_weak_ptr and what the continuation throws, as setValue does
     void abandon();
 
-    /// Attaches a continuation. If the state has a result already, the continuation runs at once, on
-    /// this thread. A continuation of a cancelled state never runs.
+    /// Attaches a continuation. If the state has a result already, the continuation runs at once,
+    /// on this thread. A continuation of a cancelled state never runs.
     ///
-    /// Before a continuation runs, it is detached and the state is reset to "nothing taken": whoever
-    /// calls get first then has the result, be it the continuation, through its future, or another
-    /// holder of the state.
+    /// Before the continuation runs, it is detached, and futureRetrieved and valueTaken are
+    /// cleared. Then the first caller of get has the result: the continuation, through its future,
+    /// or the holder of another handle.
     /// @param self  the state; needed for a ReadyState, which has no weak pointer to itself
     /// @throws std::invalid_argument "A null continuation cannot be attached."
     /// @throws std::runtime_error "Future already returned it's value or has an associated
@@ -135,7 +136,8 @@ public:
 private:
     using Lock = std::unique_lock<std::mutex>;
 
-    /// `Result` is T with status Value or std::exception_ptr with status Exception; it is moved from.
+    /// `Result` is T with status Value or std::exception_ptr with status Exception; it is moved
+    /// from.
     template <typename Result>
     void resolve(FutureStatus newStatus, Result&& newResult);
     template <typename Result>
@@ -170,7 +172,7 @@ namespace connector::detail {
 
 template <typename T>
 SharedFutureState<T>::~SharedFutureState() {
-    // No lock: the last pointer was dropped after all that was done through the others.
+    // No lock: no other thread has a pointer to the state any more.
     if (status == FutureStatus::Value)
         deleteCell<T>();
     else if (status == FutureStatus::Exception)
@@ -229,7 +231,8 @@ Result* SharedFutureState<T>::makeCell(Result&& newResult) {
 template <typename T>
 void SharedFutureState<T>::announce(Lock& lock, std::shared_ptr<SharedFutureState> self) {
     if (continuation && hasResult()) {
-        // No thread waits: get refuses to wait beside a continuation, and the other way round.
+        // No thread waits in get: get throws while a continuation is attached, and setContinuation
+        // throws once get was called.
         runContinuation(lock, std::move(self));
         return;
     }
@@ -260,7 +263,7 @@ Future<T> SharedFutureState<T>::getFuture() {
 
 template <typename T>
 T SharedFutureState<T>::get() {
-    std::shared_ptr<SharedFutureState> keptAlive; // before the lock, so that it goes after it
+    std::shared_ptr<SharedFutureState> keptAlive; // before the lock, so it is released after it
     Lock lock(mutex);
     if (valueTaken || continuation)
         throw std::runtime_error(errors::alreadyTaken);
@@ -296,7 +299,8 @@ void SharedFutureState<T>::abandon() {
     announce(lock);
 }
 
-/// The exception of an abandoned promise, in a cell of its own as long as there is memory.
+/// The exception of an abandoned promise; preallocated if there is no memory for a cell. It must
+/// not fail, because destructors abandon.
 template <typename T>
 std::exception_ptr* SharedFutureState<T>::makeAbandonedCell() {
     try {

@@ -1,4 +1,4 @@
-/// A thread that waits for a result.
+/// A thread that is blocked in get.
 #pragma once
 
 #include "async/Internals.hpp"
@@ -14,23 +14,24 @@
 
 namespace test {
 
-/// Waits for another thread, but not for ever: a thread that nobody wakes fails the test.
+/// Waits for another thread. Ends the program after a minute: a thread that was not woken is an
+/// error, and cannot be joined.
 template <typename T>
 T within(std::future<T> result) {
     if (result.wait_for(std::chrono::minutes(1)) != std::future_status::ready) {
         std::fputs("a thread was not woken\n", stderr);
-        std::abort(); // it could not be joined
+        std::abort();
     }
     return result.get();
 }
 
-/// Runs `action` on a thread of its own and waits for its end.
+/// Runs `action` on another thread and waits until it has returned.
 template <typename Action>
 auto onAnotherThread(Action action) {
     return within(std::async(std::launch::async, std::move(action)));
 }
 
-/// Once constructed, its thread sleeps in get.
+/// After the construction its thread waits in get.
 class BlockedReader {
 public:
     explicit BlockedReader(const std::shared_ptr<State>& state)
@@ -39,7 +40,7 @@ public:
             std::this_thread::yield();
     }
 
-    /// Waits until get is left.
+    /// Waits until get has returned or thrown.
     /// @return the value in digits, or the text of the exception
     std::string outcome() { return within(std::move(result)); }
 

@@ -1,4 +1,4 @@
-/// The states Completing and Errored. No operation enters them, so the tests write them.
+/// The states Completing and Errored. No operation enters them, so the tests write them directly.
 #include <connector/async/CachedValuePublisher.hpp>
 
 #include "async/BlockedReader.hpp"
@@ -30,7 +30,7 @@ TEST(CachedValuePublisherCompleting, TheLastDeliveryCompletes) {
     EXPECT_TRUE(outcome.get());
 }
 
-TEST(CachedValuePublisherCompleting, AfterTheCompletionNothingFollows) {
+TEST(CachedValuePublisherCompleting, NothingFollowsTheCompletion) {
     SubscribedStream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Completing);
@@ -52,7 +52,7 @@ TEST(CachedValuePublisherCompleting, ARequestWithAnEmptyQueueCompletes) {
     }
 }
 
-TEST(CachedValuePublisherCompleting, ARequestForZeroDoesNotCompleteWhileValuesWait) {
+TEST(CachedValuePublisherCompleting, ARequestOfZeroDoesNotCompleteWithQueuedValues) {
     SubscribedStream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Completing);
@@ -69,7 +69,7 @@ TEST(CachedValuePublisherCompleting, ValuesAreStillAccepted) {
     EXPECT_EQ((Events{"onNext 1", "onNext 2", "onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherCompleting, AValueThatIsWaitedForIsDeliveredAndDoesNotComplete) {
+TEST(CachedValuePublisherCompleting, ARequestedValueIsDeliveredAndDoesNotComplete) {
     SubscribedStream stream;
     stream.request(2);
     setState(*stream.publisher, PublisherState::Completing);
@@ -90,7 +90,7 @@ TEST(CachedValuePublisherCompleting, ItCanBeCancelled) {
     EXPECT_FALSE(outcome.get());
 }
 
-TEST(CachedValuePublisherCompleting, CancelledFromTheLastDeliveryItDoesNotComplete) {
+TEST(CachedValuePublisherCompleting, ACancelFromTheLastDeliveryPreventsTheCompletion) {
     SubscribedStream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Completing);
@@ -107,7 +107,7 @@ TEST(CachedValuePublisherCompleting, DestroyingItCompletes) {
     EXPECT_EQ((Events{"onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherCompleting, ARequestFromTheLastDeliveryCompletesAtOnceAndOnce) {
+TEST(CachedValuePublisherCompleting, ARequestFromTheLastDeliveryCompletesOnceAndAtOnce) {
     SubscribedStream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Completing);
@@ -119,7 +119,7 @@ TEST(CachedValuePublisherCompleting, ARequestFromTheLastDeliveryCompletesAtOnceA
     EXPECT_EQ((Events{"onNext 1", "onComplete", "finish", "end of 1"}), stream.take());
 }
 
-TEST(CachedValuePublisherCompleting, AValueOfferedInTheLastDeliveryComesBeforeTheCompletion) {
+TEST(CachedValuePublisherCompleting, AValueOfferedInTheLastDeliveryPrecedesTheCompletion) {
     SubscribedStream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Completing);
@@ -133,7 +133,7 @@ TEST(CachedValuePublisherCompleting, AValueOfferedInTheLastDeliveryComesBeforeTh
     EXPECT_EQ((Events{"onNext 1", "onNext 2", "onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherCompleting, ThePublisherIsNotLockedWhileTheSubscriberCompletes) {
+TEST(CachedValuePublisherCompleting, ThePublisherIsNotLockedInOnComplete) {
     SubscribedStream stream;
     setState(*stream.publisher, PublisherState::Completing);
     const auto use = [&] { test::onAnotherThread([&] { stream.cancel(); }); };
@@ -143,19 +143,19 @@ TEST(CachedValuePublisherCompleting, ThePublisherIsNotLockedWhileTheSubscriberCo
     EXPECT_EQ((Events{"onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherCompleting, WhatOnCompleteThrowsGoesToWhoeverRequests) {
+TEST(CachedValuePublisherCompleting, OnCompleteThrowsFromRequestAfterFinish) {
     SubscribedStream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Completing);
     stream.subscriber->inOnComplete = [] { throw std::runtime_error("no"); };
     expectThrows<std::runtime_error>("no", [&] { stream.request(1); });
     EXPECT_EQ((Events{"onNext 1", "onComplete", "finish"}), stream.take());
-    test::onAnotherThread([&] { stream.offer({2}); }); // the lock was released
+    test::onAnotherThread([&] { stream.offer({2}); }); // would wait if the lock were held
     stream.destroy();
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherCompleting, EveryStepOfTheEndRunsWhenAContinuationThrows) {
+TEST(CachedValuePublisherCompleting, OnCompleteAndFinishRunWhenAContinuationThrows) {
     SubscribedStream stream;
     stream.publisher->completionFuture().then(
         [](Future<bool>&) { throw std::runtime_error("thrown by the continuation"); });
@@ -164,7 +164,7 @@ TEST(CachedValuePublisherCompleting, EveryStepOfTheEndRunsWhenAContinuationThrow
     EXPECT_EQ((Events{"onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherErrored, NothingReachesTheSubscriberAnyMore) {
+TEST(CachedValuePublisherErrored, NothingIsCalled) {
     SubscribedStream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Errored);
@@ -176,7 +176,7 @@ TEST(CachedValuePublisherErrored, NothingReachesTheSubscriberAnyMore) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherErrored, DemandFromBeforeDeliversNothing) {
+TEST(CachedValuePublisherErrored, EarlierDemandDeliversNothing) {
     SubscribedStream stream;
     stream.request(5);
     setState(*stream.publisher, PublisherState::Errored);
@@ -184,7 +184,7 @@ TEST(CachedValuePublisherErrored, DemandFromBeforeDeliversNothing) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherErrored, WhoeverFailsTheStreamOwesTheCompletionFutureItsResult) {
+TEST(CachedValuePublisherErrored, TheCompletionFutureIsAbandoned) {
     SubscribedStream stream;
     Future<bool> outcome = stream.publisher->completionFuture();
     setState(*stream.publisher, PublisherState::Errored);

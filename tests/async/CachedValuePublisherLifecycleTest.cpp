@@ -1,4 +1,4 @@
-/// How a stream ends: cancelled by its subscriber, or completed by its destruction.
+/// The end of a stream: cancelled by its subscriber, or completed by its destructor.
 #include <connector/async/CachedValuePublisher.hpp>
 
 #include "async/BlockedReader.hpp"
@@ -27,7 +27,7 @@ using test::SubscribedStream;
 
 namespace {
 
-/// Notes the outcome of the stream among its events.
+/// Records the result of the completion future as an event.
 void noteOutcome(Stream& stream) {
     stream.publisher->completionFuture().then([&stream](Future<bool>& outcome) {
         stream.events.push_back(outcome.get() ? "future true" : "future false");
@@ -36,14 +36,14 @@ void noteOutcome(Stream& stream) {
 
 } // namespace
 
-TEST(CachedValuePublisherLifecycle, ThereIsOneCompletionFuture) {
+TEST(CachedValuePublisherLifecycle, TheCompletionFutureIsReturnedOnce) {
     Stream stream;
     EXPECT_TRUE(stream.publisher->completionFuture().valid());
     expectThrows<std::runtime_error>(futureAlreadyReturned,
                                      [&] { stream.publisher->completionFuture(); });
 }
 
-TEST(CachedValuePublisherLifecycle, TheCompletionFutureIsThereAfterTheEnd) {
+TEST(CachedValuePublisherLifecycle, TheCompletionFutureCanBeRequestedAfterTheEnd) {
     SubscribedStream stream;
     stream.cancel();
     EXPECT_FALSE(stream.publisher->completionFuture().get());
@@ -74,7 +74,7 @@ TEST(CachedValuePublisherLifecycle, AfterCancelNothingIsDelivered) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherLifecycle, DemandFromBeforeTheCancelDeliversNothing) {
+TEST(CachedValuePublisherLifecycle, EarlierDemandDeliversNothingAfterCancel) {
     SubscribedStream stream;
     stream.request(5);
     stream.cancel();
@@ -83,14 +83,14 @@ TEST(CachedValuePublisherLifecycle, DemandFromBeforeTheCancelDeliversNothing) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherLifecycle, DestroyingResolvesTheFutureThenCompletesThenCallsFinish) {
+TEST(CachedValuePublisherLifecycle, DestroyingResolvesTheFutureThenCallsOnCompleteThenFinish) {
     SubscribedStream stream;
     noteOutcome(stream);
     stream.destroy();
     EXPECT_EQ((Events{"future true", "onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherLifecycle, DestroyingDoesNotDeliverWhatIsLeft) {
+TEST(CachedValuePublisherLifecycle, DestroyingDropsQueuedValues) {
     SubscribedStream stream(2);
     stream.offer({1, 2});
     stream.destroy();
@@ -111,7 +111,7 @@ TEST(CachedValuePublisherLifecycle, TheCompletionFutureOutlivesThePublisher) {
     EXPECT_TRUE(outcome.get());
 }
 
-TEST(CachedValuePublisherLifecycle, DestroyingACancelledOneCallsNobody) {
+TEST(CachedValuePublisherLifecycle, DestroyingACancelledPublisherCallsNothing) {
     SubscribedStream stream;
     Future<bool> outcome = stream.publisher->completionFuture();
     stream.cancel();
@@ -121,7 +121,7 @@ TEST(CachedValuePublisherLifecycle, DestroyingACancelledOneCallsNobody) {
     EXPECT_FALSE(outcome.get());
 }
 
-TEST(CachedValuePublisherLifecycle, WhenTheSubscriberCompletesTheSubscriptionHasNoPublisher) {
+TEST(CachedValuePublisherLifecycle, TheSubscriptionDoesNothingInOnComplete) {
     SubscribedStream stream;
     const auto subscription = stream.subscriber->subscription.lock();
     stream.subscriber->inOnComplete = [&] {
@@ -175,15 +175,6 @@ TEST(CachedValuePublisherLifecycle, FinishMayUseTheStream) {
     EXPECT_EQ((Events{"finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherLifecycle, FinishMayDropTheLastOwner) {
-    SubscribedStream stream;
-    stream.inFinish = [&] { stream.destroy(); };
-    const std::weak_ptr<IntPublisher> publisher = stream.publisher;
-    stream.cancel();
-    EXPECT_EQ((Events{"finish"}), stream.take());
-    EXPECT_TRUE(publisher.expired());
-}
-
 TEST(CachedValuePublisherLifecycle, AnEmptyFinishCallbackThrowsFromCancel) {
     Events events;
     const auto subscriber = std::make_shared<RecordingSubscriber>(events);
@@ -193,11 +184,11 @@ TEST(CachedValuePublisherLifecycle, AnEmptyFinishCallbackThrowsFromCancel) {
     const auto subscription = subscriber->subscription.lock();
     EXPECT_THROW(subscription->cancel(), std::bad_function_call);
     EXPECT_FALSE(outcome.get());
-    subscription->cancel(); // it is cancelled all the same
+    subscription->cancel(); // does nothing: the stream is cancelled
     EXPECT_EQ((Events{"onSubscribe"}), events);
 }
 
-TEST(CachedValuePublisherLifecycle, WhatFinishThrowsGoesToWhoeverCancels) {
+TEST(CachedValuePublisherLifecycle, AThrowingFinishCallbackThrowsFromCancel) {
     SubscribedStream stream;
     stream.inFinish = [] { throw std::runtime_error("no"); };
     expectThrows<std::runtime_error>("no", [&] { stream.cancel(); });
@@ -220,7 +211,7 @@ TEST(CachedValuePublisherLifecycle, FinishRunsWhenAContinuationThrowsFromCancel)
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherLifecycle, IfAContinuationAndFinishThrowTheExceptionOfFinishLeaves) {
+TEST(CachedValuePublisherLifecycle, TheExceptionOfFinishReplacesThatOfAContinuation) {
     SubscribedStream stream;
     stream.publisher->completionFuture().then(
         [](Future<bool>&) { throw std::runtime_error("thrown by the continuation"); });
@@ -228,7 +219,7 @@ TEST(CachedValuePublisherLifecycle, IfAContinuationAndFinishThrowTheExceptionOfF
     expectThrows<std::runtime_error>("thrown by finish", [&] { stream.cancel(); });
 }
 
-TEST(CachedValuePublisherLifecycle, OneOnTheStackCompletesAtTheEndOfItsScope) {
+TEST(CachedValuePublisherLifecycle, APublisherOnTheStackCompletesAtTheEndOfItsScope) {
     Events events;
     std::optional<Future<bool>> outcome;
     {

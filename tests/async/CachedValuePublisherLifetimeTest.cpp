@@ -1,4 +1,5 @@
-/// A publisher whose last owner goes while a call of it runs. Meant for the address sanitizer.
+/// The last pointer to a publisher is dropped during a call of it. Also run with the address
+/// sanitizer.
 #include <connector/async/CachedValuePublisher.hpp>
 
 #include "async/BlockedReader.hpp"
@@ -22,8 +23,8 @@ using test::SubscribedStream;
 
 namespace {
 
-/// A watch that wants one value: it then cancels and drops the last pointer to its publisher, which
-/// in turn is the last owner of the watch.
+/// A watch for one value. It then cancels and drops the last pointer to its publisher, which in
+/// turn is the last owner of the watch.
 class OneShotWatch final : public Subscriber<int> {
 public:
     static void start(std::shared_ptr<IntPublisher> newPublisher, int& result) {
@@ -54,12 +55,12 @@ private:
 };
 
 /// Calls a function when it is destroyed.
-class CallingAtItsEnd {
+class DestructorCall {
 public:
-    explicit CallingAtItsEnd(std::function<void()> newAction) : action(std::move(newAction)) {}
-    ~CallingAtItsEnd() { action(); }
-    CallingAtItsEnd(const CallingAtItsEnd&) = delete;
-    CallingAtItsEnd& operator=(const CallingAtItsEnd&) = delete;
+    explicit DestructorCall(std::function<void()> newAction) : action(std::move(newAction)) {}
+    ~DestructorCall() { action(); }
+    DestructorCall(const DestructorCall&) = delete;
+    DestructorCall& operator=(const DestructorCall&) = delete;
 
 private:
     const std::function<void()> action;
@@ -77,14 +78,14 @@ TEST(CachedValuePublisherLifetime, AOneShotWatchEndsInsideSubscribe) {
     EXPECT_TRUE(observed.expired());
 }
 
-TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInOnSubscribe) {
+TEST(CachedValuePublisherLifetime, TheLastPointerMayBeDroppedInOnSubscribe) {
     Stream stream;
     stream.subscriber->inOnSubscribe = [&] { stream.destroy(); };
     stream.publisher.get()->subscribe(stream.subscriber);
     EXPECT_EQ((Events{"onSubscribe", "onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInADeliveryFromOnSubscribe) {
+TEST(CachedValuePublisherLifetime, TheLastPointerMayBeDroppedInADeliveryFromOnSubscribe) {
     Stream stream(2);
     stream.offer({1, 2});
     stream.subscriber->inOnSubscribe = [&] { stream.request(1); };
@@ -93,7 +94,7 @@ TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInADeliveryFromOnSubscribe) 
     EXPECT_EQ((Events{"onSubscribe", "onNext 1", "onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoWhileOnSubscribeThrows) {
+TEST(CachedValuePublisherLifetime, TheLastPointerMayBeDroppedInAnOnSubscribeThatThrows) {
     Stream stream;
     stream.subscriber->inOnSubscribe = [&] {
         stream.destroy();
@@ -103,7 +104,7 @@ TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoWhileOnSubscribeThrows) {
     EXPECT_EQ((Events{"onSubscribe", "onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInALateOnComplete) {
+TEST(CachedValuePublisherLifetime, TheLastPointerMayBeDroppedInOnComplete) {
     Stream stream;
     test::setState(*stream.publisher, PublisherState::Completed);
     stream.subscriber->inOnComplete = [&] { stream.destroy(); };
@@ -111,7 +112,7 @@ TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInALateOnComplete) {
     EXPECT_EQ((Events{"onSubscribe", "onComplete"}), stream.take());
 }
 
-TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInADelivery) {
+TEST(CachedValuePublisherLifetime, TheLastPointerMayBeDroppedInADelivery) {
     SubscribedStream stream(2);
     const std::weak_ptr<IntPublisher> observed = stream.publisher;
     stream.offer({1, 2});
@@ -121,7 +122,18 @@ TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInADelivery) {
     EXPECT_TRUE(observed.expired());
 }
 
-TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInFinish) {
+TEST(CachedValuePublisherLifetime, CancelMayFollowAfterTheLastPointerIsDropped) {
+    SubscribedStream stream;
+    stream.offer({1});
+    stream.subscriber->inOnNext = [&](int) {
+        stream.destroy();
+        stream.cancel();
+    };
+    stream.request(1);
+    EXPECT_EQ((Events{"onNext 1", "finish"}), stream.take());
+}
+
+TEST(CachedValuePublisherLifetime, TheLastPointerMayBeDroppedInFinish) {
     SubscribedStream stream;
     const std::weak_ptr<IntPublisher> observed = stream.publisher;
     stream.inFinish = [&] { stream.destroy(); };
@@ -130,7 +142,7 @@ TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInFinish) {
     EXPECT_TRUE(observed.expired());
 }
 
-TEST(CachedValuePublisherLifetime, TheLastOwnerMayGoInAContinuationOfTheCompletionFuture) {
+TEST(CachedValuePublisherLifetime, TheLastPointerMayBeDroppedInAContinuation) {
     SubscribedStream stream;
     const std::weak_ptr<IntPublisher> observed = stream.publisher;
     stream.publisher->completionFuture().then([&](Future<bool>&) { stream.destroy(); });
@@ -147,14 +159,14 @@ TEST(CachedValuePublisherLifetime, TheSubscriberIsDestroyedWithoutThePublishersL
         void onNext(const int&) override {}
         void onError(std::exception_ptr) override {}
 
-        std::shared_ptr<CallingAtItsEnd> atItsEnd;
+        std::shared_ptr<DestructorCall> destructorCall;
     };
     std::unique_ptr<Future<bool>> outcome;
     auto publisher = std::make_shared<IntPublisher>([] {}, 1);
     IntPublisher* const raw = publisher.get();
     auto subscriber = std::make_shared<Owning>();
-    // Takes the publisher's lock. No weak pointer leads to it any more.
-    subscriber->atItsEnd = std::make_shared<CallingAtItsEnd>([&] {
+    // Takes the publisher's lock through a plain pointer: weak pointers have expired by then.
+    subscriber->destructorCall = std::make_shared<DestructorCall>([&] {
         test::onAnotherThread(
             [&] { outcome = std::make_unique<Future<bool>>(raw->completionFuture()); });
     });

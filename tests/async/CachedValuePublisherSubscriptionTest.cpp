@@ -1,4 +1,4 @@
-/// The one subscriber: how it is attached, what it finds, how long it is kept.
+/// The one subscriber: how it is attached, what it is called with, how long it is kept.
 #include <connector/async/CachedValuePublisher.hpp>
 
 #include "async/Stream.hpp"
@@ -43,7 +43,7 @@ TEST(CachedValuePublisherSubscription, TheFirstCallIsOnSubscribe) {
     EXPECT_FALSE(stream.subscriber->subscription.expired());
 }
 
-TEST(CachedValuePublisherSubscription, ValuesFromBeforeWaitForTheRequest) {
+TEST(CachedValuePublisherSubscription, EarlierValuesAreDeliveredOnRequest) {
     Stream stream(2);
     stream.offer({1, 2, 3});
     stream.subscribe();
@@ -54,7 +54,7 @@ TEST(CachedValuePublisherSubscription, ValuesFromBeforeWaitForTheRequest) {
     EXPECT_EQ((Events{"onNext 3"}), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, TheLatestValueFromBeforeIsDelivered) {
+TEST(CachedValuePublisherSubscription, TheNewestEarlierValueIsDelivered) {
     Stream stream;
     stream.offer({1, 2, 3});
     stream.subscribe();
@@ -62,7 +62,7 @@ TEST(CachedValuePublisherSubscription, TheLatestValueFromBeforeIsDelivered) {
     EXPECT_EQ((Events{"onSubscribe", "onNext 3"}), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, ASecondOneIsRefusedAndTheFirstIsKept) {
+TEST(CachedValuePublisherSubscription, ASecondSubscriberIsRefusedAndTheFirstKept) {
     SubscribedStream stream;
     expectRefused(stream);
     stream.offer({1});
@@ -70,32 +70,32 @@ TEST(CachedValuePublisherSubscription, ASecondOneIsRefusedAndTheFirstIsKept) {
     EXPECT_EQ((Events{"onNext 1"}), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, TheSameSubscriberIsRefusedToo) {
+TEST(CachedValuePublisherSubscription, TheSameSubscriberIsRefusedAgain) {
     SubscribedStream stream;
     expectThrows<std::invalid_argument>(secondSubscription, [&] { stream.subscribe(); });
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, ASecondOneIsRefusedAfterTheFirstCancelled) {
+TEST(CachedValuePublisherSubscription, ASecondSubscriberIsRefusedAfterTheFirstCancelled) {
     SubscribedStream stream;
     stream.cancel();
     expectRefused(stream);
 }
 
-TEST(CachedValuePublisherSubscription, ASecondOneIsRefusedAfterTheFirstThrew) {
+TEST(CachedValuePublisherSubscription, ASecondSubscriberIsRefusedAfterTheFirstThrew) {
     Stream stream;
     stream.subscriber->inOnSubscribe = [] { throw std::runtime_error("no"); };
     EXPECT_THROW(stream.subscribe(), std::runtime_error);
     expectRefused(stream);
 }
 
-TEST(CachedValuePublisherSubscription, ASecondOneIsRefusedAfterTheFirstWasForgotten) {
+TEST(CachedValuePublisherSubscription, ASecondSubscriberIsRefusedWhileThePublisherOwnsTheFirst) {
     SubscribedStream stream;
     stream.subscriber.reset();
     expectRefused(stream);
 }
 
-TEST(CachedValuePublisherSubscription, ASecondOneIsRefusedAfterTheEnd) {
+TEST(CachedValuePublisherSubscription, ASecondSubscriberIsRefusedAfterTheEnd) {
     for (const PublisherState state : {PublisherState::Completed, PublisherState::Errored}) {
         SubscribedStream stream;
         setState(*stream.publisher, state);
@@ -103,7 +103,7 @@ TEST(CachedValuePublisherSubscription, ASecondOneIsRefusedAfterTheEnd) {
     }
 }
 
-TEST(CachedValuePublisherSubscription, ANullSubscriberIsRefusedAndTheStreamStaysFree) {
+TEST(CachedValuePublisherSubscription, ANullSubscriberIsRefusedAndAnotherAccepted) {
     Stream stream;
     expectThrows<std::invalid_argument>(nullSubscriber,
                                         [&] { stream.publisher->subscribe(nullptr); });
@@ -111,13 +111,13 @@ TEST(CachedValuePublisherSubscription, ANullSubscriberIsRefusedAndTheStreamStays
     EXPECT_EQ((Events{"onSubscribe"}), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, ThatItIsNullIsSaidBeforeThatItIsTheSecond) {
+TEST(CachedValuePublisherSubscription, NullIsCheckedBeforeASecondSubscriber) {
     SubscribedStream stream;
     expectThrows<std::invalid_argument>(nullSubscriber,
                                         [&] { stream.publisher->subscribe(nullptr); });
 }
 
-TEST(CachedValuePublisherSubscription, APublisherOnTheStackHasNone) {
+TEST(CachedValuePublisherSubscription, APublisherOnTheStackRefusesSubscribers) {
     Events events;
     const auto subscriber = std::make_shared<RecordingSubscriber>(events);
     IntPublisher publisher([] {}, 1);
@@ -127,7 +127,7 @@ TEST(CachedValuePublisherSubscription, APublisherOnTheStackHasNone) {
     EXPECT_EQ(1, subscriber.use_count());
 }
 
-TEST(CachedValuePublisherSubscription, ThePublisherKeepsItsSubscriberUntilItGoes) {
+TEST(CachedValuePublisherSubscription, ThePublisherKeepsItsSubscriberUntilItIsDestroyed) {
     SubscribedStream stream;
     const std::weak_ptr<RecordingSubscriber> subscriber = stream.subscriber;
     stream.subscriber.reset();
@@ -155,7 +155,7 @@ TEST(CachedValuePublisherSubscription, TheSubscriptionLivesAsLongAsThePublisher)
     EXPECT_TRUE(subscription.expired());
 }
 
-TEST(CachedValuePublisherSubscription, KeepingItDoesNotKeepThePublisher) {
+TEST(CachedValuePublisherSubscription, TheSubscriptionDoesNotKeepThePublisherAlive) {
     SubscribedStream stream;
     const std::weak_ptr<IntPublisher> publisher = stream.publisher;
     const auto subscription = stream.subscriber->subscription.lock();
@@ -163,7 +163,7 @@ TEST(CachedValuePublisherSubscription, KeepingItDoesNotKeepThePublisher) {
     EXPECT_TRUE(publisher.expired());
 }
 
-TEST(CachedValuePublisherSubscription, WithoutThePublisherItDoesNothing) {
+TEST(CachedValuePublisherSubscription, TheSubscriptionDoesNothingWithoutThePublisher) {
     SubscribedStream stream;
     stream.offer({1});
     const auto subscription = stream.subscriber->subscription.lock();
@@ -174,7 +174,7 @@ TEST(CachedValuePublisherSubscription, WithoutThePublisherItDoesNothing) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, ACompletedStreamSaysSoAtOnce) {
+TEST(CachedValuePublisherSubscription, ACompletedStreamCallsOnCompleteAtOnce) {
     Stream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Completed);
@@ -184,7 +184,7 @@ TEST(CachedValuePublisherSubscription, ACompletedStreamSaysSoAtOnce) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, AFailedStreamHandsItsErrorOverAtOnce) {
+TEST(CachedValuePublisherSubscription, AFailedStreamCallsOnErrorAtOnce) {
     Stream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Errored);
@@ -195,7 +195,7 @@ TEST(CachedValuePublisherSubscription, AFailedStreamHandsItsErrorOverAtOnce) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, ACancelledStreamSaysNothingMore) {
+TEST(CachedValuePublisherSubscription, ACancelledStreamCallsOnSubscribeOnly) {
     Stream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Cancelled);
@@ -205,7 +205,7 @@ TEST(CachedValuePublisherSubscription, ACancelledStreamSaysNothingMore) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, ACompletingStreamDeliversWhatIsLeft) {
+TEST(CachedValuePublisherSubscription, ACompletingStreamDeliversQueuedValues) {
     Stream stream(2);
     stream.offer({1, 2});
     setState(*stream.publisher, PublisherState::Completing);
@@ -215,14 +215,14 @@ TEST(CachedValuePublisherSubscription, ACompletingStreamDeliversWhatIsLeft) {
               stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, ACompletingStreamWithNothingLeftCompletes) {
+TEST(CachedValuePublisherSubscription, ACompletingStreamWithAnEmptyQueueCompletes) {
     Stream stream;
     setState(*stream.publisher, PublisherState::Completing);
     stream.subscribe();
     EXPECT_EQ((Events{"onSubscribe", "onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, AStreamThatCompletesInOnSubscribeSaysSoOnce) {
+TEST(CachedValuePublisherSubscription, AStreamThatCompletesInOnSubscribeCallsOnCompleteOnce) {
     Stream stream;
     stream.offer({1});
     setState(*stream.publisher, PublisherState::Completing);
@@ -231,7 +231,7 @@ TEST(CachedValuePublisherSubscription, AStreamThatCompletesInOnSubscribeSaysSoOn
     EXPECT_EQ((Events{"onSubscribe", "onNext 1", "onComplete", "finish"}), stream.take());
 }
 
-TEST(CachedValuePublisherSubscription, WhatOnSubscribeLeftIsDeliveredAfterIt) {
+TEST(CachedValuePublisherSubscription, RemainingDemandIsServedAfterOnSubscribe) {
     Stream stream(2);
     stream.offer({1, 2});
     stream.subscriber->inOnNext = [](int value) {

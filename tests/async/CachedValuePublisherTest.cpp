@@ -1,4 +1,4 @@
-/// What is kept, what is dropped, and what is delivered when.
+/// Which values are kept, dropped and delivered, and when.
 #include <connector/async/CachedValuePublisher.hpp>
 
 #include "async/Stream.hpp"
@@ -39,7 +39,7 @@ TEST(CachedValuePublisher, DemandAloneDeliversNothing) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisher, WithCapacityOneTheNewestValueSurvivesAndTheRestOfTheDemandStays) {
+TEST(CachedValuePublisher, CapacityOneKeepsTheNewestValueAndTheRemainingDemand) {
     SubscribedStream stream(1);
     stream.offer({1, 2, 3});
     stream.request(10);
@@ -50,21 +50,21 @@ TEST(CachedValuePublisher, WithCapacityOneTheNewestValueSurvivesAndTheRestOfTheD
     EXPECT_EQ(8u, test::demandOf(*stream.publisher));
 }
 
-TEST(CachedValuePublisher, WithCapacityTheNewestValuesSurviveInTheirOrder) {
+TEST(CachedValuePublisher, TheNewestValuesAreKeptInOrder) {
     SubscribedStream stream(3);
     stream.offer({1, 2, 3, 4, 5});
     stream.request(10);
     EXPECT_EQ(deliveries({3, 4, 5}), stream.take());
 }
 
-TEST(CachedValuePublisher, UpToItsCapacityNothingIsDropped) {
+TEST(CachedValuePublisher, NothingIsDroppedUpToTheCapacity) {
     SubscribedStream stream(3);
     stream.offer({1, 2, 3});
     stream.request(10);
     EXPECT_EQ(deliveries({1, 2, 3}), stream.take());
 }
 
-TEST(CachedValuePublisher, ADeliveryMakesRoomAgain) {
+TEST(CachedValuePublisher, ADeliveryFreesCapacity) {
     SubscribedStream stream(2);
     stream.offer({1, 2});
     stream.request(1);
@@ -93,7 +93,7 @@ TEST(CachedValuePublisher, ANegativeCapacityKeepsEverything) {
     }
 }
 
-TEST(CachedValuePublisher, ALargeCapacityIsNoReservation) {
+TEST(CachedValuePublisher, ALargeCapacityReservesNoMemory) {
     SubscribedStream stream(std::numeric_limits<int>::max());
     stream.offer({1, 2});
     stream.request(2);
@@ -119,7 +119,7 @@ TEST(CachedValuePublisher, DemandAddsUp) {
     EXPECT_EQ(deliveries({1, 2, 3}), stream.take());
 }
 
-TEST(CachedValuePublisher, ARequestForZeroChangesNothing) {
+TEST(CachedValuePublisher, ARequestOfZeroChangesNothing) {
     SubscribedStream stream;
     stream.offer({1});
     stream.request(0);
@@ -129,7 +129,7 @@ TEST(CachedValuePublisher, ARequestForZeroChangesNothing) {
     EXPECT_EQ(deliveries({1}), stream.take());
 }
 
-TEST(CachedValuePublisher, DemandStopsAtTheLargestNumber) {
+TEST(CachedValuePublisher, DemandSaturates) {
     for (const std::uint64_t more :
          {std::uint64_t(1), std::uint64_t(2), unlimited - 1, unlimited}) {
         SubscribedStream stream;
@@ -139,7 +139,7 @@ TEST(CachedValuePublisher, DemandStopsAtTheLargestNumber) {
     }
 }
 
-TEST(CachedValuePublisher, ADemandThatReachesTheLargestNumberExactlyIsKept) {
+TEST(CachedValuePublisher, DemandReachesTheLargestNumberExactly) {
     SubscribedStream stream;
     stream.request(unlimited - 1);
     EXPECT_EQ(unlimited - 1, test::demandOf(*stream.publisher));
@@ -147,15 +147,15 @@ TEST(CachedValuePublisher, ADemandThatReachesTheLargestNumberExactlyIsKept) {
     EXPECT_EQ(unlimited, test::demandOf(*stream.publisher));
 }
 
-TEST(CachedValuePublisher, ADemandThatWouldOverflowStillDelivers) {
+TEST(CachedValuePublisher, SaturatedDemandDelivers) {
     SubscribedStream stream;
     stream.request(unlimited);
-    stream.request(1); // would wrap round to nothing
+    stream.request(1); // would wrap around to zero
     stream.offer({1, 2});
     EXPECT_EQ(deliveries({1, 2}), stream.take());
 }
 
-TEST(CachedValuePublisher, TheLargestDemandIsUsedUpLikeOthers) {
+TEST(CachedValuePublisher, TheLargestDemandDecreases) {
     SubscribedStream stream;
     stream.request(unlimited);
     stream.offer({1});

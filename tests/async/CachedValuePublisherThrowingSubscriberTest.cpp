@@ -1,4 +1,4 @@
-/// What a subscriber throws goes to whoever called it in, and leaves the stream usable.
+/// An exception of the subscriber leaves the call that delivered, and the stream stays usable.
 #include <connector/async/CachedValuePublisher.hpp>
 
 #include "async/BlockedReader.hpp"
@@ -28,7 +28,7 @@ void expectThrown(Statement statement) {
     expectThrows<std::logic_error>("thrown by the subscriber", statement);
 }
 
-/// Throws at every 1, and takes every other value.
+/// Throws on every 1, and accepts every other value.
 class StreamThatThrowsAtOne : public SubscribedStream {
 public:
     explicit StreamThatThrowsAtOne(int capacity = 1) : SubscribedStream(capacity) {
@@ -41,14 +41,14 @@ public:
 
 } // namespace
 
-TEST(CachedValuePublisherThrowingSubscriber, ADeliveryThrowsToWhoeverRequests) {
+TEST(CachedValuePublisherThrowingSubscriber, OnNextThrowsFromRequest) {
     StreamThatThrowsAtOne stream(-1);
     stream.offer({1, 2, 3});
     expectThrown([&] { stream.request(2); });
     EXPECT_EQ((Events{"onNext 1"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, TheNextRequestDeliversTheRest) {
+TEST(CachedValuePublisherThrowingSubscriber, TheNextRequestDeliversTheRemainingValues) {
     StreamThatThrowsAtOne stream(-1);
     stream.offer({1, 2, 3});
     expectThrown([&] { stream.request(2); });
@@ -57,7 +57,7 @@ TEST(CachedValuePublisherThrowingSubscriber, TheNextRequestDeliversTheRest) {
     EXPECT_EQ((Events{"onNext 2", "onNext 3"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, ARequestForZeroDeliversTheRestToo) {
+TEST(CachedValuePublisherThrowingSubscriber, ARequestOfZeroDeliversTheRemainingValues) {
     StreamThatThrowsAtOne stream(-1);
     stream.offer({1, 2});
     expectThrown([&] { stream.request(2); });
@@ -66,7 +66,7 @@ TEST(CachedValuePublisherThrowingSubscriber, ARequestForZeroDeliversTheRestToo) 
     EXPECT_EQ((Events{"onNext 2"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, TheNextOfferDeliversTheRest) {
+TEST(CachedValuePublisherThrowingSubscriber, TheNextOfferDeliversTheRemainingValues) {
     StreamThatThrowsAtOne stream(-1);
     stream.offer({1, 2});
     expectThrown([&] { stream.request(10); });
@@ -75,7 +75,7 @@ TEST(CachedValuePublisherThrowingSubscriber, TheNextOfferDeliversTheRest) {
     EXPECT_EQ((Events{"onNext 2", "onNext 3"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, TheLoopThatAnOfferStartsThrowsToWhoeverOffers) {
+TEST(CachedValuePublisherThrowingSubscriber, OnNextThrowsFromAnOfferThatStartsTheDelivery) {
     StreamThatThrowsAtOne stream(-1);
     stream.offer({1, 1});
     expectThrown([&] { stream.request(10); });
@@ -92,7 +92,7 @@ TEST(CachedValuePublisherThrowingSubscriber, TheValueCountsAsDelivered) {
     EXPECT_EQ(4u, test::demandOf(*stream.publisher));
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, AnImmediateDeliveryThrowsToWhoeverOffers) {
+TEST(CachedValuePublisherThrowingSubscriber, OnNextThrowsFromAnOfferThatIsDeliveredAtOnce) {
     StreamThatThrowsAtOne stream;
     stream.request(2);
     expectThrown([&] { stream.offer({1}); });
@@ -113,7 +113,7 @@ TEST(CachedValuePublisherThrowingSubscriber, TheLockIsReleased) {
     EXPECT_EQ((Events{"onNext 2"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, OnSubscribeThrowsToWhoeverSubscribes) {
+TEST(CachedValuePublisherThrowingSubscriber, OnSubscribeThrowsFromSubscribe) {
     Stream stream;
     stream.subscriber->inOnSubscribe = throwing;
     expectThrown([&] { stream.subscribe(); });
@@ -122,7 +122,7 @@ TEST(CachedValuePublisherThrowingSubscriber, OnSubscribeThrowsToWhoeverSubscribe
     EXPECT_EQ((Events{"onSubscribe", "onNext 1"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, ADeliveryFromOnSubscribeThrowsIntoIt) {
+TEST(CachedValuePublisherThrowingSubscriber, OnNextThrowsFromARequestInOnSubscribe) {
     Stream stream;
     stream.offer({1});
     stream.subscriber->inOnNext = [](int) { throwing(); };
@@ -131,7 +131,7 @@ TEST(CachedValuePublisherThrowingSubscriber, ADeliveryFromOnSubscribeThrowsIntoI
     EXPECT_EQ((Events{"onSubscribe", "onNext 1"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, ALateOnSubscribeThatThrowsIsTheLastCall) {
+TEST(CachedValuePublisherThrowingSubscriber, NothingFollowsAnOnSubscribeThatThrowsAfterTheEnd) {
     for (const PublisherState end : {PublisherState::Completed, PublisherState::Errored}) {
         Stream stream;
         setState(*stream.publisher, end);
@@ -141,7 +141,7 @@ TEST(CachedValuePublisherThrowingSubscriber, ALateOnSubscribeThatThrowsIsTheLast
     }
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, ALateOnCompleteThrowsToWhoeverSubscribes) {
+TEST(CachedValuePublisherThrowingSubscriber, OnCompleteThrowsFromSubscribe) {
     Stream stream;
     setState(*stream.publisher, PublisherState::Completed);
     stream.subscriber->inOnComplete = throwing;
@@ -149,7 +149,7 @@ TEST(CachedValuePublisherThrowingSubscriber, ALateOnCompleteThrowsToWhoeverSubsc
     EXPECT_EQ((Events{"onSubscribe", "onComplete"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, ALateOnErrorThrowsToWhoeverSubscribes) {
+TEST(CachedValuePublisherThrowingSubscriber, OnErrorThrowsFromSubscribe) {
     Stream stream;
     setState(*stream.publisher, PublisherState::Errored);
     setError(*stream.publisher, std::make_exception_ptr(std::runtime_error("broken")));
@@ -158,7 +158,7 @@ TEST(CachedValuePublisherThrowingSubscriber, ALateOnErrorThrowsToWhoeverSubscrib
     EXPECT_EQ((Events{"onSubscribe", "onError broken"}), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, ItMayCancelAndThrow) {
+TEST(CachedValuePublisherThrowingSubscriber, ItMayCancelAndThenThrow) {
     SubscribedStream stream(-1);
     stream.subscriber->inOnNext = [&](int) {
         stream.cancel();
@@ -172,7 +172,7 @@ TEST(CachedValuePublisherThrowingSubscriber, ItMayCancelAndThrow) {
     EXPECT_EQ(Events(), stream.take());
 }
 
-TEST(CachedValuePublisherThrowingSubscriber, ThrownFromADeliveryInsideAnotherItPassesThroughBoth) {
+TEST(CachedValuePublisherThrowingSubscriber, AnExceptionPassesThroughNestedDeliveries) {
     SubscribedStream stream;
     stream.subscriber->inOnNext = [&](int value) {
         if (value == 1)

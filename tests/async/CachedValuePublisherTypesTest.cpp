@@ -1,4 +1,4 @@
-/// The publisher as a template: its types, and what it does with values of other ones.
+/// The publisher as a template: its declarations, and values of other types.
 #include <connector/async/CachedValuePublisher.hpp>
 
 #include "async/Internals.hpp"
@@ -43,7 +43,7 @@ static_assert(std::is_same_v<decltype(&PublisherAPI<int>::completionFuture),
 static_assert(std::is_same_v<decltype(&PublisherAPI<int>::subscribe),
                              void (PublisherAPI<int>::*)(std::shared_ptr<Subscriber<int>>)>);
 
-/// Counts its copies, and cannot be made without a number.
+/// Counts its copies. Not default-constructible.
 struct Counted {
     explicit Counted(int newNumber) : number(newNumber) {}
     Counted(const Counted& other) : number(other.number) { ++copies; }
@@ -52,7 +52,7 @@ struct Counted {
     static inline int copies = 0;
 };
 
-/// Takes everything.
+/// Collects every value.
 template <typename T>
 class Collector : public Subscriber<T> {
 public:
@@ -68,7 +68,7 @@ public:
 
 } // namespace
 
-TEST(CachedValuePublisherTypes, AValueThatIsWaitedForIsNotCopied) {
+TEST(CachedValuePublisherTypes, ARequestedValueIsNotCopied) {
     const auto publisher = std::make_shared<CachedValuePublisher<Counted>>([] {}, 1);
     class Taker final : public Collector<Counted> {
         void onNext(const Counted& value) override { last = &value; }
@@ -86,7 +86,7 @@ TEST(CachedValuePublisherTypes, AValueThatIsWaitedForIsNotCopied) {
     EXPECT_EQ(&value, subscriber->last);
 }
 
-TEST(CachedValuePublisherTypes, AValueThatIsKeptIsCopiedOnceAndThenMoved) {
+TEST(CachedValuePublisherTypes, AQueuedValueIsCopiedOnceAndThenMoved) {
     const auto publisher = std::make_shared<CachedValuePublisher<Counted>>([] {}, 1);
     const auto subscriber = std::make_shared<Collector<Counted>>();
     subscriber->values.reserve(1);
@@ -97,10 +97,10 @@ TEST(CachedValuePublisherTypes, AValueThatIsKeptIsCopiedOnceAndThenMoved) {
     subscriber->subscription.lock()->request(1);
     ASSERT_EQ(1u, subscriber->values.size());
     EXPECT_EQ(7, subscriber->values.front().number);
-    EXPECT_EQ(2, Counted::copies); // the collector's own
+    EXPECT_EQ(2, Counted::copies); // the second one is the collector's
 }
 
-TEST(CachedValuePublisherTypes, AValueThatWasDeliveredIsNotKept) {
+TEST(CachedValuePublisherTypes, ADeliveredValueIsReleased) {
     using Value = std::shared_ptr<int>;
     const auto publisher = std::make_shared<CachedValuePublisher<Value>>([] {}, 1);
     const auto subscriber = std::make_shared<Collector<Value>>();
@@ -112,7 +112,7 @@ TEST(CachedValuePublisherTypes, AValueThatWasDeliveredIsNotKept) {
     EXPECT_EQ(1, value.use_count());
 }
 
-TEST(CachedValuePublisherTypes, AValueThatWasDroppedIsNotKept) {
+TEST(CachedValuePublisherTypes, ADroppedValueIsReleased) {
     using Value = std::shared_ptr<int>;
     const auto publisher = std::make_shared<CachedValuePublisher<Value>>([] {}, 1);
     const auto value = std::make_shared<int>(1);
@@ -122,7 +122,7 @@ TEST(CachedValuePublisherTypes, AValueThatWasDroppedIsNotKept) {
     EXPECT_EQ(1, value.use_count());
 }
 
-TEST(CachedValuePublisherTypes, ItIsUsedThroughItsInterface) {
+TEST(CachedValuePublisherTypes, ItWorksThroughPublisherAPI) {
     const auto publisher = std::make_shared<CachedValuePublisher<std::string>>([] {}, 1);
     PublisherAPI<std::string>& api = *publisher;
     const auto subscriber = std::make_shared<Collector<std::string>>();
@@ -133,7 +133,7 @@ TEST(CachedValuePublisherTypes, ItIsUsedThroughItsInterface) {
     EXPECT_EQ(std::vector<std::string>{"text"}, subscriber->values);
 }
 
-TEST(CachedValuePublisherTypes, ItEndsWhenItsLastOwnerHoldsOnlyItsRoot) {
+TEST(CachedValuePublisherTypes, ItIsDestroyedThroughAPointerToPublisher) {
     const auto subscriber = std::make_shared<Collector<int>>();
     std::shared_ptr<Publisher> root;
     {
@@ -146,9 +146,9 @@ TEST(CachedValuePublisherTypes, ItEndsWhenItsLastOwnerHoldsOnlyItsRoot) {
     EXPECT_TRUE(subscriber->completed);
 }
 
-TEST(CachedValuePublisherTypes, AFinishCallbackThatOnlyMovesWillDo) {
+TEST(CachedValuePublisherTypes, AMoveOnlyFinishCallbackIsAccepted) {
     int calls = 0;
-    auto finish = [&calls, onlyMoves = std::make_unique<int>(1)] { calls += *onlyMoves; };
+    auto finish = [&calls, increment = std::make_unique<int>(1)] { calls += *increment; };
     { const CachedValuePublisher<int, decltype(finish)> publisher(std::move(finish), 1); }
     EXPECT_EQ(1, calls);
 }

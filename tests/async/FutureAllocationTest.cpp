@@ -1,4 +1,4 @@
-/// Counts what results cost. Stands in a program of its own, because it replaces operator new.
+/// Counts the allocations of futures and publishers. Replaces operator new.
 #include <connector/async/CachedValuePublisher.hpp>
 #include <connector/async/Future.hpp>
 #include <connector/async/Promise.hpp>
@@ -19,7 +19,8 @@ namespace connector {
 
 namespace {
 
-/// Makes the compiler believe that `object` is used elsewhere: otherwise it may leave allocations out.
+/// Makes the compiler assume that `object` is used elsewhere, so that it does not remove
+/// allocations.
 template <typename Object>
 void keep(Object& object) {
     asm volatile("" : : "g"(&object) : "memory");
@@ -46,7 +47,7 @@ public:
 
 } // namespace
 
-TEST(FutureAllocation, TheCountIsTrue) {
+TEST(FutureAllocation, AllocationsAreCounted) {
     EXPECT_EQ(1u, allocationsOf([] {
                   const auto number = std::make_unique<int>(1);
                   keep(*number);
@@ -54,21 +55,21 @@ TEST(FutureAllocation, TheCountIsTrue) {
     EXPECT_EQ(0u, allocationsOf([] {}));
 }
 
-TEST(FutureAllocation, AReadyFutureCostsItsStateAndItsResult) {
+TEST(FutureAllocation, AReadyFutureAllocatesItsStateAndItsResult) {
     EXPECT_EQ(2u, allocationsOf([] {
                   Future<bool> future = makeReadyFuture(true);
                   keep(future);
               }));
 }
 
-TEST(FutureAllocation, AReadyFutureOfATypeThatTheLibraryDoesNotUseCostsTheSame) {
+TEST(FutureAllocation, AReadyFutureOfAnotherTypeAllocatesTheSame) {
     EXPECT_EQ(2u, allocationsOf([] {
                   Future<int> future = makeReadyFuture(1);
                   keep(future);
               }));
 }
 
-TEST(FutureAllocation, ALargeValueIsMovedIn) {
+TEST(FutureAllocation, ALargeValueIsMoved) {
     std::string text(1000, 'x');
     EXPECT_EQ(2u, allocationsOf([&] {
                   Future<std::string> future = makeReadyFuture(std::move(text));
@@ -76,7 +77,7 @@ TEST(FutureAllocation, ALargeValueIsMovedIn) {
               }));
 }
 
-TEST(FutureAllocation, AFailedFutureCostsItsStateAndItsResult) {
+TEST(FutureAllocation, AFailedFutureAllocatesItsStateAndItsResult) {
     const std::runtime_error exception("the text of an exception is shared by its copies");
     EXPECT_EQ(2u, allocationsOf([&] {
                   Future<bool> future = makeFailedFuture<bool>(exception);
@@ -84,7 +85,7 @@ TEST(FutureAllocation, AFailedFutureCostsItsStateAndItsResult) {
               }));
 }
 
-TEST(FutureAllocation, ReadingCostsNothing) {
+TEST(FutureAllocation, ReadingAllocatesNothing) {
     Future<std::string> future = makeReadyFuture(std::string(1000, 'x'));
     EXPECT_EQ(0u, allocationsOf([&] {
                   std::string text = future.get();
@@ -92,7 +93,7 @@ TEST(FutureAllocation, ReadingCostsNothing) {
               }));
 }
 
-TEST(FutureAllocation, MovingAHandleCostsNothing) {
+TEST(FutureAllocation, MovingAHandleAllocatesNothing) {
     Future<int> source = makeReadyFuture(1);
     EXPECT_EQ(0u, allocationsOf([&] {
                   Future<int> target = std::move(source);
@@ -100,7 +101,7 @@ TEST(FutureAllocation, MovingAHandleCostsNothing) {
               }));
 }
 
-TEST(FutureAllocation, APromiseCostsItsState) {
+TEST(FutureAllocation, APromiseAllocatesItsState) {
     std::optional<Promise<int>> promise;
     EXPECT_EQ(1u, allocationsOf([&] {
                   promise.emplace();
@@ -125,7 +126,7 @@ TEST(FutureAllocation, ACancelledStateAllocatesNoResult) {
               }));
 }
 
-TEST(FutureAllocation, AnOfferThatTheSubscriberWaitsForCostsNothing) {
+TEST(FutureAllocation, DeliveringARequestedValueAllocatesNothing) {
     const auto publisher = std::make_shared<reactive_streams::CachedValuePublisher<int>>([] {}, 1);
     const auto subscriber = std::make_shared<NullSubscriber>();
     publisher->subscribe(subscriber);

@@ -1,4 +1,4 @@
-/// Results between threads. Run under the thread sanitizer, too.
+/// Futures and promises that several threads use. Also run with the thread sanitizer.
 #include <connector/async/Promise.hpp>
 
 #include "async/BlockedReader.hpp"
@@ -33,7 +33,7 @@ namespace {
 
 constexpr int rounds = 300;
 
-/// @return whether the call went through; false when the state was resolved already
+/// @return whether the call succeeded; false if the state was resolved already
 bool resolves(State& state, int value) {
     try {
         state.setValue(value);
@@ -59,32 +59,32 @@ TEST(FutureConcurrency, AWaitingReaderGetsTheException) {
     EXPECT_EQ("no", reader.outcome());
 }
 
-TEST(FutureConcurrency, AWaitingReaderIsToldOfTheCancellation) {
+TEST(FutureConcurrency, AWaitingReaderThrowsOnCancellation) {
     const auto state = std::make_shared<State>();
     BlockedReader reader(state);
     EXPECT_TRUE(state->cancel());
     EXPECT_EQ(cancelled, reader.outcome());
 }
 
-TEST(FutureConcurrency, AWaitingReaderIsToldThatTheStateWasAbandoned) {
+TEST(FutureConcurrency, AWaitingReaderThrowsWhenTheStateIsAbandoned) {
     const auto state = std::make_shared<State>();
     BlockedReader reader(state);
     state->abandon();
     EXPECT_EQ(abandoned, reader.outcome());
 }
 
-TEST(FutureConcurrency, AbandoningWakesWaitersWhateverTheStatusIs) {
+TEST(FutureConcurrency, AbandoningWakesWaitingThreadsInEveryStatus) {
     for (const auto& [status, text] : {std::pair(FutureStatus::Cancelled, cancelled),
                                        std::pair(static_cast<FutureStatus>(4), invalidStatus)}) {
         const auto state = std::make_shared<State>();
         BlockedReader reader(state);
-        test::setStatus(*state, status); // by foreign code, which wakes nobody
+        test::setStatus(*state, status); // wakes no thread
         state->abandon();
         EXPECT_EQ(text, reader.outcome());
     }
 }
 
-TEST(FutureConcurrency, AReaderThroughAFutureWaitsForItsPromise) {
+TEST(FutureConcurrency, GetWaitsForThePromise) {
     Promise<int> promise;
     std::atomic<bool> started{false};
     auto read = std::async(std::launch::async, [&, future = promise.getFuture()]() mutable {
@@ -97,7 +97,7 @@ TEST(FutureConcurrency, AReaderThroughAFutureWaitsForItsPromise) {
     EXPECT_EQ(7, test::within(std::move(read)));
 }
 
-TEST(FutureConcurrency, AReaderThroughAFutureIsToldThatThePromiseHasGone) {
+TEST(FutureConcurrency, GetThrowsWhenThePromiseIsDestroyed) {
     std::optional<Promise<int>> promise(std::in_place);
     auto read = std::async(std::launch::async, [future = promise->getFuture()]() mutable {
         try {
@@ -110,19 +110,19 @@ TEST(FutureConcurrency, AReaderThroughAFutureIsToldThatThePromiseHasGone) {
     EXPECT_EQ(abandoned, test::within(std::move(read)));
 }
 
-TEST(FutureConcurrency, TheHandleOfAWaitingReaderMayGo) {
+TEST(FutureConcurrency, TheFutureMayBeDestroyedWhileGetWaits) {
     auto state = std::make_shared<State>();
     auto handle = std::make_unique<Future<int>>(state);
     auto read = std::async(std::launch::async, [&] { return handle->get(); });
     while (!test::isWaitedFor(*state))
         std::this_thread::yield();
-    handle.reset(); // the call under way keeps the state
+    handle.reset(); // the running call keeps the state alive
     state->setValue(7);
     state.reset();
     EXPECT_EQ(7, test::within(std::move(read)));
 }
 
-TEST(FutureConcurrency, OneOfSeveralResolversWins) {
+TEST(FutureConcurrency, OneOfSeveralResolutionsSucceeds) {
     for (int round = 0; round < rounds; ++round) {
         const auto state = std::make_shared<State>();
         std::atomic<int> winners{0};
@@ -158,7 +158,7 @@ TEST(FutureConcurrency, OneOfSeveralReadersGetsTheValue) {
     }
 }
 
-TEST(FutureConcurrency, OneOfSeveralFuturesIsHandedOut) {
+TEST(FutureConcurrency, OneOfSeveralCallsReturnsTheFuture) {
     for (int round = 0; round < rounds; ++round) {
         Promise<int> promise;
         std::atomic<int> handedOut{0};
@@ -174,7 +174,7 @@ TEST(FutureConcurrency, OneOfSeveralFuturesIsHandedOut) {
     }
 }
 
-TEST(FutureConcurrency, AContinuationRunsOnceWheneverItIsAttached) {
+TEST(FutureConcurrency, AContinuationAttachedDuringTheResolutionRunsOnce) {
     for (int round = 0; round < rounds; ++round) {
         const auto state = std::make_shared<State>();
         std::atomic<int> sum{0};
@@ -184,7 +184,7 @@ TEST(FutureConcurrency, AContinuationRunsOnceWheneverItIsAttached) {
     }
 }
 
-TEST(FutureConcurrency, CancellingAndResolvingAgreeOnTheOutcome) {
+TEST(FutureConcurrency, CancellingAndResolvingAtTheSameTimeHaveOneOutcome) {
     for (int round = 0; round < rounds; ++round) {
         const auto state = std::make_shared<State>();
         std::atomic<int> cancellations{0};
@@ -198,7 +198,7 @@ TEST(FutureConcurrency, CancellingAndResolvingAgreeOnTheOutcome) {
     }
 }
 
-TEST(FutureConcurrency, APromiseThatGoesAndItsReaderAgreeOnTheOutcome) {
+TEST(FutureConcurrency, APromiseDestroyedWhileItsFutureIsReadFailsIt) {
     for (int round = 0; round < rounds; ++round) {
         std::optional<Promise<int>> promise(std::in_place);
         Future<int> future = promise->getFuture();

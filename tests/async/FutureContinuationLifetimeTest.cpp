@@ -1,4 +1,4 @@
-/// Who owns a continuation, when it goes, and what happens where nobody owns its state.
+/// The lifetime of a continuation and of its state, and states that no shared pointer owns.
 #include <connector/async/Future.hpp>
 
 #include "async/Internals.hpp"
@@ -25,11 +25,11 @@ namespace {
 
 using Events = std::vector<std::string>;
 
-/// Tells when it is destroyed.
-class Witness : public detail::FutureContinuation<int> {
+/// Records its call and its destruction.
+class RecordingContinuation : public detail::FutureContinuation<int> {
 public:
-    explicit Witness(Events& newEvents) : events(newEvents) {}
-    ~Witness() override { events.push_back("destroyed"); }
+    explicit RecordingContinuation(Events& newEvents) : events(newEvents) {}
+    ~RecordingContinuation() override { events.push_back("destroyed"); }
     void invoke(Future<int>& future) override {
         events.push_back(future.valid() ? "invoked" : "invoked without a future");
         inInvoke(future);
@@ -46,7 +46,7 @@ private:
 TEST(FutureContinuationLifetime, ItIsDestroyedAfterItHasRun) {
     Events events;
     const auto state = std::make_shared<State>();
-    state->setContinuation(std::make_unique<Witness>(events));
+    state->setContinuation(std::make_unique<RecordingContinuation>(events));
     state->setValue(1);
     EXPECT_EQ((Events{"invoked", "destroyed"}), events);
 }
@@ -55,13 +55,13 @@ TEST(FutureContinuationLifetime, ItIsDestroyedAfterItsFuture) {
     Events events;
     auto state = std::make_shared<State>();
     const std::weak_ptr<State> watched = state;
-    struct AsksAtTheEnd : Witness {
-        AsksAtTheEnd(Events& events, std::weak_ptr<State> state)
-            : Witness(events), watched(std::move(state)) {}
-        ~AsksAtTheEnd() override { EXPECT_EQ(1, watched.use_count()); }
+    struct CheckingOwners : RecordingContinuation {
+        CheckingOwners(Events& events, std::weak_ptr<State> state)
+            : RecordingContinuation(events), watched(std::move(state)) {}
+        ~CheckingOwners() override { EXPECT_EQ(1, watched.use_count()); }
         const std::weak_ptr<State> watched;
     };
-    state->setContinuation(std::make_unique<AsksAtTheEnd>(events, watched));
+    state->setContinuation(std::make_unique<CheckingOwners>(events, watched));
     state->setValue(1);
     EXPECT_EQ((Events{"invoked", "destroyed"}), events);
 }
@@ -69,32 +69,33 @@ TEST(FutureContinuationLifetime, ItIsDestroyedAfterItsFuture) {
 TEST(FutureContinuationLifetime, ItIsDestroyedWhenItThrows) {
     Events events;
     const auto state = std::make_shared<State>();
-    auto throwing = std::make_unique<Witness>(events);
+    auto throwing = std::make_unique<RecordingContinuation>(events);
     throwing->inInvoke = [](Future<int>&) { throw std::runtime_error("no"); };
     state->setContinuation(std::move(throwing));
     EXPECT_THROW(state->setValue(1), std::runtime_error);
     EXPECT_EQ((Events{"invoked", "destroyed"}), events);
 }
 
-TEST(FutureContinuationLifetime, OneThatNeverRanIsDestroyedWithTheState) {
+TEST(FutureContinuationLifetime, AContinuationThatNeverRanIsDestroyedWithTheState) {
     Events events;
     auto state = std::make_shared<State>();
-    state->setContinuation(std::make_unique<Witness>(events));
+    state->setContinuation(std::make_unique<RecordingContinuation>(events));
     state->cancel();
     EXPECT_TRUE(events.empty());
     state.reset();
     EXPECT_EQ((Events{"destroyed"}), events);
 }
 
-TEST(FutureContinuationLifetime, OneThatIsRefusedIsDestroyed) {
+TEST(FutureContinuationLifetime, ARefusedContinuationIsDestroyed) {
     Events events;
     const auto state = std::make_shared<State>();
     Future<int>(state).then([](Future<int>&) {});
-    EXPECT_THROW(state->setContinuation(std::make_unique<Witness>(events)), std::runtime_error);
+    EXPECT_THROW(state->setContinuation(std::make_unique<RecordingContinuation>(events)),
+                 std::runtime_error);
     EXPECT_EQ((Events{"destroyed"}), events);
 }
 
-TEST(FutureContinuationLifetime, TheLastOwnerOfTheStateMayGoWhileItRuns) {
+TEST(FutureContinuationLifetime, ItMayDropTheLastPointerToTheState) {
     using Resolve = std::function<void(State&)>;
     const std::vector<Resolve> operations{[](State& state) { state.setValue(1); },
                                           [](State& state) { state.setException(failure("no")); },
@@ -103,7 +104,7 @@ TEST(FutureContinuationLifetime, TheLastOwnerOfTheStateMayGoWhileItRuns) {
         Events events;
         auto state = std::make_shared<State>();
         const std::weak_ptr<State> watched = state;
-        auto dropping = std::make_unique<Witness>(events);
+        auto dropping = std::make_unique<RecordingContinuation>(events);
         dropping->inInvoke = [&](Future<int>&) { state.reset(); };
         state->setContinuation(std::move(dropping));
         resolve(*state);
@@ -112,17 +113,17 @@ TEST(FutureContinuationLifetime, TheLastOwnerOfTheStateMayGoWhileItRuns) {
     }
 }
 
-TEST(FutureContinuationLifetime, TheLastOwnerOfAResolvedStateMayGoWhileItRuns) {
+TEST(FutureContinuationLifetime, ItMayDropTheLastPointerToAResolvedState) {
     Events events;
     auto state = std::make_shared<State>();
     state->setValue(1);
-    auto dropping = std::make_unique<Witness>(events);
+    auto dropping = std::make_unique<RecordingContinuation>(events);
     dropping->inInvoke = [&](Future<int>&) { state.reset(); };
     state->setContinuation(std::move(dropping));
     EXPECT_EQ((Events{"invoked", "destroyed"}), events);
 }
 
-TEST(FutureContinuationLifetime, TheHandleThatAttachedItMayGoWhileItRuns) {
+TEST(FutureContinuationLifetime, ItMayDestroyTheFutureThatAttachedIt) {
     std::unique_ptr<Future<int>> handle;
     int seen = 0;
     const auto dropAndRead = [&](Future<int>& ready) {
@@ -140,37 +141,38 @@ TEST(FutureContinuationLifetime, TheHandleThatAttachedItMayGoWhileItRuns) {
     EXPECT_EQ(8, seen);
 }
 
-TEST(FutureContinuationWithoutOwner, ResolvingCannotRunItButKeepsTheValue) {
+TEST(FutureContinuationWithoutOwner, SetValueThrowsAndKeepsTheValue) {
     Events events;
     State state;
-    state.setContinuation(std::make_unique<Witness>(events));
+    state.setContinuation(std::make_unique<RecordingContinuation>(events));
     EXPECT_THROW(state.setValue(1), std::bad_weak_ptr);
     EXPECT_EQ((Events{"destroyed"}), events);
     EXPECT_EQ(1, state.get());
 }
 
-TEST(FutureContinuationWithoutOwner, FailingCannotRunItButKeepsTheException) {
+TEST(FutureContinuationWithoutOwner, SetExceptionThrowsAndKeepsTheException) {
     Events events;
     State state;
-    state.setContinuation(std::make_unique<Witness>(events));
+    state.setContinuation(std::make_unique<RecordingContinuation>(events));
     EXPECT_THROW(state.setException(failure("no")), std::bad_weak_ptr);
     EXPECT_EQ((Events{"destroyed"}), events);
     expectThrows<std::runtime_error>("no", [&] { state.get(); });
 }
 
-TEST(FutureContinuationWithoutOwner, AbandoningCannotRunIt) {
+TEST(FutureContinuationWithoutOwner, AbandonThrows) {
     Events events;
     State state;
-    state.setContinuation(std::make_unique<Witness>(events));
+    state.setContinuation(std::make_unique<RecordingContinuation>(events));
     EXPECT_THROW(state.abandon(), std::bad_weak_ptr);
     EXPECT_EQ((Events{"destroyed"}), events);
 }
 
-TEST(FutureContinuationWithoutOwner, AttachingItLateCannotRunIt) {
+TEST(FutureContinuationWithoutOwner, AttachingToAResolvedStateThrows) {
     Events events;
     State state;
     state.setValue(1);
-    EXPECT_THROW(state.setContinuation(std::make_unique<Witness>(events)), std::bad_weak_ptr);
+    EXPECT_THROW(state.setContinuation(std::make_unique<RecordingContinuation>(events)),
+                 std::bad_weak_ptr);
     EXPECT_EQ((Events{"destroyed"}), events);
     EXPECT_EQ(1, state.get());
 }

@@ -40,7 +40,7 @@ protected:
 
 } // namespace
 
-TEST_F(FutureContinuation, ItWaitsForTheValueAndTakesIt) {
+TEST_F(FutureContinuation, ItRunsWhenTheValueIsSetAndTakesIt) {
     int seen = 0;
     future.then([&](Future<int>& ready) {
         EXPECT_TRUE(ready.valid());
@@ -51,7 +51,7 @@ TEST_F(FutureContinuation, ItWaitsForTheValueAndTakesIt) {
     EXPECT_EQ(7, seen);
 }
 
-TEST_F(FutureContinuation, ItIsToldOfAnException) {
+TEST_F(FutureContinuation, ItRunsWhenAnExceptionIsSet) {
     std::string seen;
     future.then([&](Future<int>& ready) {
         try {
@@ -64,7 +64,7 @@ TEST_F(FutureContinuation, ItIsToldOfAnException) {
     EXPECT_EQ("far", seen);
 }
 
-TEST_F(FutureContinuation, ItIsToldThatThePromiseWasAbandoned) {
+TEST_F(FutureContinuation, ItRunsWhenTheStateIsAbandoned) {
     future.then([&](Future<int>& ready) {
         ++calls;
         expectThrows<std::runtime_error>(abandoned, [&] { ready.get(); });
@@ -73,23 +73,33 @@ TEST_F(FutureContinuation, ItIsToldThatThePromiseWasAbandoned) {
     EXPECT_EQ(1, calls);
 }
 
-TEST_F(FutureContinuation, WhileItWaitsTheHandleCannotBeRead) {
+TEST_F(FutureContinuation, GetThrowsWhileItIsAttached) {
     future.then(count);
     expectThrows<std::runtime_error>(alreadyTaken, [&] { future.get(); });
     EXPECT_TRUE(future.valid());
 }
 
-TEST_F(FutureContinuation, AfterItTookTheValueTheHandleCannotBeRead) {
+TEST_F(FutureContinuation, GetThrowsAfterItTookTheValue) {
     future.then([](Future<int>& ready) { ready.get(); });
     state->setValue(1);
     expectThrows<std::runtime_error>(alreadyTaken, [&] { future.get(); });
 }
 
-TEST_F(FutureContinuation, WhatItDidNotTakeStaysThere) {
+TEST_F(FutureContinuation, GetReturnsAValueThatItDidNotTake) {
     future.then(count);
     state->setValue(1);
     EXPECT_EQ(1, calls);
     EXPECT_EQ(1, future.get());
+}
+
+TEST_F(FutureContinuation, GetOnTheHandleMayTakeTheValueFromIt) {
+    future.then([&](Future<int>& ready) {
+        ++calls;
+        EXPECT_EQ(1, future.get());
+        expectThrows<std::runtime_error>(alreadyTaken, [&] { ready.get(); });
+    });
+    state->setValue(1);
+    EXPECT_EQ(1, calls);
 }
 
 TEST_F(FutureContinuation, ItRunsAtMostOnce) {
@@ -100,7 +110,7 @@ TEST_F(FutureContinuation, ItRunsAtMostOnce) {
     EXPECT_EQ(1, calls);
 }
 
-TEST_F(FutureContinuation, ItRunsAtOnceWhenThereIsAValue) {
+TEST_F(FutureContinuation, ItRunsAtOnceOnAStateWithAValue) {
     state->setValue(1);
     std::thread::id ranOn;
     future.then([&](Future<int>& ready) {
@@ -110,7 +120,7 @@ TEST_F(FutureContinuation, ItRunsAtOnceWhenThereIsAValue) {
     EXPECT_EQ(std::this_thread::get_id(), ranOn);
 }
 
-TEST_F(FutureContinuation, ItRunsAtOnceWhenThereIsAnException) {
+TEST_F(FutureContinuation, ItRunsAtOnceOnAStateWithAnException) {
     state->setException(failure("no"));
     future.then([&](Future<int>& ready) {
         ++calls;
@@ -129,7 +139,7 @@ TEST_F(FutureContinuation, ItRunsOnTheThreadThatResolves) {
     EXPECT_EQ(resolvedOn, ranOn);
 }
 
-TEST_F(FutureContinuation, ASecondOneIsRefusedWhileTheFirstWaits) {
+TEST_F(FutureContinuation, ASecondContinuationIsRefusedWhileTheFirstIsAttached) {
     int callsOfSecond = 0;
     future.then(count);
     expectThrows<std::runtime_error>(alreadyTaken,
@@ -161,7 +171,7 @@ TEST_F(FutureContinuation, ItIsRefusedWhileAReaderWaits) {
     EXPECT_EQ(0, calls);
 }
 
-TEST_F(FutureContinuation, AnotherOneMayFollowWhenTheFirstLeftTheValue) {
+TEST_F(FutureContinuation, ASecondContinuationRunsWhenTheFirstDidNotTakeTheValue) {
     future.then(count);
     state->setValue(1);
     future.then(count);
@@ -169,26 +179,26 @@ TEST_F(FutureContinuation, AnotherOneMayFollowWhenTheFirstLeftTheValue) {
     EXPECT_EQ(1, future.get());
 }
 
-TEST_F(FutureContinuation, ANullOneIsRefused) {
+TEST_F(FutureContinuation, ANullContinuationIsRefused) {
     expectThrows<std::invalid_argument>(nullContinuation, [&] { state->setContinuation(nullptr); });
     state->setValue(1);
     EXPECT_EQ(1, future.get());
 }
 
-TEST_F(FutureContinuation, ThatItIsNullIsSaidBeforeThatTheValueWasTaken) {
+TEST_F(FutureContinuation, NullIsCheckedBeforeATakenValue) {
     state->setValue(1);
     future.get();
     expectThrows<std::invalid_argument>(nullContinuation, [&] { state->setContinuation(nullptr); });
 }
 
-TEST_F(FutureContinuation, AHandleWithoutAStateRefusesIt) {
+TEST_F(FutureContinuation, AnInvalidFutureRefusesIt) {
     expectThrows<std::runtime_error>(futureNotValid, [&] { Future<int>().then(count); });
     const Future<int> target = std::move(future);
     expectThrows<std::runtime_error>(futureNotValid, [&] { future.then(count); });
     EXPECT_EQ(0, calls);
 }
 
-TEST_F(FutureContinuation, OfACancelledStateItNeverRuns) {
+TEST_F(FutureContinuation, ItNeverRunsWhenTheStateIsCancelled) {
     future.then(count);
     EXPECT_TRUE(state->cancel());
     state->setValue(1);
@@ -197,7 +207,7 @@ TEST_F(FutureContinuation, OfACancelledStateItNeverRuns) {
     expectThrows<std::runtime_error>(alreadyTaken, [&] { future.get(); });
 }
 
-TEST_F(FutureContinuation, AttachedToACancelledStateItNeverRuns) {
+TEST_F(FutureContinuation, ItNeverRunsOnACancelledState) {
     state->cancel();
     future.then(count);
     state->abandon();
@@ -206,7 +216,7 @@ TEST_F(FutureContinuation, AttachedToACancelledStateItNeverRuns) {
     expectThrows<std::runtime_error>(alreadyTaken, [&] { future.then(count); });
 }
 
-TEST_F(FutureContinuation, AFutureMayBeHandedOutAgainWhileItRuns) {
+TEST_F(FutureContinuation, GetFutureSucceedsAgainWhileItRuns) {
     const Future<int> first = state->getFuture();
     future.then([&](Future<int>&) {
         ++calls;
@@ -226,25 +236,25 @@ TEST_F(FutureContinuation, TheStateIsNotLockedWhileItRuns) {
     EXPECT_EQ(1, calls);
 }
 
-TEST_F(FutureContinuation, ItMayAttachAnotherOne) {
+TEST_F(FutureContinuation, ItMayAttachAnotherContinuation) {
     future.then([&](Future<int>& ready) { ready.then(count); });
     state->setValue(1);
     EXPECT_EQ(1, calls);
 }
 
-TEST_F(FutureContinuation, WhatItThrowsGoesToWhoeverResolves) {
+TEST_F(FutureContinuation, ItsExceptionLeavesSetValue) {
     const auto throwing = [](Future<int>&) { throw std::logic_error("thrown by it"); };
     future.then(throwing);
     expectThrows<std::logic_error>("thrown by it", [&] { state->setValue(1); });
     EXPECT_EQ(1, future.get());
 }
 
-TEST_F(FutureContinuation, WhatItThrowsGoesToWhoeverFails) {
+TEST_F(FutureContinuation, ItsExceptionLeavesSetException) {
     future.then([](Future<int>& ready) { ready.get(); });
     expectThrows<std::runtime_error>("no", [&] { state->setException(failure("no")); });
 }
 
-TEST_F(FutureContinuation, WhatItThrowsGoesToWhoeverAttachesItLate) {
+TEST_F(FutureContinuation, ItsExceptionLeavesThenOnAResolvedState) {
     state->setValue(1);
     expectThrows<std::logic_error>("thrown by it", [&] {
         future.then([](Future<int>&) { throw std::logic_error("thrown by it"); });
@@ -252,7 +262,7 @@ TEST_F(FutureContinuation, WhatItThrowsGoesToWhoeverAttachesItLate) {
     EXPECT_EQ(1, future.get());
 }
 
-TEST_F(FutureContinuation, ItsFutureLivesOnlyAsLongAsTheCall) {
+TEST_F(FutureContinuation, ItsFutureIsDestroyedAfterTheCall) {
     long during = 0;
     future.then([&](Future<int>&) { during = state.use_count(); });
     state->setValue(1);
@@ -267,13 +277,13 @@ TEST_F(FutureContinuation, ItMayMoveItsFutureAway) {
     EXPECT_EQ(1, kept.get());
 }
 
-TEST_F(FutureContinuation, ACallableThatOnlyMovesWillDo) {
+TEST_F(FutureContinuation, AMoveOnlyCallableIsAccepted) {
     future.then([number = std::make_unique<int>(1), this](Future<int>&) { calls += *number; });
     state->setValue(0);
     EXPECT_EQ(1, calls);
 }
 
-TEST_F(FutureContinuation, ANamedCallableIsCopied) {
+TEST_F(FutureContinuation, AnLvalueCallableIsCopied) {
     const auto witness = std::make_shared<int>(0);
     const auto callable = [witness](Future<int>& ready) { *witness = ready.get(); };
     future.then(callable);
@@ -283,13 +293,22 @@ TEST_F(FutureContinuation, ANamedCallableIsCopied) {
     EXPECT_EQ(2, witness.use_count());
 }
 
-// Futures that are born resolved have states of a kind of their own.
+// Ready futures have states of another class: detail::ReadyState.
 
 TEST(ReadyFutureContinuation, ItRunsAtOnceAndTakesTheValue) {
     Future<int> future = makeReadyFuture(7);
     int seen = 0;
     future.then([&](Future<int>& ready) { seen = ready.get(); });
     EXPECT_EQ(7, seen);
+    expectThrows<std::runtime_error>(alreadyTaken, [&] { future.get(); });
+}
+
+TEST(ReadyFutureContinuation, GetOnTheHandleMayTakeTheValueFromIt) {
+    Future<int> future = makeReadyFuture(7);
+    future.then([&](Future<int>& ready) {
+        EXPECT_EQ(7, future.get());
+        expectThrows<std::runtime_error>(alreadyTaken, [&] { ready.get(); });
+    });
     expectThrows<std::runtime_error>(alreadyTaken, [&] { future.get(); });
 }
 
@@ -305,7 +324,7 @@ TEST(ReadyFutureContinuation, ItRunsAtOnceAndTakesTheException) {
     EXPECT_EQ("far", seen);
 }
 
-TEST(ReadyFutureContinuation, AnotherOneMayFollowWhenTheFirstLeftTheValue) {
+TEST(ReadyFutureContinuation, ASecondContinuationRunsWhenTheFirstDidNotTakeTheValue) {
     Future<int> future = makeReadyFuture(7);
     int seen = 0;
     future.then([](Future<int>&) {});
@@ -314,14 +333,14 @@ TEST(ReadyFutureContinuation, AnotherOneMayFollowWhenTheFirstLeftTheValue) {
     EXPECT_EQ(7, seen);
 }
 
-TEST(ReadyFutureContinuation, ItMayKeepItsFutureLongerThanTheHandle) {
+TEST(ReadyFutureContinuation, ItMayKeepItsFutureAfterTheHandleIsDestroyed) {
     Future<std::string> kept;
     makeReadyFuture<std::string>("text").then(
         [&](Future<std::string>& ready) { kept = std::move(ready); });
     EXPECT_EQ("text", kept.get());
 }
 
-TEST(ReadyFutureContinuation, WhatItThrowsGoesToTheCallerAndTheValueStays) {
+TEST(ReadyFutureContinuation, ItsExceptionLeavesThenAndTheValueIsKept) {
     Future<int> future = makeReadyFuture(7);
     expectThrows<std::runtime_error>(
         "mine", [&] { future.then([](Future<int>&) { throw std::runtime_error("mine"); }); });

@@ -39,7 +39,7 @@ struct WithoutDefault {
 };
 static_assert(!std::is_default_constructible_v<WithoutDefault>);
 
-/// Copying is forbidden although the bytes could be copied.
+/// Not copyable, although its bytes could be copied.
 struct TrivialMoveOnly {
     explicit TrivialMoveOnly(int newNumber) : number(newNumber) {}
     TrivialMoveOnly(TrivialMoveOnly&&) = default;
@@ -53,32 +53,32 @@ struct CopyOnly {
     int number;
 };
 
-/// A failure with a type of its own, outside of the standard's hierarchy.
+/// An exception that is not derived from std::exception.
 struct OwnFailure {
     int code;
 };
 
 } // namespace
 
-TEST(Future, ADefaultMadeOneIsNotValid) {
+TEST(Future, ADefaultConstructedFutureIsInvalid) {
     Future<int> future;
     EXPECT_FALSE(future.valid());
     expectThrows<std::runtime_error>(futureNotValid, [&] { future.get(); });
 }
 
-TEST(Future, OneOnANullStateIsNotValid) {
+TEST(Future, AFutureOnANullStateIsInvalid) {
     Future<int> future(std::shared_ptr<State>{});
     EXPECT_FALSE(future.valid());
     expectThrows<std::runtime_error>(futureNotValid, [&] { future.get(); });
 }
 
-TEST(Future, OneOnAStateIsValid) {
+TEST(Future, AFutureOnAStateIsValid) {
     const auto state = std::make_shared<State>();
     const Future<int> future(state);
     EXPECT_TRUE(future.valid());
 }
 
-TEST(Future, AMovedFromOneIsNotValidAndItsStateIsUntouched) {
+TEST(Future, AMovedFromFutureIsInvalidAndItsStateUnchanged) {
     Future<int> source = makeReadyFuture(1);
     Future<int> target = std::move(source);
     EXPECT_FALSE(source.valid());
@@ -87,13 +87,13 @@ TEST(Future, AMovedFromOneIsNotValidAndItsStateIsUntouched) {
     EXPECT_EQ(1, target.get());
 }
 
-TEST(Future, MovingANotValidOneGivesANotValidOne) {
+TEST(Future, MovingAnInvalidFutureGivesAnInvalidFuture) {
     Future<int> source;
     const Future<int> target = std::move(source);
     EXPECT_FALSE(target.valid());
 }
 
-TEST(Future, AMoveAssignedFromOneIsNotValid) {
+TEST(Future, AFutureIsInvalidAfterItWasMoveAssignedFrom) {
     Future<int> source = makeReadyFuture(1);
     Future<int> target = makeReadyFuture(2);
     target = std::move(source);
@@ -103,14 +103,14 @@ TEST(Future, AMoveAssignedFromOneIsNotValid) {
     EXPECT_EQ(1, target.get());
 }
 
-TEST(Future, AssigningANotValidOneInvalidates) {
+TEST(Future, AssigningAnInvalidFutureInvalidates) {
     Future<int> target = makeReadyFuture(2);
     target = Future<int>();
     EXPECT_FALSE(target.valid());
     expectThrows<std::runtime_error>(futureNotValid, [&] { target.get(); });
 }
 
-TEST(Future, AssigningReleasesTheFormerState) {
+TEST(Future, AssigningReleasesThePreviousState) {
     const auto state = std::make_shared<State>();
     Future<int> target(state);
     target = makeReadyFuture(1);
@@ -125,7 +125,7 @@ TEST(Future, AssigningToItselfChangesNothing) {
     EXPECT_EQ(1, future.get());
 }
 
-TEST(Future, ANotValidOneCanBeAssignedTo) {
+TEST(Future, AnInvalidFutureCanBeAssignedTo) {
     Future<int> future;
     future = makeReadyFuture(1);
     EXPECT_TRUE(future.valid());
@@ -141,7 +141,7 @@ TEST(Future, DestroyingItReleasesTheState) {
     EXPECT_EQ(1, state.use_count());
 }
 
-TEST(Future, DestroyingItLeavesThePendingState) {
+TEST(Future, DestroyingItLeavesTheStatePending) {
     const auto state = std::make_shared<State>();
     { const Future<int> future = state->getFuture(); }
     state->setValue(1);
@@ -154,7 +154,7 @@ TEST(Future, ItStaysValidAfterGet) {
     EXPECT_TRUE(future.valid());
 }
 
-TEST(Future, TwoOnOneStateShareTheOneResult) {
+TEST(Future, TwoFuturesOnOneStateShareItsResult) {
     const auto state = std::make_shared<State>();
     Future<int> first(state);
     Future<int> second(state);
@@ -170,42 +170,42 @@ TEST(MakeReadyFuture, TheValueIsReadOnce) {
     expectThrows<std::runtime_error>(alreadyTaken, [&] { future.get(); });
 }
 
-TEST(MakeReadyFuture, TheLibrarysOwnTypesAreThere) {
+TEST(MakeReadyFuture, TheTypesOfTheLibraryAreInstantiated) {
     EXPECT_TRUE(makeReadyFuture(true).get());
     EXPECT_FALSE(makeReadyFuture(false).get());
     const std::set<std::string> keys{"a", "b"};
     EXPECT_EQ(keys, makeReadyFuture(keys).get());
 }
 
-TEST(MakeReadyFuture, ABoolIsReadOnceToo) {
+TEST(MakeReadyFuture, ABoolIsReadOnce) {
     Future<bool> future = makeReadyFuture(true);
     future.get();
     expectThrows<std::runtime_error>(alreadyTaken, [&] { future.get(); });
 }
 
-TEST(MakeReadyFuture, ATypeThatOnlyMovesIsMovedThrough) {
+TEST(MakeReadyFuture, AMoveOnlyTypeIsMoved) {
     auto value = std::make_unique<int>(3);
     const int* const address = value.get();
     EXPECT_EQ(address, makeReadyFuture(std::move(value)).get().get());
 }
 
-TEST(MakeReadyFuture, ATrivialTypeThatOnlyMovesIsMovedThrough) {
+TEST(MakeReadyFuture, ATrivialMoveOnlyTypeIsMoved) {
     EXPECT_EQ(3, makeReadyFuture(TrivialMoveOnly(3)).get().number);
 }
 
-TEST(MakeReadyFuture, ATypeThatOnlyCopiesIsCopiedThrough) {
+TEST(MakeReadyFuture, ACopyOnlyTypeIsCopied) {
     EXPECT_EQ(3, makeReadyFuture(CopyOnly(3)).get().number);
 }
 
-TEST(MakeReadyFuture, ATypeWithoutDefaultConstructorWillDo) {
+TEST(MakeReadyFuture, ATypeWithoutDefaultConstructorIsAccepted) {
     EXPECT_EQ(3, makeReadyFuture(WithoutDefault(3)).get().number);
 }
 
-TEST(MakeReadyFuture, AStringLiteralBecomesTheTypeThatIsNamed) {
+TEST(MakeReadyFuture, AStringLiteralIsConvertedToTheNamedType) {
     EXPECT_EQ("text", makeReadyFuture<std::string>("text").get());
 }
 
-TEST(MakeReadyFuture, AnExceptionPointerIsAValueLikeOthers) {
+TEST(MakeReadyFuture, AnExceptionPointerIsAnOrdinaryValue) {
     const auto exception = std::make_exception_ptr(OwnFailure{1});
     EXPECT_EQ(exception, makeReadyFuture(exception).get());
 }
@@ -224,7 +224,7 @@ TEST(MakeFailedFuture, OtherTypesAreKept) {
         "far", [] { makeFailedFuture<std::string>(std::out_of_range("far")).get(); });
 }
 
-TEST(MakeFailedFuture, AnyClassWillDo) {
+TEST(MakeFailedFuture, AnyClassIsAccepted) {
     try {
         makeFailedFuture<std::unique_ptr<int>>(OwnFailure{17}).get();
         FAIL() << "nothing was thrown";

@@ -1,4 +1,4 @@
-/// The private fields that the tests of results and streams look at or set.
+/// The private fields that the tests of futures and publishers read or write.
 #pragma once
 
 #include <connector/async/CachedValuePublisher.hpp>
@@ -11,16 +11,16 @@ namespace test {
 using State = connector::detail::SharedFutureState<int>;
 using IntPublisher = connector::reactive_streams::CachedValuePublisher<int>;
 
-/// Writes the status alone, as foreign code might: no result, and nobody is woken.
+/// Writes the status only, as foreign code might: stores no result and wakes no thread.
 void setStatus(State& state, connector::detail::FutureStatus status);
 
-/// Whether a thread sleeps in get. (get marks the value as taken and goes to sleep under one lock.)
+/// @return whether a thread waits in get, which sets valueTaken and starts to wait under one lock
 bool isWaitedFor(State& state);
 
-/// Writes the state alone: nobody is called.
+/// Writes the state only: calls nothing.
 void setState(IntPublisher& publisher, connector::reactive_streams::PublisherState state);
 
-/// What a stream in the state Errored hands to a late subscriber.
+/// Writes the error that a late subscriber of a stream in the state Errored gets.
 void setError(IntPublisher& publisher, std::exception_ptr error);
 
 std::uint64_t demandOf(IntPublisher& publisher);

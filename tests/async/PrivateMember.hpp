@@ -1,10 +1,10 @@
-/// Reaches a private data member from a test.
+/// Gives a test access to a private data member.
 ///
-/// Some states are answered by the library although none of its operations enters them: a status
-/// that another party wrote into a shared state, a stream that failed. No public operation leads
-/// there, and the classes shall not grow one for tests. The language itself allows what is done
-/// here: the usual access checks do not apply to the names in an explicit instantiation, so a
-/// template that is instantiated with a pointer to a private member may hand that pointer out.
+/// The library handles some states that none of its operations enters: a status that foreign code
+/// has written, a stream that failed. The classes should not get an operation for tests only. The
+/// language allows what is done here: access checks do not apply to the names in an explicit
+/// instantiation, so a template that is instantiated with a pointer to a private member may return
+/// that pointer.
 ///
 ///     struct Status {                                            // a tag: one for each member
 ///         friend FutureStatus State::*privateMember(Status);
@@ -13,7 +13,7 @@
 ///     ...
 ///     state.*privateMember(Status()) = FutureStatus::Cancelled;
 ///
-/// An explicit instantiation may stand in a program once only, therefore in a source file.
+/// A program may contain an explicit instantiation only once, so it belongs into a source file.
 #pragma once
 
 namespace test {

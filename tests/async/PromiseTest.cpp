@@ -54,13 +54,13 @@ TEST(Promise, ItsExceptionReachesItsFuture) {
     expectThrows<std::out_of_range>("far", [&] { future.get(); });
 }
 
-TEST(Promise, TheFutureMayBeFetchedAfterTheValue) {
+TEST(Promise, TheFutureCanBeRequestedAfterTheValue) {
     Promise<int> promise;
     promise.setValue(5);
     EXPECT_EQ(5, promise.getFuture().get());
 }
 
-TEST(Promise, TypesOfEveryKindWillDo) {
+TEST(Promise, TypesOfEveryKindAreAccepted) {
     Promise<std::unique_ptr<int>> onlyMoves;
     onlyMoves.setValue(std::make_unique<int>(1));
     EXPECT_EQ(1, *onlyMoves.getFuture().get());
@@ -99,13 +99,13 @@ TEST(Promise, ASecondFutureIsRefused) {
     expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { promise.getFuture(); });
 }
 
-TEST(Promise, ASecondFutureIsRefusedAfterTheFirstHasGone) {
+TEST(Promise, ASecondFutureIsRefusedAfterTheFirstIsDestroyed) {
     Promise<int> promise;
     promise.getFuture();
     expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { promise.getFuture(); });
 }
 
-TEST(Promise, DestroyingAPendingOneFailsItsFuture) {
+TEST(Promise, DestroyingAPendingPromiseFailsItsFuture) {
     Future<int> future;
     {
         Promise<int> promise;
@@ -114,7 +114,7 @@ TEST(Promise, DestroyingAPendingOneFailsItsFuture) {
     expectThrows<std::runtime_error>(abandoned, [&] { future.get(); });
 }
 
-TEST(Promise, DestroyingItAfterTheValueLeavesTheValue) {
+TEST(Promise, DestroyingAResolvedPromiseKeepsTheValue) {
     Future<int> future;
     {
         Promise<int> promise;
@@ -124,7 +124,7 @@ TEST(Promise, DestroyingItAfterTheValueLeavesTheValue) {
     EXPECT_EQ(1, future.get());
 }
 
-TEST(Promise, DestroyingItAfterTheExceptionLeavesTheException) {
+TEST(Promise, DestroyingAFailedPromiseKeepsTheException) {
     Future<int> future;
     {
         Promise<int> promise;
@@ -134,7 +134,7 @@ TEST(Promise, DestroyingItAfterTheExceptionLeavesTheException) {
     expectThrows<std::runtime_error>("no", [&] { future.get(); });
 }
 
-TEST(Promise, AMovedFromOneIsNotValid) {
+TEST(Promise, AMovedFromPromiseIsInvalid) {
     Promise<int> source;
     const Promise<int> target = std::move(source);
     expectThrows<std::runtime_error>(promiseNotValid, [&] { source.setValue(1); });
@@ -142,7 +142,7 @@ TEST(Promise, AMovedFromOneIsNotValid) {
     expectThrows<std::runtime_error>(promiseNotValid, [&] { source.getFuture(); });
 }
 
-TEST(Promise, ThatItIsNotValidIsSaidBeforeThatTheExceptionIsNull) {
+TEST(Promise, ValidityIsCheckedBeforeANullException) {
     Promise<int> source;
     const Promise<int> target = std::move(source);
     expectThrows<std::runtime_error>(promiseNotValid, [&] { source.setException(nullptr); });
@@ -156,7 +156,7 @@ TEST(Promise, TheResultMovesWithIt) {
     EXPECT_EQ(1, future.get());
 }
 
-TEST(Promise, DestroyingAMovedFromOneAbandonsNothing) {
+TEST(Promise, DestroyingAMovedFromPromiseAbandonsNothing) {
     Promise<int> target;
     Future<int> future;
     {
@@ -168,7 +168,7 @@ TEST(Promise, DestroyingAMovedFromOneAbandonsNothing) {
     EXPECT_EQ(1, future.get());
 }
 
-TEST(Promise, AMoveAssignedFromOneIsNotValid) {
+TEST(Promise, APromiseIsInvalidAfterItWasMoveAssignedFrom) {
     Promise<int> source;
     Promise<int> target;
     target = std::move(source);
@@ -177,14 +177,14 @@ TEST(Promise, AMoveAssignedFromOneIsNotValid) {
     EXPECT_EQ(1, target.getFuture().get());
 }
 
-TEST(Promise, OneThatIsAssignedOverIsAbandoned) {
+TEST(Promise, AssignmentAbandonsThePreviousResult) {
     Promise<int> promise;
     Future<int> future = promise.getFuture();
     promise = Promise<int>();
     expectThrows<std::runtime_error>(abandoned, [&] { future.get(); });
 }
 
-TEST(Promise, OneThatIsAssignedOverLeavesItsValue) {
+TEST(Promise, AssignmentKeepsAPreviousValue) {
     Promise<int> promise;
     Future<int> future = promise.getFuture();
     promise.setValue(1);
@@ -192,7 +192,7 @@ TEST(Promise, OneThatIsAssignedOverLeavesItsValue) {
     EXPECT_EQ(1, future.get());
 }
 
-TEST(Promise, AssigningANotValidOneInvalidates) {
+TEST(Promise, AssigningAnInvalidPromiseInvalidates) {
     Promise<int> source;
     const Promise<int> elsewhere = std::move(source);
     Promise<int> target;
@@ -209,7 +209,7 @@ TEST(Promise, AssigningToItselfChangesNothing) {
     EXPECT_EQ(1, future.get());
 }
 
-TEST(Promise, ANotValidOneCanBeAssignedTo) {
+TEST(Promise, AnInvalidPromiseCanBeAssignedTo) {
     Promise<int> promise;
     const Promise<int> elsewhere = std::move(promise);
     promise = Promise<int>();
@@ -217,7 +217,7 @@ TEST(Promise, ANotValidOneCanBeAssignedTo) {
     EXPECT_EQ(1, promise.getFuture().get());
 }
 
-TEST(Promise, ItMayGoWhileAContinuationOfItsOwnRuns) {
+TEST(Promise, ItMayBeDestroyedByItsOwnContinuation) {
     auto promise = std::make_unique<Promise<int>>();
     int seen = 0;
     promise->getFuture().then([&](Future<int>& future) {
@@ -228,7 +228,7 @@ TEST(Promise, ItMayGoWhileAContinuationOfItsOwnRuns) {
     EXPECT_EQ(1, seen);
 }
 
-TEST(Promise, AContinuationMayDestroyThePromiseThatIsAssignedOver) {
+TEST(Promise, AContinuationMayDestroyTheTargetOfAnAssignment) {
     auto target = std::make_unique<Promise<int>>();
     Promise<int> source;
     Future<int> future = source.getFuture();
@@ -238,7 +238,7 @@ TEST(Promise, AContinuationMayDestroyThePromiseThatIsAssignedOver) {
     expectThrows<std::runtime_error>(abandoned, [&] { future.get(); });
 }
 
-TEST(Promise, AContinuationMayDestroyThePromiseThatIsAssignedFrom) {
+TEST(Promise, AContinuationMayDestroyTheSourceOfAnAssignment) {
     Promise<int> target;
     auto source = std::make_unique<Promise<int>>();
     Future<int> future = source->getFuture();

@@ -1,4 +1,4 @@
-/// Threads that start together.
+/// Threads that start at the same time.
 #pragma once
 
 #include <atomic>
@@ -9,7 +9,8 @@
 
 namespace test {
 
-/// Runs every action on a thread of its own, all at once, and waits until they have ended.
+/// Runs every action on a thread of its own, all at the same time, and waits until all have
+/// returned.
 inline void race(const std::vector<std::function<void()>>& actions) {
     std::atomic<std::size_t> waiting{actions.size()};
     std::vector<std::thread> threads;

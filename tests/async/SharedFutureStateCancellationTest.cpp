@@ -1,4 +1,4 @@
-/// Results that were given up, and statuses that only foreign code can write.
+/// Cancelled states, and statuses that only foreign code can write.
 #include <connector/async/SharedFutureState.hpp>
 
 #include "async/Internals.hpp"
@@ -33,7 +33,7 @@ constexpr auto outsideOfTheEnumeration = static_cast<FutureStatus>(4);
 
 } // namespace
 
-TEST(SharedFutureStateCancellation, CancellingAPendingStateIsToldToItsReader) {
+TEST(SharedFutureStateCancellation, ReadingACancelledStateThrows) {
     const auto state = pendingState();
     EXPECT_TRUE(state->cancel());
     expectThrows<std::runtime_error>(cancelled, [&] { state->get(); });
@@ -71,13 +71,13 @@ TEST(SharedFutureStateCancellation, ACancelledStateDropsAnExceptionSilently) {
     expectThrows<std::runtime_error>(cancelled, [&] { state->get(); });
 }
 
-TEST(SharedFutureStateCancellation, ACancelledStateHandsOutItsFuture) {
+TEST(SharedFutureStateCancellation, ACancelledStateReturnsItsFuture) {
     Future<int> future = cancelledState()->getFuture();
     EXPECT_TRUE(future.valid());
     expectThrows<std::runtime_error>(cancelled, [&] { future.get(); });
 }
 
-// Only foreign code can write such a status; the answers are fixed all the same.
+// Only foreign code can write such a status.
 TEST(SharedFutureStateCancellation, AnUnknownStatusCannotBeRead) {
     const auto state = pendingState();
     setStatus(*state, outsideOfTheEnumeration);
@@ -95,7 +95,7 @@ TEST(SharedFutureStateCancellation, AnUnknownStatusCountsAsResolved) {
     expectThrows<std::runtime_error>(invalidStatus, [&] { state->get(); });
 }
 
-TEST(SharedFutureStateCancellation, ACancellationWrittenByForeignCodeIsRespected) {
+TEST(SharedFutureStateCancellation, ACancellationWrittenByForeignCodeCounts) {
     const auto state = pendingState();
     setStatus(*state, FutureStatus::Cancelled);
     state->setValue(1);

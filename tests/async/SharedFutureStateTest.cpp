@@ -97,7 +97,7 @@ TEST(SharedFutureState, AnExceptionIsFinal) {
     expectThrows<std::runtime_error>("first", [&] { state->get(); });
 }
 
-TEST(SharedFutureState, ReadingAValueDoesNotReopenTheState) {
+TEST(SharedFutureState, ReadingAValueDoesNotAllowAnotherOne) {
     const auto state = stateWith(1);
     state->get();
     expectThrows<std::runtime_error>(alreadyResolved, [&] { state->setValue(2); });
@@ -116,11 +116,11 @@ TEST(SharedFutureState, ANullExceptionIsRefused) {
     EXPECT_EQ(3, state->get());
 }
 
-TEST(SharedFutureState, ANullExceptionIsRefusedAfterTheResolutionToo) {
+TEST(SharedFutureState, ANullExceptionIsRefusedOnAResolvedState) {
     expectThrows<std::invalid_argument>(nullException, [] { stateWith(1)->setException(nullptr); });
 }
 
-TEST(SharedFutureState, OneFutureIsHandedOut) {
+TEST(SharedFutureState, GetFutureSucceedsOnce) {
     const auto state = stateWith(5);
     Future<int> future = state->getFuture();
     EXPECT_TRUE(future.valid());
@@ -128,7 +128,7 @@ TEST(SharedFutureState, OneFutureIsHandedOut) {
     EXPECT_EQ(5, future.get());
 }
 
-TEST(SharedFutureState, AFutureIsHandedOutAfterTheValueWasTaken) {
+TEST(SharedFutureState, GetFutureSucceedsAfterTheValueWasTaken) {
     const auto state = stateWith(5);
     state->get();
     Future<int> future = state->getFuture();
@@ -143,18 +143,18 @@ TEST(SharedFutureState, TheFutureKeepsTheStateAlive) {
     EXPECT_EQ(5, future.get());
 }
 
-TEST(SharedFutureState, AStateThatNobodySharesHasNoFuture) {
+TEST(SharedFutureState, GetFutureThrowsWithoutASharedPointer) {
     State state;
     EXPECT_THROW(state.getFuture(), std::bad_weak_ptr);
 }
 
-TEST(SharedFutureState, AFailedHandOutCountsAsTheOneFuture) {
+TEST(SharedFutureState, AFailedGetFutureCounts) {
     State state;
     EXPECT_THROW(state.getFuture(), std::bad_weak_ptr);
     expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { state.getFuture(); });
 }
 
-TEST(SharedFutureState, AStateThatNobodySharesIsResolvedAndRead) {
+TEST(SharedFutureState, AStateWithoutASharedPointerIsResolvedAndRead) {
     State state;
     state.setValue(4);
     EXPECT_EQ(4, state.get());
@@ -167,25 +167,25 @@ TEST(SharedFutureState, AbandoningAPendingStateFailsIt) {
     expectThrows<std::runtime_error>(alreadyResolved, [&] { state->setValue(1); });
 }
 
-TEST(SharedFutureState, AbandoningLeavesAValue) {
+TEST(SharedFutureState, AbandoningKeepsAValue) {
     const auto state = stateWith(1);
     state->abandon();
     EXPECT_EQ(1, state->get());
 }
 
-TEST(SharedFutureState, AbandoningLeavesAnException) {
+TEST(SharedFutureState, AbandoningKeepsAnException) {
     const auto state = failedState("first");
     state->abandon();
     expectThrows<std::runtime_error>("first", [&] { state->get(); });
 }
 
-TEST(SharedFutureState, AbandoningLeavesACancellation) {
+TEST(SharedFutureState, AbandoningKeepsACancellation) {
     const auto state = cancelledState();
     state->abandon();
     expectThrows<std::runtime_error>(cancelled, [&] { state->get(); });
 }
 
-TEST(SharedFutureState, TheValueDiesWithTheState) {
+TEST(SharedFutureState, TheValueIsDestroyedWithTheState) {
     const auto value = std::make_shared<int>(1);
     auto state = std::make_shared<SharedFutureState<std::shared_ptr<int>>>();
     state->setValue(value);
@@ -194,7 +194,7 @@ TEST(SharedFutureState, TheValueDiesWithTheState) {
     EXPECT_EQ(1, value.use_count());
 }
 
-TEST(SharedFutureState, TheExceptionDiesWithTheState) {
+TEST(SharedFutureState, TheExceptionIsDestroyedWithTheState) {
     struct Failure {
         std::shared_ptr<int> witness;
     };

@@ -1,4 +1,4 @@
-/// Shared states of every kind.
+/// Makes shared states with every status.
 #pragma once
 
 #include "async/Internals.hpp"

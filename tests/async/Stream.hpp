@@ -1,4 +1,4 @@
-/// One publisher of numbers with the subscriber that records what it is told.
+/// A publisher of numbers and a subscriber that records its calls.
 #pragma once
 
 #include "async/Internals.hpp"
@@ -14,11 +14,11 @@
 
 namespace test {
 
-/// What happened, in order: "onSubscribe", "onNext 7", "onComplete", "onError TEXT", "onCancelled",
-/// "finish", and what a test adds.
+/// The calls in their order: "onSubscribe", "onNext 7", "onComplete", "onError TEXT",
+/// "onCancelled", "finish", and what a test adds.
 using Events = std::vector<std::string>;
 
-/// Records every call, then does what the test has put in its place.
+/// Records every call, then calls the function that the test has set for it.
 class RecordingSubscriber final : public connector::reactive_streams::Subscriber<int> {
 public:
     explicit RecordingSubscriber(Events& newEvents) : events(newEvents) {}
@@ -60,7 +60,7 @@ private:
     Events& events;
 };
 
-/// Declare it first: its parts are used until it goes.
+/// Declare it first: its callbacks use it until it is destroyed.
 class Stream {
 public:
     explicit Stream(int capacity = 1)
@@ -78,7 +78,7 @@ public:
     void cancel() { subscriber->subscription.lock()->cancel(); }
     void destroy() { publisher.reset(); }
 
-    /// @return what happened since the last call
+    /// @return the events since the last call
     Events take() { return std::exchange(events, {}); }
 
     Events events;
@@ -93,7 +93,7 @@ private:
     }
 };
 
-/// A stream whose subscriber is attached, and whose events begin after that.
+/// A stream whose subscriber is attached. Its events start after onSubscribe.
 class SubscribedStream : public Stream {
 public:
     explicit SubscribedStream(int capacity = 1) : Stream(capacity) {

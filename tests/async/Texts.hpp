@@ -1,5 +1,5 @@
-/// What results throw, letter for letter. The texts stand here once more, instead of being taken
-/// from the library, so that a change there shows.
+/// The exact texts of the exceptions. They are repeated here, so that a change in the library fails
+/// the tests.
 #pragma once
 
 namespace test {

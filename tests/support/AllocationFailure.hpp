@@ -9,7 +9,7 @@
 namespace test {
 
 /// Makes the n-th allocation that this thread makes from now on fail, unless it is destroyed first.
-/// Not to be nested.
+/// Only one may exist in a thread at a time.
 class AllocationFailure {
 public:
     /// @param nth  1 for the next allocation
@@ -25,12 +25,12 @@ private:
     const std::size_t number;
 };
 
-/// Runs `operation` once for each of its allocations, which then fails, and at last without a failure.
-/// Each run has a subject of its own.
-/// @param makeSubject   called before each run, without a failure; returns what `operation` works on
+/// Runs `operation` once for each of its allocations, which fails in that run, and once without a
+/// failure. Each run has a subject of its own.
+/// @param makeSubject   called before each run; returns the object that `operation` works on
 /// @param operation     called with the subject; throws std::bad_alloc, or succeeds in spite of the
-///                      failure. Any other exception leaves. Expectations belong into the next two:
-///                      they allocate.
+///                      failure. Any other exception leaves. It should contain no expectation of
+///                      gtest, because those allocate.
 /// @param afterFailure  called with the subject after each run that threw std::bad_alloc
 /// @param afterSuccess  called with the subject after each run that did not, the last one included
 /// @return in how many runs an allocation failed

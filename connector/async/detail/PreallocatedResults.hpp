@@ -9,11 +9,11 @@
 
 namespace connector::detail {
 
-/// What a state stores when no memory is left for the cell of its result, and must not fail.
+/// What a state stores if it must not fail and there is no memory for the cell of its result.
 ///
-/// A promise that is destroyed stores an exception. A publisher that is destroyed or cancelled stores
-/// a bool. An exception would end the program in the first two cases, and leave a stream half ended
-/// in the third. Nobody changes these cells: readers copy a bool and an exception pointer.
+/// A promise that is destroyed stores an exception. A publisher that is destroyed or cancelled
+/// stores a bool. A std::bad_alloc would end the program in the first two cases, and leave the
+/// stream inconsistent in the third. The cells never change: readers copy from them.
 class CONNECTOR_EXPORT PreallocatedResults {
 public:
     bool* value(bool which) { return &values[which ? 1 : 0]; }
@@ -32,8 +32,8 @@ private:
         std::make_exception_ptr(std::runtime_error(errors::promiseAbandoned));
 };
 
-/// The one instance, allocated when the program is loaded. It is never destroyed: states may be
-/// destroyed after every static object.
+/// The only instance, allocated when the program is loaded. It is never destroyed, because a state
+/// may outlive all static objects.
 CONNECTOR_EXPORT inline PreallocatedResults& preallocatedResults = *new PreallocatedResults;
 
 } // namespace connector::detail

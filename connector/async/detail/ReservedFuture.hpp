@@ -10,12 +10,13 @@ namespace connector::detail {
 
 /// Allocates a ready future ahead of time.
 ///
-/// An operation that makes a change and only then knows its result would have to allocate the future
-/// last. If that failed, the caller would see std::bad_alloc from an operation that took effect. Such
-/// an operation constructs a ReservedFuture before the change and resolves it afterwards.
+/// An operation that changes something and returns the result of the change would allocate the
+/// future last. If that failed, the caller would get std::bad_alloc from an operation that has
+/// succeeded. Such an operation constructs a ReservedFuture before the change and resolves it
+/// afterwards.
 ///
-/// What resolve returns cannot be told from what makeReadyFuture returns: the same kind of state, the
-/// same two allocations, nothing taken.
+/// The future that resolve returns is like that of makeReadyFuture: same kind of state, same two
+/// allocations, value not taken, no future retrieved.
 /// @tparam T  default-constructible and move-assignable
 template <typename T>
 class ReservedFuture {
@@ -27,7 +28,7 @@ public:
     ReservedFuture(const ReservedFuture&) = delete;
     ReservedFuture& operator=(const ReservedFuture&) = delete;
 
-    /// Does not allocate. Call it at most once.
+    /// Allocates nothing. REQUIRES: not called before.
     /// @return a future that is resolved with `value`
     /// @throws what the move assignment of T throws
     Future<T> resolve(T value) && {

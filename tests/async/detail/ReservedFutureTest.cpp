@@ -62,7 +62,7 @@ TEST(ReservedFuture, ResolvingAllocatesNothing) {
     EXPECT_TRUE(OptionValue(longText) == future.get());
 }
 
-TEST(ReservedFuture, ReservingLeaksNothingWhenMemoryRunsOut) {
+TEST(ReservedFuture, ReservingFailsWithoutLeaks) {
     const auto makeNothing = [] { return std::optional<ReservedFuture<OptionValue>>(); };
     const std::size_t failures = test::failEveryAllocation(
         makeNothing, [](auto& reserved) { reserved.emplace(); },
@@ -73,14 +73,14 @@ TEST(ReservedFuture, ReservingLeaksNothingWhenMemoryRunsOut) {
     EXPECT_EQ(2u, failures);
 }
 
-TEST(ReservedFuture, TheValueIsDestroyedWhetherItIsResolvedOrNot) {
+TEST(ReservedFuture, TheResultIsDestroyedWithTheFuture) {
     { const ReservedFuture<Counted> unused; }
     EXPECT_EQ(0, Counted::alive);
     ReservedFuture<Counted>().resolve(Counted());
     EXPECT_EQ(0, Counted::alive);
 }
 
-TEST(ReservedFuture, EveryResultOfTheCoreIsReadBack) {
+TEST(ReservedFuture, TheValueIsReadBack) {
     EXPECT_TRUE(readBack(true));
     EXPECT_FALSE(readBack(false));
     EXPECT_TRUE(OptionValue(longText) == readBack(OptionValue(longText)));
@@ -90,13 +90,13 @@ TEST(ReservedFuture, EveryResultOfTheCoreIsReadBack) {
     EXPECT_TRUE(OptionValue(1.5) == option.value);
 }
 
-TEST(ReservedFuture, AValueThatCannotBeCopiedIsMovedThrough) {
+TEST(ReservedFuture, AMoveOnlyValueIsMoved) {
     auto number = std::make_unique<int>(7);
     const int* const address = number.get();
     EXPECT_EQ(address, readBack(std::move(number)).get());
 }
 
-TEST(ReservedFuture, TheValueIsTakenOnce) {
+TEST(ReservedFuture, TheValueIsReadOnce) {
     Future<bool> future = ReservedFuture<bool>().resolve(true);
     EXPECT_TRUE(future.valid());
     EXPECT_TRUE(future.get());

@@ -1,7 +1,7 @@
-/// Futures, promises and publishers when no memory is left. Replaces operator new.
+/// Futures, promises and publishers when memory runs out. Replaces operator new.
 ///
 /// Each test makes every allocation of one operation fail in turn. The operation either throws
-/// std::bad_alloc and has changed nothing, or needs no memory to succeed.
+/// std::bad_alloc and has changed nothing, or succeeds without the memory.
 #include <connector/async/CachedValuePublisher.hpp>
 #include <connector/async/Promise.hpp>
 
@@ -50,7 +50,7 @@ std::optional<Future<Text>> noFuture() {
     return std::nullopt;
 }
 
-/// A stream of texts that counts what happens. It records without memory.
+/// A stream of texts. Its callbacks need memory for long texts only.
 class TextStream {
 public:
     explicit TextStream(int capacity)
@@ -97,7 +97,7 @@ std::unique_ptr<TextStream> subscribedStream(int capacity = 1) {
     return stream;
 }
 
-/// Fills the queue with "1", "2", ... until a value more would have to allocate.
+/// @return how many short texts an unlimited queue holds when it allocates for the first time
 int fillUntilTheNextValueAllocates(TextStream& stream) {
     for (int count = 0;; ++count) {
         const std::size_t before = test::allocationCount();
@@ -109,7 +109,7 @@ int fillUntilTheNextValueAllocates(TextStream& stream) {
 
 } // namespace
 
-TEST(FutureMemoryRunsOut, MakingAReadyFutureGivesNone) {
+TEST(FutureOutOfMemory, AReadyFutureIsMadeOrNot) {
     EXPECT_EQ(2u,
               failEveryAllocation(
                   [] { return std::pair(noFuture(), longText); },
@@ -118,7 +118,7 @@ TEST(FutureMemoryRunsOut, MakingAReadyFutureGivesNone) {
                   [](auto& subject) { EXPECT_EQ(longText, subject.first->get()); }));
 }
 
-TEST(FutureMemoryRunsOut, MakingAFailedFutureGivesNone) {
+TEST(FutureOutOfMemory, AFailedFutureIsMadeOrNot) {
     const std::runtime_error exception("the copies of an exception share their text");
     EXPECT_EQ(2u, failEveryAllocation(
                       noFuture, [&](auto& future) { future = makeFailedFuture<Text>(exception); },
@@ -126,7 +126,7 @@ TEST(FutureMemoryRunsOut, MakingAFailedFutureGivesNone) {
                       [](auto& future) { EXPECT_THROW(future->get(), std::runtime_error); }));
 }
 
-TEST(FutureMemoryRunsOut, ReadingAndMovingNeedNoMemory) {
+TEST(FutureOutOfMemory, ReadingAndMovingNeedNoMemory) {
     const auto makeFuture = [] { return makeReadyFuture(longText); };
     EXPECT_EQ(0u, failEveryAllocation(
                       makeFuture,
@@ -139,7 +139,7 @@ TEST(FutureMemoryRunsOut, ReadingAndMovingNeedNoMemory) {
                       nothing, nothing));
 }
 
-TEST(FutureMemoryRunsOut, AContinuationThatCannotBeAttachedLeavesTheFuture) {
+TEST(FutureOutOfMemory, AFailedThenLeavesTheFutureUnchanged) {
     struct Subject : PromiseAndFuture {
         Text seen;
     };
@@ -161,7 +161,7 @@ TEST(FutureMemoryRunsOut, AContinuationThatCannotBeAttachedLeavesTheFuture) {
     EXPECT_EQ(1u, failures);
 }
 
-TEST(PromiseMemoryRunsOut, AValueThatCannotBeStoredLeavesThePromisePending) {
+TEST(PromiseOutOfMemory, AFailedSetValueLeavesThePromisePending) {
     const std::size_t failures =
         failEveryAllocation([] { return std::make_unique<PromiseAndFuture>(); },
                             [](auto& subject) { subject->promise.setValue(longText); },
@@ -173,7 +173,7 @@ TEST(PromiseMemoryRunsOut, AValueThatCannotBeStoredLeavesThePromisePending) {
     EXPECT_EQ(2u, failures); // the copy of the text, the cell
 }
 
-TEST(PromiseMemoryRunsOut, AnExceptionThatCannotBeStoredLeavesThePromisePending) {
+TEST(PromiseOutOfMemory, AFailedSetExceptionLeavesThePromisePending) {
     const auto exception = std::make_exception_ptr(std::out_of_range("far"));
     const std::size_t failures = failEveryAllocation(
         [] { return std::make_unique<PromiseAndFuture>(); },
@@ -186,7 +186,7 @@ TEST(PromiseMemoryRunsOut, AnExceptionThatCannotBeStoredLeavesThePromisePending)
     EXPECT_EQ(1u, failures);
 }
 
-TEST(PromiseMemoryRunsOut, AFailedResolutionRunsNoContinuation) {
+TEST(PromiseOutOfMemory, AFailedSetValueRunsNoContinuation) {
     struct Subject : PromiseAndFuture {
         Subject() {
             future.then([this](Future<Text>& ready) {
@@ -207,18 +207,18 @@ TEST(PromiseMemoryRunsOut, AFailedResolutionRunsNoContinuation) {
                         [](auto& subject) { EXPECT_EQ(1, subject->calls); });
 }
 
-TEST(PromiseMemoryRunsOut, ABoolIsAlwaysStored) {
+TEST(PromiseOutOfMemory, ABoolIsAlwaysStored) {
     for (const bool value : {false, true}) {
         const auto makePromise = [] { return Promise<bool>(); };
         const std::size_t failures = failEveryAllocation(
             makePromise, [&](auto& promise) { promise.setValue(value); },
-            [](auto&) { ADD_FAILURE() << "a bool was not stored"; },
+            [](auto&) { ADD_FAILURE() << "setValue has thrown"; },
             [&](auto& promise) { EXPECT_EQ(value, promise.getFuture().get()); });
         EXPECT_EQ(1u, failures);
     }
 }
 
-TEST(PromiseMemoryRunsOut, DestroyingItFailsItsFutureAllTheSame) {
+TEST(PromiseOutOfMemory, TheDestructorFailsTheFutureWithoutMemory) {
     struct Subject {
         std::optional<Promise<Text>> promise{std::in_place};
         Future<Text> future = promise->getFuture();
@@ -232,7 +232,7 @@ TEST(PromiseMemoryRunsOut, DestroyingItFailsItsFutureAllTheSame) {
     EXPECT_GE(failures, 2u); // the text of the exception, the cell
 }
 
-TEST(PromiseMemoryRunsOut, AssigningOverItFailsItsFutureAllTheSame) {
+TEST(PromiseOutOfMemory, AnAssignmentFailsThePreviousFutureWithoutMemory) {
     const std::size_t failures = failEveryAllocation(
         [] { return std::make_unique<std::pair<PromiseAndFuture, Promise<Text>>>(); },
         [](auto& subject) { subject->first.promise = std::move(subject->second); },
@@ -244,26 +244,26 @@ TEST(PromiseMemoryRunsOut, AssigningOverItFailsItsFutureAllTheSame) {
     EXPECT_GE(failures, 2u);
 }
 
-TEST(PromiseMemoryRunsOut, MakingAPromiseGivesNone) {
+TEST(PromiseOutOfMemory, APromiseIsConstructedOrNot) {
     EXPECT_EQ(1u, failEveryAllocation([] { return std::optional<Promise<Text>>(); },
                                       [](auto& promise) { promise.emplace(); },
                                       [](auto& promise) { EXPECT_FALSE(promise.has_value()); },
                                       [](auto& promise) { promise->setValue(longText); }));
 }
 
-TEST(PromiseMemoryRunsOut, HandingOutTheFutureNeedsNoMemory) {
+TEST(PromiseOutOfMemory, GetFutureNeedsNoMemory) {
     EXPECT_EQ(0u,
               failEveryAllocation([] { return Promise<Text>(); },
                                   [](auto& promise) { promise.getFuture(); }, nothing, nothing));
 }
 
-TEST(SharedFutureStateMemoryRunsOut, CancellingNeedsNoMemory) {
+TEST(SharedFutureStateOutOfMemory, CancellingNeedsNoMemory) {
     EXPECT_EQ(0u, failEveryAllocation([] { return std::make_shared<State>(); },
                                       [](auto& state) { state->cancel(); }, nothing,
                                       [](auto& state) { EXPECT_FALSE(state->cancel()); }));
 }
 
-TEST(SharedFutureStateMemoryRunsOut, AbandoningFailsItAllTheSame) {
+TEST(SharedFutureStateOutOfMemory, AbandoningNeedsNoMemory) {
     const std::size_t failures = failEveryAllocation(
         [] { return std::make_shared<State>(); }, [](auto& state) { state->abandon(); },
         [](auto&) { ADD_FAILURE() << "abandon has thrown"; },
@@ -273,7 +273,7 @@ TEST(SharedFutureStateMemoryRunsOut, AbandoningFailsItAllTheSame) {
     EXPECT_GE(failures, 2u);
 }
 
-TEST(SharedFutureStateMemoryRunsOut, StatesShareThePreallocatedException) {
+TEST(SharedFutureStateOutOfMemory, StatesShareThePreallocatedException) {
     const auto abandonedWithoutMemory = [] {
         auto state = std::make_shared<State>();
         const AllocationFailure failure(1);
@@ -286,7 +286,7 @@ TEST(SharedFutureStateMemoryRunsOut, StatesShareThePreallocatedException) {
     expectThrows<std::runtime_error>(test::abandoned, [&] { second->get(); });
 }
 
-TEST(CachedValuePublisherMemoryRunsOut, ConstructingItLeaksNothing) {
+TEST(CachedValuePublisherOutOfMemory, APublisherIsConstructedOrNot) {
     const std::size_t failures = failEveryAllocation(
         [] { return std::shared_ptr<CachedValuePublisher<Text>>(); },
         [](auto& publisher) { publisher = std::make_shared<CachedValuePublisher<Text>>([] {}, 1); },
@@ -295,7 +295,7 @@ TEST(CachedValuePublisherMemoryRunsOut, ConstructingItLeaksNothing) {
     EXPECT_GE(failures, 2u); // the publisher, the state of its promise
 }
 
-TEST(CachedValuePublisherMemoryRunsOut, AFailedSubscriptionLeavesTheStreamFree) {
+TEST(CachedValuePublisherOutOfMemory, AFailedSubscribeAttachesNoSubscriber) {
     const std::size_t failures =
         failEveryAllocation([] { return newStream(); },
                             [](auto& stream) { stream->publisher->subscribe(stream->subscriber); },
@@ -308,7 +308,7 @@ TEST(CachedValuePublisherMemoryRunsOut, AFailedSubscriptionLeavesTheStreamFree) 
     EXPECT_EQ(1u, failures);
 }
 
-TEST(CachedValuePublisherMemoryRunsOut, AnOfferThatFailsLeavesTheQueue) {
+TEST(CachedValuePublisherOutOfMemory, AFailedOfferLeavesTheQueueUnchanged) {
     for (const int capacity : {0, 1, 3}) {
         const std::size_t failures = failEveryAllocation(
             [&] {
@@ -329,7 +329,7 @@ TEST(CachedValuePublisherMemoryRunsOut, AnOfferThatFailsLeavesTheQueue) {
     }
 }
 
-TEST(CachedValuePublisherMemoryRunsOut, AQueueThatCannotGrowKeepsWhatItHas) {
+TEST(CachedValuePublisherOutOfMemory, AQueueThatCannotGrowKeepsItsValues) {
     const int first = fillUntilTheNextValueAllocates(*subscribedStream(-1));
     const std::size_t failures = failEveryAllocation(
         [&] {
@@ -350,7 +350,7 @@ TEST(CachedValuePublisherMemoryRunsOut, AQueueThatCannotGrowKeepsWhatItHas) {
     EXPECT_GE(failures, 1u);
 }
 
-TEST(CachedValuePublisherMemoryRunsOut, RequestingNeedsNoMemory) {
+TEST(CachedValuePublisherOutOfMemory, RequestingNeedsNoMemory) {
     const std::size_t failures = failEveryAllocation(
         [] {
             auto stream = subscribedStream();
@@ -363,7 +363,7 @@ TEST(CachedValuePublisherMemoryRunsOut, RequestingNeedsNoMemory) {
     EXPECT_EQ(0u, failures);
 }
 
-TEST(CachedValuePublisherMemoryRunsOut, CancellingEndsTheStreamAllTheSame) {
+TEST(CachedValuePublisherOutOfMemory, CancelEndsTheStreamWithoutMemory) {
     struct Subject {
         std::unique_ptr<TextStream> stream = subscribedStream();
         Future<bool> outcome = stream->publisher->completionFuture();
@@ -379,7 +379,7 @@ TEST(CachedValuePublisherMemoryRunsOut, CancellingEndsTheStreamAllTheSame) {
     EXPECT_EQ(1u, failures);
 }
 
-TEST(CachedValuePublisherMemoryRunsOut, DestroyingItEndsTheStreamAllTheSame) {
+TEST(CachedValuePublisherOutOfMemory, TheDestructorEndsTheStreamWithoutMemory) {
     struct Subject {
         std::unique_ptr<TextStream> stream = subscribedStream();
         Future<bool> outcome = stream->publisher->completionFuture();
@@ -396,7 +396,7 @@ TEST(CachedValuePublisherMemoryRunsOut, DestroyingItEndsTheStreamAllTheSame) {
     EXPECT_EQ(1u, failures);
 }
 
-TEST(CachedValuePublisherMemoryRunsOut, HandingOutTheCompletionFutureNeedsNoMemory) {
+TEST(CachedValuePublisherOutOfMemory, CompletionFutureNeedsNoMemory) {
     EXPECT_EQ(0u, failEveryAllocation([] { return newStream(); },
                                       [](auto& stream) { stream->publisher->completionFuture(); },
                                       nothing, nothing));
