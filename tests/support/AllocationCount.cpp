@@ -101,3 +101,16 @@ void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
 void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept {
     std::free(memory);
 }
+// Called when the constructor of an object throws that is created with std::nothrow.
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::align_val_t, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
