@@ -1,6 +1,6 @@
 /// Any bytes as a request, which is what a line and a body are.
-#include <connector/service/messages/MessageService.hpp>
 #include <connector/service/access/Policy.hpp>
+#include <connector/service/messages/MessageService.hpp>
 #include <connector/service/messages/RequestText.hpp>
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -13,10 +13,10 @@
 
 namespace {
 
-using namespace connector_config::serve;
+using namespace connector::service;
 
 /// Files must not be added: what there is on this machine is none of the fuzzer's business.
-const Policy policy({""}, std::nullopt, connector_config::Secrets());
+const Policy policy({""}, std::nullopt, connector::service::Secrets());
 
 const MessageService& service() {
     static const MessageService service(

@@ -1,16 +1,18 @@
 /// connector-config: what value has an option, and who says so? docs/connector-config.md tells more.
-#include "arguments/Arguments.hpp"
 #include "ExitStatus.hpp"
+#include "arguments/Arguments.hpp"
 #include "arguments/Help.hpp"
-#include "display/Output.hpp"
+#include "commands/Commands.hpp"
 #include "commands/Sources.hpp"
+#include "display/Output.hpp"
 #include "display/Trace.hpp"
 #include "values/WrongArguments.hpp"
-#include "commands/Commands.hpp"
 
 #include <iostream>
 
 namespace connector_config {
+
+using connector::service::Secrets;
 
 namespace {
 

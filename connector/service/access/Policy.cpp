@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 using connector::configuration::AddPropertyFileSource;
 using connector::configuration::ConfigurationSet;
@@ -51,4 +51,4 @@ Verdict Policy::judgeFile(std::u16string& path) const {
     return {std::nullopt, file, false};
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -1,15 +1,15 @@
 /// What others than the user may have done. They may read everything; changes need an option.
 #pragma once
 
-#include <connector/service/text/Secrets.hpp>
-#include <connector/service/messages/MessageService.hpp>
 #include <connector/service/access/PropertyRoot.hpp>
+#include <connector/service/messages/MessageService.hpp>
+#include <connector/service/text/Secrets.hpp>
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 class Policy {
 public:
@@ -22,8 +22,8 @@ public:
           secrets(std::move(newSecrets)) {}
 
     /// A refusal says which option would allow the message. The reply to a set tells what was there
-    /// before, so that of a secret hides its value, whether something was there or not. The path of a file that may be added is
-    /// replaced by one that cannot lead elsewhere any more.
+    /// before, so that of a secret hides its value, whether something was there or not. The path of a
+    /// file that may be added is replaced by one that cannot lead elsewhere any more.
     Verdict judge(connector::Message& message) const;
 
 private:
@@ -35,4 +35,4 @@ private:
     const Secrets secrets;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -7,7 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace fs = std::filesystem;
 
@@ -60,4 +60,4 @@ std::shared_ptr<const PinnedFile> PropertyRoot::find(const std::string& path) co
     return !error && isAbove(reached) && file->isReadable() ? file : nullptr;
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// A file that was found to be one and cannot become something else: what is read from its path is
 /// this file, wherever its name leads by then.
@@ -43,4 +43,4 @@ private:
     std::filesystem::path root; // without any links
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <stdexcept>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -57,4 +57,4 @@ Token readToken(const std::string& path) {
     return Token(std::move(text));
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

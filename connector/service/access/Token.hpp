@@ -3,7 +3,7 @@
 
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 class Token {
 public:
@@ -22,4 +22,4 @@ private:
 ///         or "Token is not one line of visible ASCII of at most 4096 bytes: " + path
 Token readToken(const std::string& path);
 
-} // namespace connector_config::serve
+} // namespace connector::service

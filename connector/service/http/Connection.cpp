@@ -1,8 +1,19 @@
 #include <connector/service/http/Connection.hpp>
 
-#include <connector/service/http/Target.hpp>
+#include <connector/service/access/RequestTarget.hpp>
 
-namespace connector_config::serve {
+namespace connector::service {
+
+namespace {
+
+Response rejected(const Rejection& rejection) {
+    const Status status = rejection.reason == Rejection::Reason::Unauthenticated
+                              ? HTTPResponse::HTTP_UNAUTHORIZED
+                              : HTTPResponse::HTTP_FORBIDDEN;
+    return HttpFailure(status, rejection.text).response();
+}
+
+} // namespace
 
 void Connection::run() {
     try {
@@ -38,8 +49,10 @@ void Connection::send(Wire& wire, const Response& response, bool headOnly) {
 Answer Connection::answer(RequestReader& reader) {
     try {
         const Poco::Net::HTTPRequest& head = reader.readHead();
-        shared.gate.check(head, socket().address());
-        return shared.resources.answer(head.getMethod(), parseTarget(head.getURI()).path,
+        if (const auto rejection = shared.guard.check(head, socket().address()))
+            return rejected(*rejection);
+        return shared.resources.answer(head.getMethod(),
+                                       parseRequestTarget(head.getURI()).pathAndQuery,
                                        [&reader] { return reader.readBody(); });
     } catch (const HttpFailure& failure) {
         return failure.response();
@@ -62,4 +75,4 @@ bool Connection::watch(const std::string& key) {
     return false;
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

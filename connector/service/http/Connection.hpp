@@ -6,7 +6,7 @@
 
 #include <Poco/Net/TCPServerConnection.h>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 class Connection : public Poco::Net::TCPServerConnection {
 public:
@@ -25,4 +25,4 @@ private:
     Shared& shared;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -7,7 +7,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 Ending::Ending() : readable(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     if (readable < 0)
@@ -24,4 +24,4 @@ void Ending::announce(Clock::time_point newDeadline) {
     [[maybe_unused]] const ssize_t written = ::write(readable, &one, sizeof one);
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

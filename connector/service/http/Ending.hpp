@@ -4,7 +4,7 @@
 #include <atomic>
 #include <chrono>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 using Clock = std::chrono::steady_clock;
 
@@ -32,4 +32,4 @@ private:
     int readable = -1;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

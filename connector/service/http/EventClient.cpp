@@ -6,7 +6,7 @@
 #include <netinet/tcp.h>
 #include <sys/socket.h>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -95,4 +95,4 @@ void EventClient::send() {
     }
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

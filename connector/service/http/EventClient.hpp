@@ -10,7 +10,7 @@
 #include <memory>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// Never waits. For one thread.
 class EventClient {
@@ -53,4 +53,4 @@ private:
     bool gone = false;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -1,11 +1,11 @@
 #include <connector/service/http/EventStream.hpp>
 
-#include <connector/service/text/Json.hpp>
 #include <connector/service/messages/Reply.hpp>
+#include <connector/service/text/Json.hpp>
 
 #include <utility>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 using Lock = std::lock_guard<std::mutex>;
 
@@ -67,4 +67,4 @@ std::string eventOf(const Option& option) {
     return "data: " + jsonText(toJson(option)) + "\n\n";
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

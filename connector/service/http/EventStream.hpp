@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// Takes one value at a time, and the next one only when that is gone: between them the publisher
 /// keeps the newest and forgets the others.
@@ -60,4 +60,4 @@ private:
 /// @return a server-sent event, which is one line of JSON and an empty one
 std::string eventOf(const Option& option);
 
-} // namespace connector_config::serve
+} // namespace connector::service

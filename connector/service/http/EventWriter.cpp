@@ -10,7 +10,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 using Lock = std::lock_guard<std::mutex>;
 
@@ -138,4 +138,4 @@ bool EventWriter::isOver() {
     return cancelled && (clients.empty() || Clock::now() >= deadline);
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

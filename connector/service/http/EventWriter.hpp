@@ -10,7 +10,7 @@
 #include <string>
 #include <thread>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// Writes the events of all clients on one thread of its own, to each as fast as that takes them.
 class EventWriter {
@@ -63,4 +63,4 @@ private:
     std::thread thread; // last, for it uses all the others
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

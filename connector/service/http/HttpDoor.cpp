@@ -1,16 +1,16 @@
 #include <connector/service/http/HttpDoor.hpp>
 
-namespace connector_config::serve {
+namespace connector::service {
 
-HttpDoor::HttpDoor(connector::configuration::ConfigurationImpl& configuration, Gate newGate,
-                   Policy newPolicy, const Secrets& newSecrets,
+HttpDoor::HttpDoor(connector::configuration::ConfigurationImpl& configuration,
+                   RequestGuard newGuard, Policy newPolicy, const Secrets& newSecrets,
                    const Poco::Net::ServerSocket& socket, const Limits& limits)
-    : gate(std::move(newGate)), policy(std::move(newPolicy)), secrets(newSecrets),
+    : guard(std::move(newGuard)), policy(std::move(newPolicy)), secrets(newSecrets),
       service(configuration.getPtr(),
               [this](connector::Message& message) { return policy.judge(message); }),
       resources(service, configuration, secrets),
       events(secrets, limits.commentInterval, limits.mostStreams),
-      shared{gate, resources, configuration, events, limits.patience, {}}, server(socket, shared) {
+      shared{guard, resources, configuration, events, limits.patience, {}}, server(socket, shared) {
 }
 
 void HttpDoor::close() {
@@ -21,4 +21,4 @@ void HttpDoor::close() {
     server.stop();
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

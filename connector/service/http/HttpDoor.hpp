@@ -1,13 +1,13 @@
 /// All that stands between a listening socket and the configuration.
 #pragma once
 
-#include <connector/service/messages/MessageService.hpp>
 #include <connector/service/access/Policy.hpp>
 #include <connector/service/http/HttpServer.hpp>
+#include <connector/service/messages/MessageService.hpp>
 
 #include <cstddef>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// Where the patience and the room end.
 struct Limits {
@@ -19,7 +19,7 @@ struct Limits {
 /// Open as long as it lives, unless it is closed before.
 class HttpDoor {
 public:
-    HttpDoor(connector::configuration::ConfigurationImpl& configuration, Gate newGate,
+    HttpDoor(connector::configuration::ConfigurationImpl& configuration, RequestGuard newGuard,
              Policy newPolicy, const Secrets& newSecrets, const Poco::Net::ServerSocket& socket,
              const Limits& limits = {});
 
@@ -30,7 +30,7 @@ public:
     void close();
 
 private:
-    const Gate gate;
+    const RequestGuard guard;
     const Policy policy;
     const Secrets secrets;
     MessageService service;
@@ -40,4 +40,4 @@ private:
     HttpServer server; // last, for it uses all the others
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

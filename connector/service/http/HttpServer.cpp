@@ -4,7 +4,7 @@
 
 #include <sys/socket.h>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -57,4 +57,4 @@ void HttpServer::stop() {
     threads.joinAll();
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

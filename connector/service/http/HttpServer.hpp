@@ -1,8 +1,8 @@
 /// The listening end.
 #pragma once
 
+#include <connector/service/access/RequestGuard.hpp>
 #include <connector/service/http/EventWriter.hpp>
-#include <connector/service/http/Gate.hpp>
 #include <connector/service/http/Resources.hpp>
 
 #include <Poco/Net/ServerSocket.h>
@@ -11,7 +11,7 @@
 
 #include <chrono>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// How long who is waited for.
 struct Patience {
@@ -23,7 +23,7 @@ struct Patience {
 
 /// What the threads of the server share. All of it may be used by all of them.
 struct Shared {
-    const Gate& gate;
+    const RequestGuard& guard;
     const Resources& resources;
     connector::configuration::ConfigurationImpl& configuration;
     EventWriter& events;
@@ -50,4 +50,4 @@ private:
     Poco::Net::TCPServer server;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -1,8 +1,8 @@
 #include <connector/service/http/RequestReader.hpp>
 
-#include <connector/service/text/Number.hpp>
-#include <connector/service/messages/RequestText.hpp>
 #include <connector/service/http/Response.hpp>
+#include <connector/service/messages/RequestText.hpp>
+#include <connector/service/text/Number.hpp>
 
 #include <Poco/Exception.h>
 #include <Poco/String.h>
@@ -12,7 +12,7 @@
 #include <iterator>
 #include <sstream>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -218,4 +218,4 @@ std::string RequestReader::takeLine() {
     return line;
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

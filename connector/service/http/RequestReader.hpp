@@ -10,7 +10,7 @@
 
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 class RequestReader {
 public:
@@ -43,4 +43,4 @@ private:
     std::size_t taken = 0; // how much of that was handed out
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

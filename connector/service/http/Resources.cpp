@@ -1,14 +1,14 @@
 #include <connector/service/http/Resources.hpp>
 
-#include <connector/service/text/Json.hpp>
 #include <connector/service/messages/RequestText.hpp>
+#include <connector/service/text/Json.hpp>
 
 #include <Poco/Exception.h>
 #include <Poco/URI.h>
 
 #include <algorithm>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -123,4 +123,4 @@ Response Resources::option(const std::string& key) const {
             {}};
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -1,9 +1,9 @@
 /// What there is to be had over HTTP, whoever asks.
 #pragma once
 
-#include <connector/service/text/Secrets.hpp>
-#include <connector/service/messages/MessageService.hpp>
 #include <connector/service/http/Response.hpp>
+#include <connector/service/messages/MessageService.hpp>
+#include <connector/service/text/Secrets.hpp>
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
@@ -12,7 +12,7 @@
 #include <string>
 #include <variant>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// The request is for the values of this option as they come.
 struct WatchRequest {
@@ -46,4 +46,4 @@ private:
     mutable std::mutex building; // of a list of all options
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

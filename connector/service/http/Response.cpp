@@ -7,7 +7,7 @@
 
 #include <sstream>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -48,4 +48,4 @@ std::string beginningOfEvents() {
     return textOf(commonHead(HTTPResponse::HTTP_OK, "text/event-stream"));
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 using Poco::Net::HTTPResponse;
 using Status = HTTPResponse::HTTPStatus;
@@ -39,4 +39,4 @@ std::string headOf(const Response& response);
 /// @return the bytes that begin a stream of server-sent events
 std::string beginningOfEvents();
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -6,7 +6,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -93,4 +93,4 @@ void Wire::hangUp(Clock::duration patience) noexcept {
     }
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

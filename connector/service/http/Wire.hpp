@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// The client has gone, or there is no more time for it.
 class ClientLost : public std::runtime_error {
@@ -61,4 +61,4 @@ private:
     Clock::time_point deadline;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -6,7 +6,7 @@
 
 #include <unistd.h>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 std::optional<std::string> LineReader::next() {
     std::string line;
@@ -39,4 +39,4 @@ bool LineReader::fill() {
     return count > 0;
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// Reads a file descriptor line by line. Of a line that is too long, what is too much is read and
 /// forgotten, so that no line takes more memory than is allowed.
@@ -28,4 +28,4 @@ private:
     std::size_t end = 0;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

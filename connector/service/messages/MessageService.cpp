@@ -1,16 +1,16 @@
 #include <connector/service/messages/MessageService.hpp>
 
-#include <connector/service/text/Json.hpp>
-#include <connector/service/text/Secrets.hpp>
-#include "display/Trace.hpp"
 #include <connector/service/messages/RequestText.hpp>
+#include <connector/service/text/Json.hpp>
+#include <connector/service/text/LoadingGroup.hpp>
+#include <connector/service/text/Secrets.hpp>
 
 #include <connector/configuration/service/AddPropertyFileSource.hpp>
 #include <connector/configuration/service/ConfigurationOptionResponse.hpp>
 
 #include <stdexcept>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 using connector::Future;
 using connector::Message;
@@ -81,7 +81,7 @@ private:
     /// What the configuration refuses is thrown from here.
     Future<MessagePtr> dispatch(MessagePtr message) {
         outcome = Outcome::Failed;
-        const TracedGroup traced(groupOf(*message));
+        const LoadingGroup loading(groupOf(*message));
         return service.provider->dispatch(std::move(message), connector::Address(), nullptr);
     }
 
@@ -130,4 +130,4 @@ void MessageService::stop() {
     provider->stop();
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

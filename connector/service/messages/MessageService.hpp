@@ -12,7 +12,7 @@
 #include <optional>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// Whether somebody may have what a message asks for.
 struct Verdict {
@@ -48,4 +48,4 @@ private:
     const Judge judge;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <typeinfo>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -76,4 +76,4 @@ std::string withId(const std::optional<std::string>& id, const std::string& obje
     return id ? "{\"id\":" + *id + "," + object.substr(1) : object;
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 enum class Outcome {
     Done,      ///< the reply is a message
@@ -37,4 +37,4 @@ std::string jsonText(const Poco::Dynamic::Var& document);
 /// @param object  the text of an object that is not empty
 std::string withId(const std::optional<std::string>& id, const std::string& object);
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -1,9 +1,9 @@
 #include <connector/service/messages/RequestText.hpp>
 
-#include <connector/service/text/Number.hpp>
-#include <connector/service/text/Utf8.hpp>
 #include <connector/service/text/DeepJson.hpp>
 #include <connector/service/text/JsonTokens.hpp>
+#include <connector/service/text/Number.hpp>
+#include <connector/service/text/Utf8.hpp>
 
 #include <Poco/Exception.h>
 #include <Poco/JSON/Parser.h>
@@ -13,7 +13,7 @@
 #include <cstdint>
 #include <stdexcept>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -172,4 +172,4 @@ bool isBlank(const std::string& text) {
     return text.find_first_not_of(" \t\r\n") == std::string::npos;
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

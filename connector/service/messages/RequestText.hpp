@@ -13,7 +13,7 @@
 #include <optional>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// In bytes; what is longer is no request.
 constexpr std::size_t longestRequest = 1024 * 1024;
@@ -35,4 +35,4 @@ RequestText readRequest(const std::string& text);
 /// @return whether there is nothing but what JSON takes for blank
 bool isBlank(const std::string& text);
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -89,4 +89,4 @@ void requireJson(std::string_view text) {
     pieces.finish();
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

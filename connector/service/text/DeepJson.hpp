@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// @return whether objects and arrays stand in one another deeper than that
 bool isDeeper(std::string_view text, std::size_t depth);
@@ -13,4 +13,4 @@ bool isDeeper(std::string_view text, std::size_t depth);
 /// @throws Poco::Exception if the text is no JSON
 void requireJson(std::string_view text);
 
-} // namespace connector_config::serve
+} // namespace connector::service

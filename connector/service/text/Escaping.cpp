@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-namespace connector_config {
+namespace connector::service {
 
 namespace {
 
@@ -70,4 +70,4 @@ std::string escapedJson(std::string_view document) {
     return result;
 }
 
-} // namespace connector_config
+} // namespace connector::service

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace connector_config {
+namespace connector::service {
 
 /// @return the text on one line, with nothing in it that a terminal obeys: \n, \r and \t, \xHH for
 ///         other control characters of ASCII and for bytes that are no UTF-8, \uHHHH for the rest.
@@ -18,4 +18,4 @@ std::string repaired(std::string_view text);
 ///         They stand inside strings only, so the document means the same.
 std::string escapedJson(std::string_view document);
 
-} // namespace connector_config
+} // namespace connector::service

@@ -8,7 +8,7 @@
 
 #include <sstream>
 
-namespace connector_config {
+namespace connector::service {
 
 using connector::configuration::Option;
 using connector::configuration::OptionValue;
@@ -54,4 +54,4 @@ std::string toText(const Poco::Dynamic::Var& document) {
     return escapedJson(text.str());
 }
 
-} // namespace connector_config
+} // namespace connector::service

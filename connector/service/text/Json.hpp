@@ -10,7 +10,7 @@
 
 #include <string>
 
-namespace connector_config {
+namespace connector::service {
 
 /// @return {"type", "value"}
 Poco::JSON::Object::Ptr toJson(const connector::configuration::OptionValue& value);
@@ -24,4 +24,4 @@ Poco::JSON::Object::Ptr makeObject();
 /// @return the document on one line, without the line's end
 std::string toText(const Poco::Dynamic::Var& document);
 
-} // namespace connector_config
+} // namespace connector::service

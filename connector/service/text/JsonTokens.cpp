@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 namespace {
 
@@ -39,4 +39,4 @@ std::size_t JsonTokens::lengthOfString() const {
     return std::min(i + 1, text.size()) - position;
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service

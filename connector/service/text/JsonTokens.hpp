@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace connector_config::serve {
+namespace connector::service {
 
 /// A token is a string, a single character of "{}[],:", or a run of everything else. Any text falls
 /// into tokens; whether it is JSON is the parser's question.
@@ -31,4 +31,4 @@ private:
     std::size_t position = 0;
 };
 
-} // namespace connector_config::serve
+} // namespace connector::service

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace connector_config {
+namespace connector::service {
 
 /// @return the number, if the whole text is one and T can hold it
 template <typename T>
@@ -18,4 +18,4 @@ std::optional<T> readNumber(std::string_view text) {
     return number;
 }
 
-} // namespace connector_config
+} // namespace connector::service

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace connector_config {
+namespace connector::service {
 
 namespace {
 
@@ -62,4 +62,4 @@ Option Secrets::shown(const Option& option) const {
     return {option.key, option.source, shown(option.key, option.value)};
 }
 
-} // namespace connector_config
+} // namespace connector::service

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace connector_config {
+namespace connector::service {
 
 using connector::configuration::Option;
 using connector::configuration::OptionValue;
@@ -32,4 +32,4 @@ private:
     std::vector<std::string> globs; // in lower case
 };
 
-} // namespace connector_config
+} // namespace connector::service

@@ -2,7 +2,7 @@
 
 #include <boost/locale/utf.hpp>
 
-namespace connector_config {
+namespace connector::service {
 
 Character firstCharacter(std::string_view text) {
     namespace utf = boost::locale::utf;
@@ -26,4 +26,4 @@ bool isControl(char32_t codePoint) {
            (codePoint >= 0x2066 && codePoint <= 0x2069);
 }
 
-} // namespace connector_config
+} // namespace connector::service

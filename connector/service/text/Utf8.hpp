@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace connector_config {
+namespace connector::service {
 
 struct Character {
     std::string_view bytes;
@@ -31,4 +31,4 @@ bool isUtf8(std::string_view text);
 ///         that turn the direction of writing
 bool isControl(char32_t codePoint);
 
-} // namespace connector_config
+} // namespace connector::service

@@ -1,7 +1,7 @@
 #include <connector/service/access/PropertyRoot.hpp>
 
-#include "support/TemporaryDirectory.hpp"
 #include "support/Expect.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@
 
 namespace {
 
-using connector_config::serve::PropertyRoot;
+using connector::service::PropertyRoot;
 namespace fs = std::filesystem;
 
 /// A root with a file in it and one in a folder, and neighbours that are not to be reached.

@@ -1,7 +1,7 @@
 #include <connector/service/access/Token.hpp>
 
-#include "support/TemporaryDirectory.hpp"
 #include "support/Expect.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 
 namespace {
 
-using connector_config::serve::readToken;
-using connector_config::serve::Token;
+using connector::service::readToken;
+using connector::service::Token;
 
 TEST(Token, OnlyTheVerySameText_Matches) {
     const Token token("abc");

@@ -11,7 +11,7 @@
 namespace {
 
 using connector::configuration::OptionValue;
-using connector_config::serve::Limits;
+using connector::service::Limits;
 using test::get;
 using test::HttpAnswer;
 using test::HttpClient;

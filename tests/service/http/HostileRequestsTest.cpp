@@ -1,8 +1,8 @@
 /// Requests that are meant badly, or went wrong on the way.
-#include <connector/service/messages/RequestText.hpp>
 #include "service/support/HttpClient.hpp"
 #include "service/support/Mutations.hpp"
 #include "service/support/ServerProcess.hpp"
+#include <connector/service/messages/RequestText.hpp>
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,8 @@
 
 namespace {
 
-using connector_config::serve::longestRequest;
-using connector_config::serve::readRequest;
+using connector::service::longestRequest;
+using connector::service::readRequest;
 using test::errorOf;
 using test::get;
 using test::getMessage;

@@ -10,7 +10,7 @@
 
 namespace {
 
-using connector_config::serve::Limits;
+using connector::service::Limits;
 using test::get;
 using test::HttpAnswer;
 using test::HttpClient;

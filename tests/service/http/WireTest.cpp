@@ -1,6 +1,6 @@
 /// The server's end of a connection.
-#include <connector/service/http/Wire.hpp>
 #include "service/support/HttpClient.hpp"
+#include <connector/service/http/Wire.hpp>
 
 #include <Poco/Net/ServerSocket.h>
 
@@ -12,11 +12,11 @@
 
 namespace {
 
-using connector_config::serve::ClientLate;
-using connector_config::serve::ClientLost;
-using connector_config::serve::Clock;
-using connector_config::serve::Ending;
-using connector_config::serve::Wire;
+using connector::service::ClientLate;
+using connector::service::ClientLost;
+using connector::service::Clock;
+using connector::service::Ending;
+using connector::service::Wire;
 using test::HttpClient;
 
 constexpr auto moment = std::chrono::milliseconds(20);

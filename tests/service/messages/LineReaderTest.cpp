@@ -13,7 +13,7 @@
 
 namespace {
 
-using connector_config::serve::LineReader;
+using connector::service::LineReader;
 
 /// @return the lines that a reader finds in these bytes
 std::vector<std::string> linesOf(const std::string& bytes, std::size_t longest) {

@@ -8,8 +8,8 @@
 
 namespace {
 
-using connector_config::serve::deepestNesting;
-using connector_config::serve::readRequest;
+using connector::service::deepestNesting;
+using connector::service::readRequest;
 
 TEST(RequestText, WhatIsNotJson_IsInvalid) {
     const struct {

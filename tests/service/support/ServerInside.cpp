@@ -2,9 +2,9 @@
 
 namespace test {
 
-using connector_config::Secrets;
-using connector_config::serve::Gate;
-using connector_config::serve::Policy;
+using connector::service::Policy;
+using connector::service::RequestGuard;
+using connector::service::Secrets;
 
 namespace {
 
@@ -16,9 +16,9 @@ Poco::Net::ServerSocket anyLoopbackPort() {
 
 } // namespace
 
-ServerInside::ServerInside(const connector_config::serve::Limits& limits)
-    : socket(anyLoopbackPort()),
-      door(*configuration, Gate("", {}), Policy({""}, {}, Secrets()), Secrets(), socket, limits) {
+ServerInside::ServerInside(const connector::service::Limits& limits)
+    : socket(anyLoopbackPort()), door(*configuration, RequestGuard("", {}),
+                                      Policy({""}, {}, Secrets()), Secrets(), socket, limits) {
 }
 
 } // namespace test

@@ -15,7 +15,7 @@ namespace test {
 /// Everything may be set.
 class ServerInside {
 public:
-    explicit ServerInside(const connector_config::serve::Limits& limits = {});
+    explicit ServerInside(const connector::service::Limits& limits = {});
 
     std::uint16_t port() const { return socket.address().port(); }
     void stopService() { door.stopService(); }
@@ -26,7 +26,7 @@ public:
 
 private:
     const Poco::Net::ServerSocket socket;
-    connector_config::serve::HttpDoor door;
+    connector::service::HttpDoor door;
 };
 
 } // namespace test

@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace connector_config;
+using namespace connector::service;
 
 TEST(Escaped, TextIsSafeToShow) {
     const struct {

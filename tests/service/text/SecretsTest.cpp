@@ -6,8 +6,8 @@
 
 namespace {
 
-using connector_config::OptionValue;
-using connector_config::Secrets;
+using connector::service::OptionValue;
+using connector::service::Secrets;
 
 TEST(Secrets, OfThemselves_ArePasswordsSecretsAndTokens) {
     const Secrets secrets;
@@ -68,7 +68,7 @@ TEST(Secrets, AHiddenValue_IsShownAsStarsWhateverItsType) {
     const Secrets secrets;
     EXPECT_EQ("******", boost::get<std::string>(secrets.shown("token", OptionValue(5))));
     EXPECT_EQ(5, boost::get<int>(secrets.shown("port", OptionValue(5))));
-    const auto option = secrets.shown(connector_config::Option{"token", "s", OptionValue(true)});
+    const auto option = secrets.shown(connector::service::Option{"token", "s", OptionValue(true)});
     EXPECT_EQ("token", option.key);
     EXPECT_EQ("s", option.source);
     EXPECT_EQ("******", boost::get<std::string>(option.value));

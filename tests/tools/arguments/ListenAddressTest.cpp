@@ -1,15 +1,15 @@
 #include "arguments/ListenAddress.hpp"
 
-#include "values/WrongArguments.hpp"
 #include "support/Expect.hpp"
+#include "values/WrongArguments.hpp"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using connector_config::ListenAddress;
+using connector_config::parseListenAddress;
 using connector_config::WrongArguments;
-using connector_config::serve::ListenAddress;
-using connector_config::serve::parseListenAddress;
 
 TEST(ListenAddress, WhatIsOfTheForm_IsRead) {
     const struct {

@@ -1,7 +1,7 @@
 /// Ten thousand lines that went wrong on the way.
-#include <connector/service/messages/RequestText.hpp>
 #include "service/support/Mutations.hpp"
 #include "tools/support/Program.hpp"
+#include <connector/service/messages/RequestText.hpp>
 
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ TEST(ServeLines, TenThousandMutations_AreAnsweredByALineOfJsonEach) {
     test::Mutations mutations(1);
     for (const std::string& reply : replies) {
         const std::string request = mutations.next();
-        ASSERT_NO_THROW(connector_config::serve::readRequest(reply))
+        ASSERT_NO_THROW(connector::service::readRequest(reply))
             << "request: " << request << "\nreply: " << reply;
     }
     EXPECT_EQ((test::Result{0, "", ""}), process.finish());

@@ -101,7 +101,7 @@ private:
     void addServe() {
         CLI::App* const serve = addCommand("serve", Command::Serve);
         http = serve->add_option("--http", listenAddress)->type_name("HOST:PORT");
-        addRepeatable(*serve, "--writable", httpArguments.writable, "PREFIX")->needs(http);
+        addRepeatable(*serve, "--writable", httpArguments.writablePrefixes, "PREFIX")->needs(http);
         propertyRoot = serve->add_option("--property-root", httpArguments.propertyRoot.emplace())
                            ->type_name("DIR")
                            ->needs(http);
@@ -151,8 +151,8 @@ private:
     void collectHttp() {
         if (http->count() == 0)
             return;
-        httpArguments.address = serve::parseListenAddress(unmarked(listenAddress));
-        unmarkAll(httpArguments.writable);
+        httpArguments.address = parseListenAddress(unmarked(listenAddress));
+        unmarkAll(httpArguments.writablePrefixes);
         keepIfGiven(propertyRoot, httpArguments.propertyRoot);
         keepIfGiven(tokenFile, httpArguments.tokenFile);
         arguments.http = std::move(httpArguments);
@@ -194,7 +194,7 @@ private:
     CLI::Option* propertyRoot;
     CLI::Option* tokenFile;
     std::string listenAddress;
-    serve::HttpArguments httpArguments;
+    HttpArguments httpArguments;
 };
 
 } // namespace

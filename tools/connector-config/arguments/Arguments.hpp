@@ -3,7 +3,7 @@
 
 #include "arguments/Assignment.hpp"
 #include "arguments/FileArgument.hpp"
-#include "commands/ServeHttp.hpp"
+#include "arguments/HttpArguments.hpp"
 
 #include <optional>
 #include <string>
@@ -26,10 +26,10 @@ struct Arguments {
     std::string information; ///< what --help or --version say; if there is any, the rest is unset
 
     Command command{};
-    std::string key;                          ///< of get and explain
-    std::string prefix;                       ///< of keys and show; empty for all
-    std::vector<std::string> keys;            ///< of watch
-    std::optional<serve::HttpArguments> http; ///< of serve; none for standard input
+    std::string key;                   ///< of get and explain
+    std::string prefix;                ///< of keys and show; empty for all
+    std::vector<std::string> keys;     ///< of watch
+    std::optional<HttpArguments> http; ///< of serve; none for standard input
 
     std::vector<SourceArgument> sources; ///< in the order given
     std::vector<std::string> secrets;    ///< globs of keys whose values are not shown

@@ -1,12 +1,14 @@
 /// KEY[:TYPE]=VALUE
 #pragma once
 
-#include <connector/service/text/Secrets.hpp>
 #include "values/ValueType.hpp"
+#include <connector/service/text/Secrets.hpp>
 
 #include <string>
 
 namespace connector_config {
+
+using connector::service::Secrets;
 
 struct Assignment {
     std::string key;

@@ -1,11 +1,13 @@
 #include "arguments/FileArgument.hpp"
 
-#include <connector/service/text/Number.hpp>
 #include "values/WrongArguments.hpp"
+#include <connector/service/text/Number.hpp>
 
 #include <map>
 
 namespace connector_config {
+
+using connector::service::readNumber;
 
 namespace {
 

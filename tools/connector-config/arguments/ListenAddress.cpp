@@ -1,9 +1,11 @@
 #include "arguments/ListenAddress.hpp"
 
-#include <connector/service/text/Number.hpp>
 #include "values/WrongArguments.hpp"
+#include <connector/service/text/Number.hpp>
 
-namespace connector_config::serve {
+namespace connector_config {
+
+using connector::service::readNumber;
 
 ListenAddress parseListenAddress(const std::string& text) {
     const WrongArguments wrong("Not of the form HOST:PORT: " + text);
@@ -21,4 +23,4 @@ ListenAddress parseListenAddress(const std::string& text) {
     return {host.empty() ? "127.0.0.1" : host, *port};
 }
 
-} // namespace connector_config::serve
+} // namespace connector_config

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-namespace connector_config::serve {
+namespace connector_config {
 
 struct ListenAddress {
     std::string host; ///< a name, or an address without brackets; the loopback one if none is given
@@ -15,4 +15,4 @@ struct ListenAddress {
 /// @throws WrongArguments "Not of the form HOST:PORT: " + text
 ListenAddress parseListenAddress(const std::string& text);
 
-} // namespace connector_config::serve
+} // namespace connector_config

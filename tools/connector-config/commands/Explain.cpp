@@ -1,16 +1,23 @@
 #include "Commands.hpp"
 
+#include "display/Table.hpp"
+#include "values/ValueText.hpp"
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
 #include <connector/service/text/Secrets.hpp>
-#include "display/Table.hpp"
-#include "values/ValueText.hpp"
 
 #include <Poco/JSON/Array.h>
 
 #include <algorithm>
 
 namespace connector_config {
+
+using connector::service::escaped;
+using connector::service::makeObject;
+using connector::service::repaired;
+using connector::service::Secrets;
+using connector::service::toJson;
+using connector::service::toText;
 
 namespace {
 

@@ -1,9 +1,12 @@
 #include "Commands.hpp"
 
-#include <connector/service/text/Json.hpp>
 #include "values/ValueText.hpp"
+#include <connector/service/text/Json.hpp>
 
 namespace connector_config {
+
+using connector::service::toJson;
+using connector::service::toText;
 
 std::string get(ConfigurationImpl& configuration, const Arguments& arguments) {
     if (arguments.json)

@@ -7,6 +7,10 @@
 
 namespace connector_config {
 
+using connector::service::escaped;
+using connector::service::repaired;
+using connector::service::toText;
+
 std::vector<std::string> keysWithPrefix(ConfigurationImpl& configuration,
                                         const std::string& prefix) {
     const std::set<std::string> all = configuration.keys().get();

@@ -1,16 +1,18 @@
 #include "Commands.hpp"
 
-#include <connector/service/text/Secrets.hpp>
 #include "commands/ServeHttp.hpp"
 #include "commands/ServeStandardInput.hpp"
+#include <connector/service/text/Secrets.hpp>
 
 namespace connector_config {
 
+using connector::service::Secrets;
+
 void serveMessages(ConfigurationImpl& configuration, const Arguments& arguments) {
     if (arguments.http)
-        serve::serveHttp(configuration, *arguments.http, Secrets(arguments.secrets));
+        serveHttp(configuration, *arguments.http, Secrets(arguments.secrets));
     else
-        serve::serveStandardInput(configuration.getPtr());
+        serveStandardInput(configuration.getPtr());
 }
 
 } // namespace connector_config

@@ -13,9 +13,15 @@
 #include <pthread.h>
 #include <sys/resource.h>
 
-namespace connector_config::serve {
+namespace connector_config {
 
 using connector::configuration::ConfigurationImpl;
+using connector::service::HttpDoor;
+using connector::service::Policy;
+using connector::service::PropertyRoot;
+using connector::service::readToken;
+using connector::service::RequestGuard;
+using connector::service::Token;
 using Poco::Net::ServerSocket;
 using Poco::Net::SocketAddress;
 
@@ -77,24 +83,24 @@ Policy policyOf(const HttpArguments& arguments, const Secrets& secrets) {
     std::optional<PropertyRoot> root;
     if (arguments.propertyRoot)
         root.emplace(*arguments.propertyRoot);
-    return Policy(arguments.writable, root, secrets);
+    return Policy(arguments.writablePrefixes, root, secrets);
 }
 
 } // namespace
 
 void serveHttp(ConfigurationImpl& configuration, const HttpArguments& arguments,
                const Secrets& secrets) {
-    Gate gate(arguments.address.host, tokenOf(arguments));
+    RequestGuard guard(arguments.address.host, tokenOf(arguments));
     Policy policy = policyOf(arguments, secrets);
     const ServerSocket socket = listen(arguments.address);
     // Not before: a token may come through a pipe, and a name from far away.
     const EndSignals signals;
     raiseDescriptorLimit();
-    HttpDoor door(configuration, std::move(gate), std::move(policy), secrets, socket);
+    HttpDoor door(configuration, std::move(guard), std::move(policy), secrets, socket);
 
     writeOutput("listening on http://" + socket.address().toString() + '\n');
     signals.wait();
     door.close();
 }
 
-} // namespace connector_config::serve
+} // namespace connector_config

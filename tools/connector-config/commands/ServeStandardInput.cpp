@@ -7,7 +7,12 @@
 
 #include <unistd.h>
 
-namespace connector_config::serve {
+namespace connector_config {
+
+using connector::service::isBlank;
+using connector::service::LineReader;
+using connector::service::longestRequest;
+using connector::service::MessageService;
 
 void serveStandardInput(
     const std::shared_ptr<connector::configuration::Configuration>& configuration) {
@@ -20,4 +25,4 @@ void serveStandardInput(
     }
 }
 
-} // namespace connector_config::serve
+} // namespace connector_config

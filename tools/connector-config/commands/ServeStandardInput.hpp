@@ -5,7 +5,7 @@
 
 #include <memory>
 
-namespace connector_config::serve {
+namespace connector_config {
 
 /// Answers the lines of standard input on standard output, in order, until the input ends. Blank
 /// lines are ignored. Everything is allowed.
@@ -13,4 +13,4 @@ namespace connector_config::serve {
 void serveStandardInput(
     const std::shared_ptr<connector::configuration::Configuration>& configuration);
 
-} // namespace connector_config::serve
+} // namespace connector_config

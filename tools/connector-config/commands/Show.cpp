@@ -1,14 +1,19 @@
 #include "Commands.hpp"
 
+#include "display/Table.hpp"
+#include "values/ValueText.hpp"
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
 #include <connector/service/text/Secrets.hpp>
-#include "display/Table.hpp"
-#include "values/ValueText.hpp"
 
 #include <Poco/JSON/Array.h>
 
 namespace connector_config {
+
+using connector::service::escaped;
+using connector::service::Secrets;
+using connector::service::toJson;
+using connector::service::toText;
 
 namespace {
 

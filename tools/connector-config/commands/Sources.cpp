@@ -1,6 +1,6 @@
 #include "commands/Sources.hpp"
 
-#include "display/Trace.hpp"
+#include <connector/service/text/LoadingGroup.hpp>
 
 #include <fl/i18n/codecvt.hpp>
 
@@ -25,7 +25,7 @@ struct Adder {
 void addFile(Configuration& configuration, const FileArgument& file) {
     const fl::i18n::codecvt_string_to_ustring fromUtf8("UTF-8", true);
     const bool readOnly = true;
-    const TracedGroup traced(file.group);
+    const connector::service::LoadingGroup loading(file.group);
     configuration
         .addPropertyFileSource(file.name, file.group, file.order, readOnly,
                                fl::i18n::to_ustring(file.path, fromUtf8))

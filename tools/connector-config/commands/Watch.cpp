@@ -1,13 +1,13 @@
 #include "Commands.hpp"
 
+#include "arguments/WatchLine.hpp"
+#include "commands/Sources.hpp"
+#include "display/Output.hpp"
+#include "values/ValueText.hpp"
+#include "values/WrongArguments.hpp"
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
-#include "display/Output.hpp"
 #include <connector/service/text/Secrets.hpp>
-#include "commands/Sources.hpp"
-#include "values/ValueText.hpp"
-#include "arguments/WatchLine.hpp"
-#include "values/WrongArguments.hpp"
 
 #include <connector/reactive_streams/Subscriber.hpp>
 
@@ -15,6 +15,11 @@
 #include <iostream>
 
 namespace connector_config {
+
+using connector::service::escaped;
+using connector::service::Secrets;
+using connector::service::toJson;
+using connector::service::toText;
 
 namespace {
 

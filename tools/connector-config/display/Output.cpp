@@ -9,6 +9,8 @@
 
 namespace connector_config {
 
+using connector::service::escaped;
+
 OutputFailure::OutputFailure(int error)
     : system_error(error, std::generic_category(), "Standard output could not be written") {
 }

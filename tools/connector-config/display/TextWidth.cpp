@@ -9,6 +9,10 @@
 
 namespace connector_config {
 
+using connector::service::Character;
+using connector::service::firstCharacter;
+using connector::service::forEachCharacter;
+
 namespace {
 
 constexpr std::string_view cutMark = "…";

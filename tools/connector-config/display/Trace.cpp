@@ -1,6 +1,7 @@
 #include "display/Trace.hpp"
 
 #include <connector/service/text/Escaping.hpp>
+#include <connector/service/text/LoadingGroup.hpp>
 
 #include <foundation/log/basic_diagnostic_logger.hpp>
 
@@ -15,13 +16,10 @@
 
 namespace connector_config {
 
-namespace {
+using connector::service::escaped;
+using connector::service::LoadingGroup;
 
-/// The group, with its dot, of the file that this thread adds.
-std::string& currentGroup() {
-    thread_local std::string group;
-    return group;
-}
+namespace {
 
 /// @return where the key begins in a line that tells a parsed property; npos in others
 std::size_t startOfKey(const std::string& line) {
@@ -57,7 +55,7 @@ std::string LineWriter::withoutSecret(const std::string& line) const {
         return line;
     for (std::size_t end = line.find(separator, key); end != line.npos;
          end = line.find(separator, end + 1)) {
-        if (secrets.hides(currentGroup() + line.substr(key, end - key)))
+        if (secrets.hides(LoadingGroup::prefix() + line.substr(key, end - key)))
             return line.substr(0, end + separator.size()) + Secrets::mask;
     }
     return line;
@@ -91,15 +89,6 @@ Trace::Trace(const Secrets& secrets) : impl(new Impl(secrets)) {
 Trace::~Trace() {
     setMasks(0, 0);
     boost::log::core::get()->remove_sink(impl->sink);
-}
-
-TracedGroup::TracedGroup(const std::string& group) : before(currentGroup()) {
-    const bool needsDot = !group.empty() && group.back() != '.';
-    currentGroup() = needsDot ? group + '.' : group;
-}
-
-TracedGroup::~TracedGroup() {
-    currentGroup() = before;
 }
 
 } // namespace connector_config

@@ -1,9 +1,9 @@
 #include "values/ValueReading.hpp"
 
+#include "values/WrongArguments.hpp"
 #include <connector/service/text/Number.hpp>
 #include <connector/service/text/Secrets.hpp>
 #include <connector/service/text/Utf8.hpp>
-#include "values/WrongArguments.hpp"
 
 #include <fl/i18n/codecvt.hpp>
 
@@ -16,6 +16,10 @@
 #include <limits>
 
 namespace connector_config {
+
+using connector::service::isUtf8;
+using connector::service::readNumber;
+using connector::service::Secrets;
 
 namespace {
 

@@ -7,6 +7,10 @@
 
 namespace connector_config {
 
+using connector::service::escaped;
+using connector::service::toJson;
+using connector::service::toText;
+
 std::string plainText(const OptionValue& value) {
     if (const auto* const text = boost::get<std::string>(&value))
         return *text;

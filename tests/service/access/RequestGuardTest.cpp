@@ -1,9 +1,8 @@
 /// Who is let in.
-#include <connector/service/http/Gate.hpp>
-#include "support/TemporaryDirectory.hpp"
-#include <connector/service/http/Response.hpp>
 #include "service/support/HttpClient.hpp"
 #include "service/support/ServerProcess.hpp"
+#include "support/TemporaryDirectory.hpp"
+#include <connector/service/access/RequestGuard.hpp>
 
 #include <gtest/gtest.h>
 
@@ -13,8 +12,8 @@
 
 namespace {
 
-using connector_config::serve::Gate;
-using connector_config::serve::HttpFailure;
+using connector::service::Rejection;
+using connector::service::RequestGuard;
 using Poco::Net::HTTPRequest;
 using Poco::Net::SocketAddress;
 using test::errorOf;
@@ -23,22 +22,20 @@ using test::HttpAnswer;
 using test::ServerProcess;
 
 /// @return the status for a request with these headers; 200 for one that is let in
-int statusFor(const Gate& gate, const std::string& reached,
+int statusFor(const RequestGuard& guard, const std::string& reached,
               const std::vector<std::pair<std::string, std::string>>& headers,
               const std::string& target = "/") {
     HTTPRequest request;
     request.setURI(target);
     for (const auto& [name, value] : headers)
         request.add(name, value);
-    try {
-        gate.check(request, SocketAddress(reached));
+    const auto rejection = guard.check(request, SocketAddress(reached));
+    if (!rejection)
         return 200;
-    } catch (const HttpFailure& failure) {
-        return failure.status;
-    }
+    return rejection->reason == Rejection::Reason::Unauthenticated ? 401 : 403;
 }
 
-TEST(Gate, TheHost_MustBeTheAddressThatWasReached) {
+TEST(RequestGuard, TheHost_MustBeTheAddressThatWasReached) {
     const struct {
         int line;
         const char* given;
@@ -80,19 +77,20 @@ TEST(Gate, TheHost_MustBeTheAddressThatWasReached) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ(row.status, statusFor(Gate(row.given, {}), row.reached, {{"Host", row.host}}));
+        EXPECT_EQ(row.status,
+                  statusFor(RequestGuard(row.given, {}), row.reached, {{"Host", row.host}}));
     }
 }
 
-TEST(Gate, WithoutOneHost_IsClosed) {
-    const Gate gate("127.0.0.1", {});
-    EXPECT_EQ(403, statusFor(gate, "127.0.0.1:1", {}));
+TEST(RequestGuard, WithoutOneHost_IsClosed) {
+    const RequestGuard guard("127.0.0.1", {});
+    EXPECT_EQ(403, statusFor(guard, "127.0.0.1:1", {}));
     EXPECT_EQ(403,
-              statusFor(gate, "127.0.0.1:1", {{"Host", "127.0.0.1:1"}, {"HOST", "127.0.0.1:1"}}));
+              statusFor(guard, "127.0.0.1:1", {{"Host", "127.0.0.1:1"}, {"HOST", "127.0.0.1:1"}}));
 }
 
-TEST(Gate, TheAuthorityOfTheTarget_TakesThePlaceOfTheHost) {
-    const Gate gate("127.0.0.1", {});
+TEST(RequestGuard, TheAuthorityOfTheTarget_TakesThePlaceOfTheHost) {
+    const RequestGuard guard("127.0.0.1", {});
     const struct {
         int line;
         const char* target;
@@ -112,13 +110,13 @@ TEST(Gate, TheAuthorityOfTheTarget_TakesThePlaceOfTheHost) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ(row.status, statusFor(gate, "127.0.0.1:1", {{"Host", row.host}}, row.target));
+        EXPECT_EQ(row.status, statusFor(guard, "127.0.0.1:1", {{"Host", row.host}}, row.target));
     }
-    EXPECT_EQ(200, statusFor(gate, "127.0.0.1:1", {}, "http://127.0.0.1:1/"));
+    EXPECT_EQ(200, statusFor(guard, "127.0.0.1:1", {}, "http://127.0.0.1:1/"));
 }
 
-TEST(Gate, APageOfAnotherOrigin_IsNotLetIn) {
-    const Gate gate("127.0.0.1", {});
+TEST(RequestGuard, APageOfAnotherOrigin_IsNotLetIn) {
+    const RequestGuard guard("127.0.0.1", {});
     const struct {
         int line;
         const char* header;
@@ -141,17 +139,17 @@ TEST(Gate, APageOfAnotherOrigin_IsNotLetIn) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ(row.status, statusFor(gate, "127.0.0.1:1",
+        EXPECT_EQ(row.status, statusFor(guard, "127.0.0.1:1",
                                         {{"Host", "127.0.0.1:1"}, {row.header, row.value}}));
     }
-    EXPECT_EQ(403, statusFor(gate, "127.0.0.1:1",
+    EXPECT_EQ(403, statusFor(guard, "127.0.0.1:1",
                              {{"Host", "127.0.0.1:1"},
                               {"Origin", "http://127.0.0.1:1"},
                               {"Origin", "http://evil.example"}}));
 }
 
-TEST(Gate, ATokenThatIsAskedFor_MustBeShown) {
-    const Gate gate("127.0.0.1", connector_config::serve::Token("abc"));
+TEST(RequestGuard, ATokenThatIsAskedFor_MustBeShown) {
+    const RequestGuard guard("127.0.0.1", connector::service::Token("abc"));
     const struct {
         int line;
         const char* shown;
@@ -171,11 +169,11 @@ TEST(Gate, ATokenThatIsAskedFor_MustBeShown) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ(row.status, statusFor(gate, "127.0.0.1:1",
+        EXPECT_EQ(row.status, statusFor(guard, "127.0.0.1:1",
                                         {{"Host", "127.0.0.1:1"}, {"Authorization", row.shown}}));
     }
-    EXPECT_EQ(401, statusFor(gate, "127.0.0.1:1", {{"Host", "127.0.0.1:1"}}));
-    EXPECT_EQ(401, statusFor(gate, "127.0.0.1:1",
+    EXPECT_EQ(401, statusFor(guard, "127.0.0.1:1", {{"Host", "127.0.0.1:1"}}));
+    EXPECT_EQ(401, statusFor(guard, "127.0.0.1:1",
                              {{"Host", "127.0.0.1:1"},
                               {"Authorization", "Bearer abc"},
                               {"Authorization", "Bearer abc"}}));

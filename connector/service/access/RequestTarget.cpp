@@ -1,12 +1,12 @@
-#include <connector/service/http/Target.hpp>
+#include <connector/service/access/RequestTarget.hpp>
 
 #include <Poco/String.h>
 
 #include <algorithm>
 
-namespace connector_config::serve {
+namespace connector::service {
 
-Target parseTarget(const std::string& text) {
+RequestTarget parseRequestTarget(const std::string& text) {
     const std::string scheme = "http://";
     if (Poco::icompare(text.substr(0, scheme.size()), scheme) != 0)
         return {std::nullopt, text};
@@ -14,4 +14,4 @@ Target parseTarget(const std::string& text) {
     return {text.substr(scheme.size(), end - scheme.size()), text.substr(end)};
 }
 
-} // namespace connector_config::serve
+} // namespace connector::service
