@@ -1,7 +1,7 @@
-/// Any bytes as a request, which is what a line and a body are.
+/// Sends arbitrary bytes to the service as a request.
 #include <connector/service/access/Policy.hpp>
 #include <connector/service/messages/MessageService.hpp>
-#include <connector/service/messages/RequestText.hpp>
+#include <connector/service/messages/ParsedRequest.hpp>
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
@@ -15,22 +15,22 @@ namespace {
 
 using namespace connector::service;
 
-/// Files must not be added: what there is on this machine is none of the fuzzer's business.
+/// No files may be added: the fuzzer must not read files of this machine.
 const Policy policy({""}, std::nullopt, connector::service::Secrets());
 
 const MessageService& service() {
     static const MessageService service(
         std::make_shared<connector::configuration::ConfigurationImpl>(),
-        [](connector::Message& message) { return policy.judge(message); });
+        [](connector::Message& message) { return policy.authorize(message); });
     return service;
 }
 
-/// Ends the program unless the reply is an object on one line.
+/// Ends the program unless the reply is a JSON object on one line.
 void check(const std::string& reply) {
     if (reply.find('\n') != reply.npos)
         std::abort();
-    if (reply.size() <= longestRequest)
-        readRequest(reply); // throws, and that ends the program, too
+    if (reply.size() <= maxRequestSize)
+        parseRequest(reply); // an exception ends the program, too
 }
 
 } // namespace

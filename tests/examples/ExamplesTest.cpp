@@ -7,7 +7,7 @@
 
 namespace {
 
-TEST(WatchOptionExample, ToldToSetAndRemoveWritesEachEffectiveValue) {
+TEST(WatchOptionExample, PrintsEachEffectiveValue) {
     std::filesystem::current_path(PROJECT_ROOT);
     EXPECT_EQ((test::Result{0,
                             "net.port is now 9090\n"

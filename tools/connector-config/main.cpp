@@ -1,8 +1,11 @@
-/// connector-config: what value has an option, and who says so? docs/connector-config.md tells more.
+/// connector-config: shows the values of options and where they come from. See
+/// docs/connector-config.md.
 #include "ExitStatus.hpp"
 #include "arguments/Arguments.hpp"
 #include "arguments/Help.hpp"
 #include "commands/Commands.hpp"
+#include "commands/ServeHttp.hpp"
+#include "commands/ServeStandardInput.hpp"
 #include "commands/Sources.hpp"
 #include "display/Output.hpp"
 #include "display/Trace.hpp"
@@ -29,7 +32,9 @@ void runCommand(ConfigurationImpl& configuration, const Arguments& arguments) {
     case Command::Watch:
         return watch(configuration, arguments);
     case Command::Serve:
-        return serveMessages(configuration, arguments);
+        if (arguments.http)
+            return serveHttp(configuration, *arguments.http, Secrets(arguments.secrets));
+        return serveStandardInput(configuration.getPtr());
     }
 }
 
@@ -48,14 +53,14 @@ ExitStatus runReportingFailure(int argc, const char* const argv[]) {
         run(parseArguments(argc, argv));
         return Success;
     } catch (const WrongArguments& error) {
-        complain(error.what());
+        printError(error.what());
         std::cerr << usageLine() << "Try connector-config --help\n" << std::flush;
-        return WrongUse;
-    } catch (const OutputFailure& error) {
-        if (!error.readerLeft())
-            complain(error.what());
+        return UsageError;
+    } catch (const OutputError& error) {
+        if (!error.isBrokenPipe())
+            printError(error.what());
     } catch (const std::exception& error) {
-        complain(error.what());
+        printError(error.what());
     }
     return Failure;
 }

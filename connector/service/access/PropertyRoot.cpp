@@ -25,6 +25,11 @@ bool PinnedFile::isRegular() const {
     return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
 }
 
+std::uintmax_t PinnedFile::size() const {
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 ? static_cast<std::uintmax_t>(status.st_size) : 0;
+}
+
 bool PinnedFile::isReadable() const {
     const int opened = ::open(path().c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
     if (opened >= 0)
@@ -39,25 +44,25 @@ PropertyRoot::PropertyRoot(const std::string& directory) {
         throw std::runtime_error("Not a directory: " + directory);
 }
 
-bool PropertyRoot::isAbove(const fs::path& path) const {
+bool PropertyRoot::contains(const fs::path& path) const {
     return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
 }
 
 std::shared_ptr<const PinnedFile> PropertyRoot::find(const std::string& path) const {
     if (path.find('\0') != path.npos)
-        return nullptr; // the system would read it as a shorter one
+        return nullptr; // the operating system would stop reading the path at the NUL
     std::error_code error;
     const fs::path real = fs::canonical(path, error);
-    if (error || !isAbove(real))
+    if (error || !contains(real))
         return nullptr;
-    // O_PATH looks without touching: no pipe waits, no device wakes up.
+    // O_PATH does not open the file itself: it does not block on a pipe or activate a device.
     const auto file =
         std::make_shared<PinnedFile>(::open(real.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     if (!file->isRegular())
         return nullptr;
-    // Somebody may have put a link in the way meanwhile, so what counts is where we came out.
+    // A link may have appeared in the path since, so check where the opened file really is.
     const fs::path reached = fs::canonical(file->path(), error);
-    return !error && isAbove(reached) && file->isReadable() ? file : nullptr;
+    return !error && contains(reached) && file->isReadable() ? file : nullptr;
 }
 
 } // namespace connector::service

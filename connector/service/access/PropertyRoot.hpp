@@ -1,27 +1,31 @@
-/// The one directory from which others may add property files.
+/// The one directory below which clients may add property files.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
 
 namespace connector::service {
 
-/// A file that was found to be one and cannot become something else: what is read from its path is
-/// this file, wherever its name leads by then.
+/// A file that stays the same whatever happens to its name: opening path() opens this very file.
 class PinnedFile {
 public:
+    /// @param newDescriptor  opened with O_PATH; this object closes it
     explicit PinnedFile(int newDescriptor) : descriptor(newDescriptor) {}
     ~PinnedFile();
     PinnedFile(const PinnedFile&) = delete;
     PinnedFile& operator=(const PinnedFile&) = delete;
 
-    /// Leads to the file for as long as this object lives.
+    /// @return a path that leads to the file as long as this object lives
     std::string path() const;
 
     bool isRegular() const;
 
-    /// Without waiting for anything, as a regular file never does.
+    /// @return in bytes; 0 if unknown
+    std::uintmax_t size() const;
+
+    /// Does not block if the file is a regular one.
     bool isReadable() const;
 
 private:
@@ -33,14 +37,14 @@ public:
     /// @throws std::runtime_error "Not a directory: " + directory
     explicit PropertyRoot(const std::string& directory);
 
-    /// @param path  with any links and "..", from the working directory unless it begins with "/"
-    /// @return the file, if that is a readable regular one below the directory; else nothing
+    /// Resolves links and "..". A relative path starts at the working directory of the process.
+    /// @return the file, or null unless it is a readable regular file below the directory
     std::shared_ptr<const PinnedFile> find(const std::string& path) const;
 
 private:
-    bool isAbove(const std::filesystem::path& path) const;
+    bool contains(const std::filesystem::path& path) const;
 
-    std::filesystem::path root; // without any links
+    std::filesystem::path root; // without links
 };
 
 } // namespace connector::service

@@ -26,7 +26,8 @@ std::vector<std::string> headerValues(const HTTPRequest& request, const std::str
     return values;
 }
 
-/// @return the hosts that the client claims to contact; a target in the absolute form replaces "Host"
+/// @return the hosts that the client claims to contact; a target in the absolute form replaces
+///         "Host"
 std::vector<std::string> requestedHosts(const HTTPRequest& request) {
     if (std::optional<std::string> authority = parseRequestTarget(request.getURI()).authority)
         return {std::move(*authority)};
@@ -74,8 +75,8 @@ std::optional<Rejection> RequestGuard::check(const HTTPRequest& request,
     return std::nullopt;
 }
 
-/// A foreign page cannot make the numeric address or "localhost" resolve elsewhere. Any other name is
-/// accepted only if the user gave it.
+/// A foreign page cannot make the numeric address or "localhost" resolve elsewhere. Any other name
+/// is accepted only if the user gave it.
 bool RequestGuard::isOwnAddress(const std::string& hostAndPort,
                                 const SocketAddress& localAddress) const {
     std::vector<std::string> names{localAddress.host().toString()};

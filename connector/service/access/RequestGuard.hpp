@@ -2,8 +2,8 @@
 ///
 /// A web browser is the one local program that sends requests on behalf of strangers. The guard
 /// recognises a foreign web page by the "Origin" and "Sec-Fetch-Site" headers that browsers add. A
-/// page whose own host name was made to resolve to this address (DNS rebinding) is recognised by that
-/// name in the "Host" header.
+/// page whose own host name was made to resolve to this address (DNS rebinding) is recognised by
+/// that name in the "Host" header.
 #pragma once
 
 #include <connector/service/access/Token.hpp>

@@ -8,12 +8,13 @@ namespace connector::service {
 
 namespace {
 
-constexpr std::size_t longestToken = 4096;
+constexpr std::size_t maxTokenLength = 4096;
 
-/// @return what the file begins with: a token with its line break, and more if there is more
-std::string readBeginning(const std::string& path) {
+/// @return the beginning of the file: enough for the longest token, its line break and one more
+///         byte
+std::string readStart(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    std::string text(longestToken + 3, '\0');
+    std::string text(maxTokenLength + 3, '\0');
     file.read(text.data(), static_cast<std::streamsize>(text.size()));
     if (!file.is_open() || file.bad() || (file.fail() && !file.eof()))
         throw std::runtime_error("Token file could not be read: " + path);
@@ -21,7 +22,7 @@ std::string readBeginning(const std::string& path) {
     return text;
 }
 
-void dropLineBreak(std::string& text) {
+void removeLineBreak(std::string& text) {
     if (text.empty() || text.back() != '\n')
         return;
     text.pop_back();
@@ -35,11 +36,11 @@ bool isVisible(char byte) {
 
 } // namespace
 
-bool Token::matches(const std::string& shown) const {
-    unsigned char difference = text.size() == shown.size() ? 0 : 1;
+bool Token::matches(const std::string& received) const {
+    unsigned char difference = text.size() == received.size() ? 0 : 1;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const char other = i < shown.size() ? shown[i] : '\0';
-        // volatile: the compiler must not see that one difference decides
+        const char other = i < received.size() ? received[i] : '\0';
+        // volatile keeps the compiler from leaving the loop at the first difference
         const volatile unsigned char differs = static_cast<unsigned char>(text[i] ^ other);
         difference = static_cast<unsigned char>(difference | differs);
     }
@@ -47,11 +48,11 @@ bool Token::matches(const std::string& shown) const {
 }
 
 Token readToken(const std::string& path) {
-    std::string text = readBeginning(path);
-    dropLineBreak(text);
+    std::string text = readStart(path);
+    removeLineBreak(text);
     if (text.empty())
         throw std::runtime_error("Token file is empty: " + path);
-    if (text.size() > longestToken || !std::all_of(text.begin(), text.end(), isVisible))
+    if (text.size() > maxTokenLength || !std::all_of(text.begin(), text.end(), isVisible))
         throw std::runtime_error("Token is not one line of visible ASCII of at most 4096 bytes: " +
                                  path);
     return Token(std::move(text));

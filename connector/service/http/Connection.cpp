@@ -1,16 +1,26 @@
 #include <connector/service/http/Connection.hpp>
 
 #include <connector/service/access/RequestTarget.hpp>
+#include <connector/service/messages/Reply.hpp>
 
 namespace connector::service {
 
 namespace {
 
-Response rejected(const Rejection& rejection) {
+Response rejectionResponse(const Rejection& rejection) {
     const Status status = rejection.reason == Rejection::Reason::Unauthenticated
                               ? HTTPResponse::HTTP_UNAUTHORIZED
                               : HTTPResponse::HTTP_FORBIDDEN;
-    return HttpFailure(status, rejection.text).response();
+    return HttpError(status, rejection.text).response();
+}
+
+/// Does not concatenate the parts, because the body may be large.
+void send(TimedSocket& client, const Response& response, bool headOnly) {
+    client.sendPart(formatHead(response));
+    if (headOnly)
+        return; // the system sends what it has held back when the connection is closed
+    client.sendPart(response.body);
+    client.send(bodyTerminator);
 }
 
 } // namespace
@@ -23,53 +33,43 @@ void Connection::run() {
 }
 
 void Connection::serve() {
-    Wire wire(socket(), shared.ending, shared.patience.request);
-    RequestReader reader(wire);
-    Answer answered = answer(reader);
-    if (const auto* const request = std::get_if<WatchRequest>(&answered)) {
-        if (watch(request->key))
-            return; // the connection is the writer's now
-        answered =
-            HttpFailure(HTTPResponse::HTTP_SERVICE_UNAVAILABLE, "No more streams").response();
+    TimedSocket client(socket(), context.shutdown, context.timeouts.request);
+    RequestReader reader(client);
+    RouteResult result = handle(reader);
+    if (const auto* const request = std::get_if<WatchRequest>(&result)) {
+        if (startWatching(request->key))
+            return; // the connection belongs to the EventWriter now
+        result = HttpError(HTTPResponse::HTTP_SERVICE_UNAVAILABLE, "No more streams").response();
     }
-    wire.extend(shared.patience.response);
-    send(wire, std::get<Response>(answered), reader.asksForHeadOnly());
-    wire.hangUp(shared.patience.goodbye);
+    client.restartTimeout(context.timeouts.response);
+    send(client, std::get<Response>(result), reader.isHeadRequest());
+    client.closeGracefully(context.timeouts.close);
 }
 
-/// Piece by piece: a body may be too large to have it twice.
-void Connection::send(Wire& wire, const Response& response, bool headOnly) {
-    wire.sendWithMore(headOf(response));
-    if (headOnly)
-        return; // what was held back goes when we hang up
-    wire.sendWithMore(response.body);
-    wire.send(bodyEnd);
-}
-
-Answer Connection::answer(RequestReader& reader) {
+RouteResult Connection::handle(RequestReader& reader) {
     try {
         const Poco::Net::HTTPRequest& head = reader.readHead();
-        if (const auto rejection = shared.guard.check(head, socket().address()))
-            return rejected(*rejection);
-        return shared.resources.answer(head.getMethod(),
-                                       parseRequestTarget(head.getURI()).pathAndQuery,
-                                       [&reader] { return reader.readBody(); });
-    } catch (const HttpFailure& failure) {
-        return failure.response();
-    } catch (const ClientLost&) {
+        if (const auto rejection = context.guard.check(head, socket().address()))
+            return rejectionResponse(*rejection);
+        return context.routes.handle(head.getMethod(),
+                                     parseRequestTarget(head.getURI()).pathAndQuery,
+                                     [&reader] { return reader.readBody(); });
+    } catch (const HttpError& error) {
+        return error.response();
+    } catch (const ConnectionLost&) {
         throw;
-    } catch (const std::exception& error) { // the configuration's
-        return Response{HTTPResponse::HTTP_UNPROCESSABLE_ENTITY, errorText(error), {}};
+    } catch (const std::exception& error) { // from the configuration
+        return Response{HTTPResponse::HTTP_UNPROCESSABLE_ENTITY, errorJson(error), {}};
     }
 }
 
-/// @return false if nobody can watch any more
-bool Connection::watch(const std::string& key) {
-    EventWriter& events = shared.events;
+/// @return false if there are too many watchers already
+bool Connection::startWatching(const std::string& key) {
+    EventWriter& events = context.events;
     const auto stream =
-        std::make_shared<EventStream>(shared.configuration, key, [&events] { events.wake(); });
-    shared.configuration.watchOption(key)->subscribe(stream);
-    if (events.add(socket(), stream, beginningOfEvents()))
+        std::make_shared<EventStream>(context.configuration, key, [&events] { events.wake(); });
+    context.configuration.watchOption(key)->subscribe(stream);
+    if (events.add(socket(), stream, eventStreamHead()))
         return true;
     stream->cancel();
     return false;

@@ -1,4 +1,4 @@
-/// One client and its one request.
+/// A client's connection and the one request on it.
 #pragma once
 
 #include <connector/service/http/HttpServer.hpp>
@@ -10,19 +10,19 @@ namespace connector::service {
 
 class Connection : public Poco::Net::TCPServerConnection {
 public:
-    Connection(const Poco::Net::StreamSocket& socket, Shared& newShared)
-        : TCPServerConnection(socket), shared(newShared) {}
+    /// @param newContext  must outlive this object
+    Connection(const Poco::Net::StreamSocket& socket, ServerContext& newContext)
+        : TCPServerConnection(socket), context(newContext) {}
 
-    /// Throws nothing: a client that went has nobody to be told.
+    /// Serves the request. Throws nothing; if the client has left, there is nobody to report to.
     void run() override;
 
 private:
     void serve();
-    Answer answer(RequestReader& reader);
-    static void send(Wire& wire, const Response& response, bool headOnly);
-    bool watch(const std::string& key);
+    RouteResult handle(RequestReader& reader);
+    bool startWatching(const std::string& key);
 
-    Shared& shared;
+    ServerContext& context;
 };
 
 } // namespace connector::service

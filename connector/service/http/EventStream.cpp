@@ -1,6 +1,5 @@
 #include <connector/service/http/EventStream.hpp>
 
-#include <connector/service/messages/Reply.hpp>
 #include <connector/service/text/Json.hpp>
 
 #include <utility>
@@ -9,23 +8,22 @@ namespace connector::service {
 
 using Lock = std::lock_guard<std::mutex>;
 
-void EventStream::onSubscribe(
-    std::weak_ptr<connector::reactive_streams::Subscription> newSubscription) {
+void EventStream::onSubscribe(std::weak_ptr<reactive_streams::Subscription> newSubscription) {
     subscription = std::move(newSubscription);
     requestNext();
 }
 
 void EventStream::onNext(const OptionValue& value) {
-    Option option{key, sourceNow(), value};
+    Option option{key, currentSource(), value};
     {
         const Lock lock(mutex);
-        waiting = std::move(option);
+        pending = std::move(option);
     }
     wake();
 }
 
-/// Empty if the option has gone meanwhile.
-std::string EventStream::sourceNow() const {
+/// @return an empty string if the option has been removed in the meantime
+std::string EventStream::currentSource() const {
     try {
         return configuration.getOption(key).get().source;
     } catch (const std::exception&) {
@@ -43,7 +41,7 @@ void EventStream::end() {
 
 std::optional<Option> EventStream::take() {
     const Lock lock(mutex);
-    return std::exchange(waiting, std::nullopt);
+    return std::exchange(pending, std::nullopt);
 }
 
 void EventStream::requestNext() {
@@ -63,7 +61,7 @@ bool EventStream::hasEnded() const {
     return ended;
 }
 
-std::string eventOf(const Option& option) {
+std::string formatEvent(const Option& option) {
     return "data: " + jsonText(toJson(option)) + "\n\n";
 }
 

@@ -1,7 +1,8 @@
-/// From options to those who watch them over HTTP: the side of the clients.
+/// The thread that sends values to all HTTP clients that watch options.
 #pragma once
 
-#include <connector/service/http/EventClient.hpp>
+#include <connector/service/http/EventConnection.hpp>
+#include <connector/service/http/WakeDescriptor.hpp>
 
 #include <cstddef>
 #include <list>
@@ -12,55 +13,56 @@
 
 namespace connector::service {
 
-/// Writes the events of all clients on one thread of its own, to each as fast as that takes them.
+/// Sends to each client as fast as the client receives, without waiting for slower ones.
 class EventWriter {
 public:
-    /// @param newSecrets          whose values are masked
-    /// @param newCommentInterval  how often a comment keeps a stream open
-    /// @param newMostStreams      how many clients may watch at a time
+    /// @param newSecrets          keys whose values are masked; must outlive this object
+    /// @param newCommentInterval  how often each client gets a comment, which keeps the connection
+    ///                            open
+    /// @param newMaxConnections   how many clients may watch at the same time
     EventWriter(const Secrets& newSecrets, Clock::duration newCommentInterval,
-                std::size_t newMostStreams);
-    ~EventWriter(); ///< finishes at once
+                std::size_t newMaxConnections);
+    ~EventWriter(); ///< finishes without waiting for clients
 
-    /// Something to take has come. May be called from any thread, under any lock.
-    void wake() noexcept;
+    /// Tells the thread that a stream has a value or has ended. May be called from any thread, with
+    /// any lock held.
+    void wake() noexcept { wakeDescriptor.signal(); }
 
     /// Takes over a client and its stream. May be called from any thread.
-    /// @param beginning  what is written first
-    /// @return false if there are too many already, or it is all over; then nothing happened
+    /// @param head  bytes to send before the first event
+    /// @return false, without any effect, if there are too many clients or the writer has finished
     bool add(const Poco::Net::StreamSocket& socket, const std::shared_ptr<EventStream>& stream,
-             std::string beginning);
+             std::string head);
 
-    /// Cancels all streams, writes what their clients take until the deadline, and closes them. For
-    /// the thread that made this object.
+    /// Cancels all streams, sends the unsent values until the deadline and closes the connections.
+    /// Must be called from the thread that owns this object.
     void finish(Clock::time_point deadline);
 
 private:
     void run();
-    void takeNewcomers();
-    void waitForAnything();
-    int patience() const;
-    void serve(EventClient& client);
-    void dropThoseWhoWent();
-    bool isOver();
+    void addPending();
+    void waitForEvents();
+    int waitingTime() const;
+    void removeClosed();
+    bool isFinished() const;
 
     const Secrets& secrets;
     const Clock::duration commentInterval;
-    const std::size_t mostStreams;
-    const int wakeDescriptor;
+    const std::size_t maxConnections;
+    WakeDescriptor wakeDescriptor;
 
-    std::mutex mutex; // guards what follows
-    std::list<EventClient> newcomers;
-    std::size_t count = 0; // of all clients, newcomers included
+    std::mutex mutex;                   // guards the members up to finishDeadline
+    std::list<EventConnection> pending; // added, but not yet seen by the thread
+    std::size_t count = 0;              // of all connections, including the pending ones
     bool isFinishing = false;
     Clock::time_point finishDeadline = Clock::time_point::max();
 
-    // Of the thread alone.
-    std::list<EventClient> clients;
+    // Used by the thread only:
+    std::list<EventConnection> connections;
     bool cancelled = false;
     Clock::time_point deadline = Clock::time_point::max();
 
-    std::thread thread; // last, for it uses all the others
+    std::thread thread; // last, because it uses the other members
 };
 
 } // namespace connector::service

@@ -8,51 +8,52 @@ namespace connector::service {
 
 namespace {
 
-constexpr int mostThreads = 1024;
-constexpr int mostWaiting = 4096; // for a thread
+constexpr int minThreads = 2;
+constexpr int maxThreads = 1024;
+constexpr int maxQueuedConnections = 4096;
 constexpr int stackSize = 512 * 1024;
-constexpr int secondsOfIdleness = 2;
-constexpr long millisecondsForWork = 500; // a thread waits that long for work, or for the end
+constexpr int poolIdleSeconds = 2;           // after which the pool removes an unused thread
+constexpr long serverIdleMilliseconds = 500; // after which the server returns a thread to the pool
 
 class ConnectionFactory : public Poco::Net::TCPServerConnectionFactory {
 public:
-    explicit ConnectionFactory(Shared& newShared) : shared(newShared) {}
+    explicit ConnectionFactory(ServerContext& newContext) : context(newContext) {}
 
     Poco::Net::TCPServerConnection*
     createConnection(const Poco::Net::StreamSocket& socket) override {
-        return new Connection(socket, shared);
+        return new Connection(socket, context);
     }
 
 private:
-    Shared& shared;
+    ServerContext& context;
 };
 
 Poco::Net::TCPServerParams::Ptr parameters() {
     Poco::Net::TCPServerParams::Ptr parameters = new Poco::Net::TCPServerParams;
-    parameters->setMaxThreads(mostThreads);
-    parameters->setMaxQueued(mostWaiting);
-    parameters->setThreadIdleTime(millisecondsForWork * Poco::Timespan::MILLISECONDS);
+    parameters->setMaxThreads(maxThreads);
+    parameters->setMaxQueued(maxQueuedConnections);
+    parameters->setThreadIdleTime(serverIdleMilliseconds * Poco::Timespan::MILLISECONDS);
     return parameters;
 }
 
 } // namespace
 
-HttpServer::HttpServer(const Poco::Net::ServerSocket& socket, Shared& newShared)
-    : shared(newShared), listening(socket),
-      threads("http", 2, mostThreads, secondsOfIdleness, stackSize),
-      server(new ConnectionFactory(shared), threads, socket, parameters()) {
+HttpServer::HttpServer(const Poco::Net::ServerSocket& newSocket, ServerContext& newContext)
+    : context(newContext), socket(newSocket),
+      threads("http", minThreads, maxThreads, poolIdleSeconds, stackSize),
+      server(new ConnectionFactory(context), threads, socket, parameters()) {
     server.start();
 }
 
 HttpServer::~HttpServer() {
-    if (!shared.ending.isAnnounced())
-        shared.ending.announce(Clock::now());
+    if (!context.shutdown.isRaised())
+        context.shutdown.raise(Clock::now());
     stop();
 }
 
 void HttpServer::stop() {
-    // Wakes up the thread that accepts, which would look only now and then whether it is to stop.
-    ::shutdown(listening.impl()->sockfd(), SHUT_RD);
+    // Wakes up the accepting thread, which would otherwise notice only after a polling interval.
+    ::shutdown(socket.impl()->sockfd(), SHUT_RD);
     server.stop();
     threads.joinAll();
 }

@@ -1,9 +1,10 @@
-/// The listening end.
+/// Accepts connections and serves them on a pool of threads.
 #pragma once
 
 #include <connector/service/access/RequestGuard.hpp>
 #include <connector/service/http/EventWriter.hpp>
-#include <connector/service/http/Resources.hpp>
+#include <connector/service/http/Routes.hpp>
+#include <connector/service/http/ShutdownSignal.hpp>
 
 #include <Poco/Net/ServerSocket.h>
 #include <Poco/Net/TCPServer.h>
@@ -13,39 +14,40 @@
 
 namespace connector::service {
 
-/// How long who is waited for.
-struct Patience {
-    Clock::duration request = std::chrono::seconds(10);  ///< for all of a request to come
-    Clock::duration response = std::chrono::seconds(60); ///< for all of a response to be taken
-    Clock::duration goodbye = std::chrono::seconds(3);   ///< for the client to hang up
-    Clock::duration end = std::chrono::seconds(2);       ///< for everything, once the server ends
+/// How long the server waits.
+struct Timeouts {
+    Clock::duration request = std::chrono::seconds(10);  ///< for the whole request to arrive
+    Clock::duration response = std::chrono::seconds(60); ///< for the client to accept the response
+    Clock::duration close = std::chrono::seconds(3);     ///< for the client to close the connection
+    Clock::duration shutdown = std::chrono::seconds(2);  ///< for all clients when the server stops
 };
 
-/// What the threads of the server share. All of it may be used by all of them.
-struct Shared {
+/// What the connections share. Everything in it may be used from any thread.
+struct ServerContext {
     const RequestGuard& guard;
-    const Resources& resources;
-    connector::configuration::ConfigurationImpl& configuration;
+    const Routes& routes;
+    configuration::ConfigurationImpl& configuration;
     EventWriter& events;
-    const Patience patience;
-    Ending ending;
+    const Timeouts timeouts;
+    ShutdownSignal shutdown;
 };
 
-/// One request a connection, one thread a request: a client that is slow takes nothing from the
-/// others but one thread of many. Those who watch need none, see EventWriter.
+/// Serves one request per connection and uses one thread per request, so a slow client delays no
+/// other. Clients that watch options occupy no thread, see EventWriter.
 class HttpServer {
 public:
-    /// Serves from now on.
-    HttpServer(const Poco::Net::ServerSocket& socket, Shared& newShared);
-    ~HttpServer(); ///< stops, and waits for no client if the end was not announced
+    /// Starts to accept connections.
+    /// @param newContext  must outlive this object
+    HttpServer(const Poco::Net::ServerSocket& newSocket, ServerContext& newContext);
+    ~HttpServer(); ///< stops; waits for no client unless the shutdown signal was raised before
 
-    /// Accepts nobody any more and waits for the requests that have begun. Whoever waits for a client
-    /// is told by the ending, which must have been announced.
+    /// Stops accepting connections and waits for the requests in progress. The shutdown signal must
+    /// have been raised; it limits how long this takes.
     void stop();
 
 private:
-    Shared& shared;
-    const Poco::Net::ServerSocket listening;
+    ServerContext& context;
+    const Poco::Net::ServerSocket socket;
     Poco::ThreadPool threads;
     Poco::Net::TCPServer server;
 };

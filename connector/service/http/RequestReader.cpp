@@ -1,7 +1,7 @@
 #include <connector/service/http/RequestReader.hpp>
 
 #include <connector/service/http/Response.hpp>
-#include <connector/service/messages/RequestText.hpp>
+#include <connector/service/messages/ParsedRequest.hpp>
 #include <connector/service/text/Number.hpp>
 
 #include <Poco/Exception.h>
@@ -9,27 +9,27 @@
 
 #include <algorithm>
 #include <charconv>
-#include <iterator>
 #include <sstream>
 
 namespace connector::service {
 
 namespace {
 
-constexpr std::size_t longestHead = 32 * 1024;
-constexpr std::size_t longestLine = 4096; // of what stands between chunks
-constexpr int mostTrailers = 100;
+constexpr std::size_t maxHeadSize = 32 * 1024;
+constexpr std::size_t maxChunkLineSize = 4096; // of a chunk's size line and of a trailer
+constexpr int maxTrailers = 100;
 
-HttpFailure badRequest(const std::string& text) {
-    return HttpFailure(HTTPResponse::HTTP_BAD_REQUEST, text);
+HttpError tooLong() {
+    return HttpError(HTTPResponse::HTTP_REQUEST_ENTITY_TOO_LARGE,
+                     "A request is at most 1 MiB long");
 }
 
-HttpFailure tooLong() {
-    return HttpFailure(HTTPResponse::HTTP_REQUEST_ENTITY_TOO_LARGE,
-                       "A request is at most 1 MiB long");
+void removeCarriageReturn(std::string& line) {
+    if (!line.empty() && line.back() == '\r')
+        line.pop_back();
 }
 
-/// @return where the head begins, behind any empty lines
+/// @return the position of the first line that is not empty
 std::size_t startOfHead(const std::string& bytes) {
     std::size_t start = 0;
     for (;;) {
@@ -42,7 +42,7 @@ std::size_t startOfHead(const std::string& bytes) {
     }
 }
 
-/// @return where the head ends, its empty line included; 0 if that has not come yet
+/// @return the position after the empty line that ends the head; 0 if it has not arrived yet
 std::size_t endOfHead(const std::string& bytes, std::size_t start) {
     for (std::size_t line = start; line < bytes.size();) {
         const std::size_t end = bytes.find('\n', line);
@@ -55,7 +55,7 @@ std::size_t endOfHead(const std::string& bytes, std::size_t start) {
     return 0;
 }
 
-bool isControl(char byte) {
+bool isForbidden(char byte) {
     const auto code = static_cast<unsigned char>(byte);
     return (code < ' ' && byte != '\t') || code == 0x7f;
 }
@@ -65,31 +65,30 @@ bool isHeader(const std::string& line) {
     return nameEnd != line.npos && nameEnd > 0 && line[nameEnd] == ':';
 }
 
-/// Poco skips blanks in front, takes lines without a colon for a part of others or for nothing, and
-/// leaves any bytes in what it reads. Nobody who means well sends that.
+/// Stricter than Poco, which skips leading whitespace, joins or ignores lines without a colon, and
+/// accepts control characters. No well-behaved client sends such a head.
 bool isWellFormed(const std::string& head) {
     std::istringstream text(head);
     bool isFirst = true;
     for (std::string line; std::getline(text, line); isFirst = false) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+        removeCarriageReturn(line);
         if (line.empty())
-            return true; // the end
+            return true; // the end of the head
         const bool hasForm = isFirst ? line.front() != ' ' && line.front() != '\t' : isHeader(line);
-        if (!hasForm || std::any_of(line.begin(), line.end(), isControl))
+        if (!hasForm || std::any_of(line.begin(), line.end(), isForbidden))
             return false;
     }
     return true;
 }
 
-auto countOf(const Poco::Net::HTTPRequest& head, const std::string& name) {
+auto countHeaders(const Poco::Net::HTTPRequest& head, const std::string& name) {
     return std::count_if(head.begin(), head.end(), [&name](const auto& header) {
         return Poco::icompare(header.first, name) == 0;
     });
 }
 
-/// A chunk's line is its size, hexadecimal, and possibly extensions behind a semicolon.
-std::size_t sizeOfChunk(const std::string& line) {
+/// @param line  the hexadecimal size, and possibly extensions after a semicolon
+std::size_t parseChunkSize(const std::string& line) {
     const std::size_t digits = std::min(line.find_first_of("; \t"), line.size());
     std::size_t size = 0;
     const auto [end, error] = std::from_chars(line.data(), line.data() + digits, size, 16);
@@ -117,40 +116,40 @@ const Poco::Net::HTTPRequest& RequestReader::readHead() {
     return head;
 }
 
-/// Empty lines in front of it count as parts of it, so that there cannot be too many.
+/// Counts empty lines before the head as part of it, so that their number is limited, too.
 std::string RequestReader::takeHead() {
     for (;;) {
-        const std::size_t start = startOfHead(unread);
-        if (const std::size_t end = endOfHead(unread, start))
+        const std::size_t start = startOfHead(received);
+        if (const std::size_t end = endOfHead(received, start))
             return take(end).substr(start);
-        if (unread.size() > longestHead)
+        if (received.size() > maxHeadSize)
             throw badRequest("Head of the request is too long");
-        if (!unread.empty())
-            receive();
-        else if (!wire.receiveFirst(unread))
-            throw ClientLost("No request");
+        if (!received.empty())
+            receiveMore();
+        else if (!socket.receiveFirst(received))
+            throw ConnectionLost("No request");
     }
 }
 
-/// More of a request that has begun.
-void RequestReader::receive() {
-    unread.erase(0, taken); // here and not where it is taken, for chunks may be tiny
+/// Receives more of a request whose first bytes have arrived.
+void RequestReader::receiveMore() {
+    received.erase(0, taken); // not in take(), because erasing after each tiny chunk would be slow
     taken = 0;
     try {
-        if (!wire.receive(unread))
+        if (!socket.receive(received))
             throw badRequest("Request ends too early");
-    } catch (const ClientLate& late) {
-        throw HttpFailure(HTTPResponse::HTTP_REQUEST_TIMEOUT, late.what());
+    } catch (const ClientTimeout& timeout) {
+        throw HttpError(HTTPResponse::HTTP_REQUEST_TIMEOUT, timeout.what());
     }
 }
 
 std::string RequestReader::readBody() {
-    const auto lengths = countOf(head, "Content-Length");
-    const auto encodings = countOf(head, "Transfer-Encoding");
+    const auto lengths = countHeaders(head, "Content-Length");
+    const auto encodings = countHeaders(head, "Transfer-Encoding");
     if (lengths + encodings > 1)
         throw badRequest("Length of the body is told twice");
     if (lengths == 1)
-        return readLength(head.get("Content-Length"));
+        return readFixedLength(head.get("Content-Length"));
     if (encodings == 0)
         return {};
     if (Poco::icompare(head.get("Transfer-Encoding"), "chunked") != 0)
@@ -158,28 +157,27 @@ std::string RequestReader::readBody() {
     return readChunks();
 }
 
-/// A client may wait for a word before it sends.
-void RequestReader::askForBody() {
-    if (head.getExpectContinue() && taken == unread.size())
-        wire.send("HTTP/1.1 100 Continue\r\n\r\n");
+void RequestReader::sendContinueIfExpected() {
+    if (head.getExpectContinue() && taken == received.size())
+        socket.send("HTTP/1.1 100 Continue\r\n\r\n");
 }
 
-std::string RequestReader::readLength(const std::string& length) {
+std::string RequestReader::readFixedLength(const std::string& length) {
     const bool isNumber = !length.empty() && length.find_first_not_of("0123456789") == length.npos;
     if (!isNumber)
         throw badRequest("Content-Length is no number");
     const auto count = readNumber<std::size_t>(length);
-    if (!count || *count > longestRequest)
+    if (!count || *count > maxRequestSize)
         throw tooLong();
-    askForBody();
+    sendContinueIfExpected();
     return take(*count);
 }
 
 std::string RequestReader::readChunks() {
-    askForBody();
+    sendContinueIfExpected();
     std::string body;
-    while (const std::size_t size = sizeOfChunk(takeLine())) {
-        if (size > longestRequest - body.size())
+    while (const std::size_t size = parseChunkSize(takeLine())) {
+        if (size > maxRequestSize - body.size())
             throw tooLong();
         body += take(size);
         if (!takeLine().empty())
@@ -191,30 +189,30 @@ std::string RequestReader::readChunks() {
 
 void RequestReader::skipTrailers() {
     for (int count = 0; !takeLine().empty(); ++count) {
-        if (count == mostTrailers)
+        if (count == maxTrailers)
             throw badRequest("Too much behind the body");
     }
 }
 
 std::string RequestReader::take(std::size_t count) {
-    while (unread.size() - taken < count)
-        receive();
-    std::string bytes = unread.substr(taken, count);
+    while (received.size() - taken < count)
+        receiveMore();
+    std::string bytes = received.substr(taken, count);
     taken += count;
     return bytes;
 }
 
+/// @return the next line without its line break
 std::string RequestReader::takeLine() {
     std::size_t end;
-    while ((end = unread.find('\n', taken)) == unread.npos) {
-        if (unread.size() - taken > longestLine)
+    while ((end = received.find('\n', taken)) == received.npos) {
+        if (received.size() - taken > maxChunkLineSize)
             throw badRequest("Line between chunks is too long");
-        receive();
+        receiveMore();
     }
     std::string line = take(end + 1 - taken);
     line.pop_back();
-    if (!line.empty() && line.back() == '\r')
-        line.pop_back();
+    removeCarriageReturn(line);
     return line;
 }
 

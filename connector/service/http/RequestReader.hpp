@@ -1,10 +1,10 @@
-/// One HTTP request from a wire.
+/// Reads one HTTP request from a socket.
 ///
-/// The head is Poco's to understand. The body is read here, because Poco's streams take a body that
-/// was cut for a whole one, and a request that arrived by half must not be executed.
+/// Poco parses the head. The body is read here, because Poco's streams accept a body that ends too
+/// early, and half a request must not be executed.
 #pragma once
 
-#include <connector/service/http/Wire.hpp>
+#include <connector/service/http/TimedSocket.hpp>
 
 #include <Poco/Net/HTTPRequest.h>
 
@@ -14,33 +14,35 @@ namespace connector::service {
 
 class RequestReader {
 public:
-    explicit RequestReader(Wire& newWire) : wire(newWire) {}
+    /// @param newSocket  must outlive this object
+    explicit RequestReader(TimedSocket& newSocket) : socket(newSocket) {}
 
-    /// @throws HttpFailure   400 or 408
-    /// @throws ClientLost    when the client went without a word
+    /// @throws HttpError       status 400 or 408
+    /// @throws ConnectionLost  the client has left without sending anything
     const Poco::Net::HTTPRequest& readHead();
 
-    /// @return whether the client wants no body; false as long as that is not known
-    bool asksForHeadOnly() const { return head.getMethod() == head.HTTP_HEAD; }
+    /// @return whether the response must have no body; false as long as the head has not been read
+    bool isHeadRequest() const { return head.getMethod() == head.HTTP_HEAD; }
 
-    /// To be called once, behind readHead. Reads no further than is allowed.
-    /// @throws HttpFailure  400, 408 or 413
+    /// Must be called after readHead, at most once. Stops reading when the body exceeds
+    /// maxRequestSize.
+    /// @throws HttpError  status 400, 408 or 413
     std::string readBody();
 
 private:
     std::string takeHead();
-    std::string readLength(const std::string& length);
+    std::string readFixedLength(const std::string& length);
     std::string readChunks();
     std::string take(std::size_t count);
     std::string takeLine();
     void skipTrailers();
-    void receive();
-    void askForBody();
+    void receiveMore();
+    void sendContinueIfExpected();
 
-    Wire& wire;
+    TimedSocket& socket;
     Poco::Net::HTTPRequest head;
-    std::string unread;    // what came and was not forgotten yet
-    std::size_t taken = 0; // how much of that was handed out
+    std::string received;  // bytes from the socket, some of which have been taken already
+    std::size_t taken = 0; // how many of them
 };
 
 } // namespace connector::service

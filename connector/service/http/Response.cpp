@@ -11,7 +11,7 @@ namespace connector::service {
 
 namespace {
 
-/// No header here lets another site's page in.
+/// Deliberately without the headers that would grant access to web pages of other origins.
 HTTPResponse commonHead(Status status, const char* contentType) {
     HTTPResponse head(Poco::Net::HTTPMessage::HTTP_1_1, status);
     head.setDate(Poco::Timestamp());
@@ -22,7 +22,7 @@ HTTPResponse commonHead(Status status, const char* contentType) {
     return head;
 }
 
-std::string textOf(const HTTPResponse& head) {
+std::string toText(const HTTPResponse& head) {
     std::ostringstream text;
     head.write(text);
     return text.str();
@@ -30,22 +30,27 @@ std::string textOf(const HTTPResponse& head) {
 
 } // namespace
 
-Response HttpFailure::response() const {
-    return {status, errorText(text), allow};
+Response HttpError::response() const {
+    return {status, errorJson(text), allow};
 }
 
-std::string headOf(const Response& response) {
+HttpError badRequest(const std::string& text) {
+    return HttpError(HTTPResponse::HTTP_BAD_REQUEST, text);
+}
+
+std::string formatHead(const Response& response) {
     HTTPResponse head = commonHead(response.status, "application/json");
-    head.setContentLength64(static_cast<Poco::Int64>(response.body.size() + sizeof bodyEnd - 1));
+    head.setContentLength64(
+        static_cast<Poco::Int64>(response.body.size() + sizeof bodyTerminator - 1));
     if (!response.allow.empty())
         head.set("Allow", response.allow);
     if (response.status == HTTPResponse::HTTP_UNAUTHORIZED)
         head.set("WWW-Authenticate", "Bearer");
-    return textOf(head);
+    return toText(head);
 }
 
-std::string beginningOfEvents() {
-    return textOf(commonHead(HTTPResponse::HTTP_OK, "text/event-stream"));
+std::string eventStreamHead() {
+    return toText(commonHead(HTTPResponse::HTTP_OK, "text/event-stream"));
 }
 
 } // namespace connector::service

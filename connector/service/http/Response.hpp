@@ -1,4 +1,4 @@
-/// What an HTTP client gets.
+/// HTTP responses.
 #pragma once
 
 #include <Poco/Net/HTTPResponse.h>
@@ -14,29 +14,33 @@ using Status = HTTPResponse::HTTPStatus;
 struct Response {
     Status status;
     std::string body;  ///< a JSON document
-    std::string allow; ///< the method that the path is for, if it is not the one that was used
+    std::string allow; ///< value of the "Allow" header; empty for none
 };
 
-/// Why a request is not served; caught where it is answered.
-class HttpFailure : public std::runtime_error {
+/// A failure to serve a request. Connection turns it into a response.
+class HttpError : public std::runtime_error {
 public:
-    HttpFailure(Status newStatus, const std::string& newText, std::string newAllow = {})
+    HttpError(Status newStatus, const std::string& newText, std::string newAllow = {})
         : runtime_error(newText), status(newStatus), text(newText), allow(std::move(newAllow)) {}
 
     Response response() const;
 
     const Status status;
-    const std::string text; ///< whole, where what() ends at a NUL character
+    const std::string text; ///< the whole text, while what() ends at a NUL
     const std::string allow;
 };
 
-/// What ends the body of a response.
-constexpr char bodyEnd[] = "\n";
+/// @return an error with status 400
+HttpError badRequest(const std::string& text);
 
-/// @return the bytes in front of the body; there is one response for each connection
-std::string headOf(const Response& response);
+/// What follows the body of each response.
+constexpr char bodyTerminator[] = "\n";
 
-/// @return the bytes that begin a stream of server-sent events
-std::string beginningOfEvents();
+/// @return the bytes before the body, with "Connection: Close": there is one response per
+///         connection
+std::string formatHead(const Response& response);
+
+/// @return the bytes before a stream of server-sent events
+std::string eventStreamHead();
 
 } // namespace connector::service

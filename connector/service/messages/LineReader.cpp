@@ -10,24 +10,24 @@ namespace connector::service {
 
 std::optional<std::string> LineReader::next() {
     std::string line;
-    bool isAny = false;
-    while (begin < end || fill()) {
-        isAny = true;
+    bool hasInput = false;
+    while (begin < end || fillBuffer()) {
+        hasInput = true;
         const char* const first = buffer + begin;
         const char* const lineEnd = std::find(first, static_cast<const char*>(buffer + end), '\n');
         const auto length = static_cast<std::size_t>(lineEnd - first);
-        line.append(first, std::min(length, longest + 1 - line.size()));
+        line.append(first, std::min(length, maxLength + 1 - line.size()));
         begin += length;
         if (begin < end) {
-            ++begin; // the line's end
+            ++begin; // the line break
             return line;
         }
     }
-    return isAny ? std::optional<std::string>(std::move(line)) : std::nullopt;
+    return hasInput ? std::optional<std::string>(std::move(line)) : std::nullopt;
 }
 
-/// @return false at the end
-bool LineReader::fill() {
+/// @return false at the end of the input
+bool LineReader::fillBuffer() {
     ssize_t count;
     do {
         count = ::read(descriptor, buffer, sizeof buffer);

@@ -1,4 +1,4 @@
-/// Lines of limited length.
+/// Lines of limited length from a file descriptor.
 #pragma once
 
 #include <cstddef>
@@ -7,24 +7,28 @@
 
 namespace connector::service {
 
-/// Reads a file descriptor line by line. Of a line that is too long, what is too much is read and
-/// forgotten, so that no line takes more memory than is allowed.
+/// Reads a file descriptor line by line. The excess part of a line that is too long is read and
+/// discarded, so that no line takes more memory than allowed. Not thread-safe.
 class LineReader {
 public:
-    LineReader(int newDescriptor, std::size_t newLongest)
-        : descriptor(newDescriptor), longest(newLongest) {}
+    /// @param newMaxLength  of a line in bytes, without its line break
+    LineReader(int newDescriptor, std::size_t newMaxLength)
+        : descriptor(newDescriptor), maxLength(newMaxLength) {}
 
-    /// @return the next line without its end, cut to one byte more than the longest; none at the end
-    ///         of the input. The last line counts without an end, too, unless it is empty.
+    /// Blocks until a line has arrived.
+    /// @return the next line without its line break; nothing at the end of the input. A line that
+    ///         is too long is truncated to one byte more than the maximum. The last line needs no
+    ///         line break unless it is empty.
+    /// @throws std::system_error "Input could not be read"
     std::optional<std::string> next();
 
 private:
-    bool fill();
+    bool fillBuffer();
 
     const int descriptor;
-    const std::size_t longest;
+    const std::size_t maxLength;
     char buffer[65536];
-    std::size_t begin = 0; // of what was read and not handed out
+    std::size_t begin = 0; // of the bytes that were read but not returned yet
     std::size_t end = 0;
 };
 

@@ -1,6 +1,6 @@
 #include <connector/service/messages/MessageService.hpp>
 
-#include <connector/service/messages/RequestText.hpp>
+#include <connector/service/messages/ParsedRequest.hpp>
 #include <connector/service/text/Json.hpp>
 #include <connector/service/text/LoadingGroup.hpp>
 #include <connector/service/text/Secrets.hpp>
@@ -12,36 +12,34 @@
 
 namespace connector::service {
 
-using connector::Future;
-using connector::Message;
-using connector::configuration::AddPropertyFileSource;
-using connector::configuration::ConfigurationOptionResponse;
-using connector::configuration::ConfigurationServiceProviderImpl;
+using configuration::AddPropertyFileSource;
+using configuration::ConfigurationOptionResponse;
+using configuration::ConfigurationServiceProviderImpl;
 using MessagePtr = std::unique_ptr<Message>;
 
 namespace {
 
-/// The group of the file that a message adds; empty for every other message.
-std::string groupOf(const Message& message) {
+/// @return the group of the file that a message adds; empty for every other message
+std::string addedGroup(const Message& message) {
     const auto* const add = dynamic_cast<const AddPropertyFileSource*>(&message);
     return add == nullptr ? std::string() : add->group;
 }
 
-void hideValue(Message& reply) {
+void maskValue(Message& reply) {
     auto* const response = dynamic_cast<ConfigurationOptionResponse*>(&reply);
     if (response != nullptr && response->option)
         response->option->value = std::string(Secrets::mask);
 }
 
-/// Why a message is not executed. No exception of the standard's, whose text would end at a NUL.
+/// Why a message is not executed. Not a std::exception, because what() would end at a NUL.
 struct Refusal {
     std::string text;
 };
 
 } // namespace
 
-/// One request on its way through the service. Every step says what its failure means before it
-/// begins, so that whatever leaves it is answered.
+/// The processing of one request. Each step sets the outcome that a failure in it means before it
+/// begins, so `outcome` is right whatever is thrown.
 class MessageService::Exchange {
 public:
     explicit Exchange(const MessageService& newService) : service(newService) {}
@@ -50,57 +48,57 @@ public:
         try {
             return {Outcome::Done, withId(id, execute(text))};
         } catch (const Refusal& refusal) {
-            return {outcome, errorText(refusal.text, id)};
+            return {outcome, errorJson(refusal.text, id)};
         } catch (const std::exception& error) {
-            return {outcome, errorText(error, id)};
+            return {outcome, errorJson(error, id)};
         } catch (...) {
-            return {outcome, errorText("Unknown failure", id)};
+            return {outcome, errorJson("Unknown failure", id)};
         }
     }
 
 private:
     std::string execute(const std::string& text) {
-        const RequestText request = readRequest(text);
+        const ParsedRequest request = parseRequest(text);
         id = request.id;
         MessagePtr message = service.serializer->deserialize(request.content());
-        const Verdict verdict = judge(*message);
-        const MessagePtr reply = take(dispatch(std::move(message)));
-        if (verdict.hidesValue)
-            hideValue(*reply);
-        return textOf(reply);
+        const Decision decision = authorize(*message);
+        const MessagePtr reply = resultOf(dispatch(std::move(message)));
+        if (decision.masksValue)
+            maskValue(*reply);
+        return toText(reply);
     }
 
-    Verdict judge(Message& message) {
+    Decision authorize(Message& message) {
         outcome = Outcome::Refused;
-        const Verdict verdict = service.judge ? service.judge(message) : Verdict{};
-        if (verdict.refusal)
-            throw Refusal{*verdict.refusal};
-        return verdict;
+        const Decision decision = service.authorizer ? service.authorizer(message) : Decision{};
+        if (decision.refusal)
+            throw Refusal{*decision.refusal};
+        return decision;
     }
 
-    /// What the configuration refuses is thrown from here.
+    /// Throws what the configuration throws.
     Future<MessagePtr> dispatch(MessagePtr message) {
         outcome = Outcome::Failed;
-        const LoadingGroup loading(groupOf(*message));
-        return service.provider->dispatch(std::move(message), connector::Address(), nullptr);
+        const LoadingGroup loading(addedGroup(*message));
+        return service.provider->dispatch(std::move(message), Address(), nullptr);
     }
 
-    /// What the message framework refuses is in the future.
-    MessagePtr take(Future<MessagePtr> future) {
+    /// The future holds the failures of the message framework.
+    MessagePtr resultOf(Future<MessagePtr> future) {
         try {
             return future.get();
-        } catch (const std::invalid_argument&) { // none of the service's messages
-            outcome = Outcome::NoMessage;
+        } catch (const std::invalid_argument&) { // not a message of this service
+            outcome = Outcome::InvalidMessage;
             throw;
-        } catch (const std::runtime_error&) { // it does not run
+        } catch (const std::runtime_error&) { // the service is not running
             outcome = Outcome::Stopped;
             throw;
         }
     }
 
-    std::string textOf(const MessagePtr& reply) const {
+    std::string toText(const MessagePtr& reply) const {
         const Poco::JSON::Object::Ptr written = service.serializer->serialize(reply);
-        Poco::JSON::Object::Ptr object = makeObject(); // the type first, for those who read along
+        Poco::JSON::Object::Ptr object = makeObject(); // puts the type first, for human readers
         object->set("type", written->get("type"));
         object->set("message", written->get("message"));
         return jsonText(object);
@@ -108,15 +106,14 @@ private:
 
     const MessageService& service;
     std::optional<std::string> id;
-    Outcome outcome = Outcome::NoMessage;
+    Outcome outcome = Outcome::InvalidMessage;
 };
 
-MessageService::MessageService(
-    const std::shared_ptr<connector::configuration::Configuration>& configuration, Judge newJudge)
-    : serializer(std::make_shared<connector::json::JsonSerializerImpl>()),
-      serialization(serializer),
+MessageService::MessageService(const std::shared_ptr<configuration::Configuration>& configuration,
+                               Authorizer newAuthorizer)
+    : serializer(std::make_shared<json::JsonSerializerImpl>()), serialization(serializer),
       provider(std::make_shared<ConfigurationServiceProviderImpl>(configuration)),
-      judge(std::move(newJudge)) {
+      authorizer(std::move(newAuthorizer)) {
     provider->start();
 }
 

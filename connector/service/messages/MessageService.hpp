@@ -1,4 +1,5 @@
-/// The configuration service behind both doors: text comes in, text goes out.
+/// The configuration service for clients that speak JSON: it turns the text of a request into the
+/// text of a reply.
 #pragma once
 
 #include <connector/service/messages/Reply.hpp>
@@ -14,38 +15,39 @@
 
 namespace connector::service {
 
-/// Whether somebody may have what a message asks for.
-struct Verdict {
-    std::optional<std::string> refusal; ///< why not
-    std::shared_ptr<const void> hold;   ///< something to be kept until the message was executed
-    bool hidesValue = false;            ///< the value in the reply must not be shown
+/// What an Authorizer decided about a message.
+struct Decision {
+    std::optional<std::string> refusal;    ///< the reason if the message is refused
+    std::shared_ptr<const void> keepAlive; ///< released only after the message has been executed
+    bool masksValue = false;               ///< the reply must not show the option's value
 };
 
-/// May change the message, to say more exactly what is allowed.
-using Judge = std::function<Verdict(connector::Message&)>;
+/// Decides whether a message may be executed. May modify the message, to restrict it to exactly
+/// what was checked. Called from the threads that call MessageService::reply, possibly at the same
+/// time.
+using Authorizer = std::function<Decision(Message&)>;
 
 /// All operations may be called from any thread.
 class MessageService {
 public:
-    /// @param newJudge  asked about every message; none allows everything
-    explicit MessageService(
-        const std::shared_ptr<connector::configuration::Configuration>& configuration,
-        Judge newJudge = {});
+    /// @param newAuthorizer  asked about every message; without one, everything is allowed
+    explicit MessageService(const std::shared_ptr<configuration::Configuration>& configuration,
+                            Authorizer newAuthorizer = {});
     ~MessageService();
 
-    /// Executes a request and tells how that went. Nothing that arrives makes it throw.
+    /// Executes a request. Every failure, whatever the request, is reported in the reply.
     Reply reply(const std::string& request) const;
 
-    /// From now on every message is answered with Outcome::Stopped.
+    /// Makes all later messages fail with Outcome::Stopped.
     void stop();
 
 private:
     class Exchange;
 
-    const std::shared_ptr<connector::json::JsonSerializerImpl> serializer;
-    const connector::configuration::ConfigurationJsonSerialization serialization;
-    const std::shared_ptr<connector::configuration::ConfigurationServiceProviderImpl> provider;
-    const Judge judge;
+    const std::shared_ptr<json::JsonSerializerImpl> serializer;
+    const configuration::ConfigurationJsonSerialization serialization;
+    const std::shared_ptr<configuration::ConfigurationServiceProviderImpl> provider;
+    const Authorizer authorizer;
 };
 
 } // namespace connector::service

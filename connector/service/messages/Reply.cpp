@@ -1,14 +1,9 @@
 #include <connector/service/messages/Reply.hpp>
 
-#include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
-
-#include <Poco/JSON/Array.h>
-#include <Poco/JSON/Object.h>
 
 #include <boost/core/demangle.hpp>
 
-#include <cmath>
 #include <stdexcept>
 #include <typeinfo>
 
@@ -16,60 +11,24 @@ namespace connector::service {
 
 namespace {
 
-using Poco::Dynamic::Var;
-using Poco::JSON::Array;
-using Poco::JSON::Object;
-
-Var sayable(const Var& value);
-
-Object::Ptr sayableObject(const Object& object) {
-    Object::Ptr copy = makeObject();
-    for (const std::string& name : object.getNames())
-        copy->set(repaired(name), sayable(object.get(name)));
-    return copy;
-}
-
-Array::Ptr sayableArray(const Array& array) {
-    Array::Ptr copy = new Array;
-    for (const Var& element : array)
-        copy->add(sayable(element));
-    return copy;
-}
-
-Var sayable(const Var& value) {
-    if (value.type() == typeid(Object::Ptr))
-        return sayableObject(*value.extract<Object::Ptr>());
-    if (value.type() == typeid(Array::Ptr))
-        return sayableArray(*value.extract<Array::Ptr>());
-    if (value.type() == typeid(std::string))
-        return repaired(value.extract<std::string>());
-    if (value.type() == typeid(double) && !std::isfinite(value.extract<double>()))
-        return value.toString();
-    return value;
-}
-
-std::string failureText(const std::type_info& type, const std::string& text,
-                        const std::optional<std::string>& id) {
-    Object::Ptr description = makeObject();
+std::string errorJson(const std::type_info& type, const std::string& text,
+                      const std::optional<std::string>& id) {
+    Poco::JSON::Object::Ptr description = makeObject();
     description->set("type", boost::core::demangle(type.name()));
     description->set("text", text);
-    Object::Ptr object = makeObject();
+    Poco::JSON::Object::Ptr object = makeObject();
     object->set("error", description);
     return withId(id, jsonText(object));
 }
 
 } // namespace
 
-std::string errorText(const std::exception& error, const std::optional<std::string>& id) {
-    return failureText(typeid(error), error.what(), id);
+std::string errorJson(const std::exception& error, const std::optional<std::string>& id) {
+    return errorJson(typeid(error), error.what(), id);
 }
 
-std::string errorText(const std::string& text, const std::optional<std::string>& id) {
-    return failureText(typeid(std::runtime_error), text, id);
-}
-
-std::string jsonText(const Var& document) {
-    return toText(sayable(document));
+std::string errorJson(const std::string& text, const std::optional<std::string>& id) {
+    return errorJson(typeid(std::runtime_error), text, id);
 }
 
 std::string withId(const std::optional<std::string>& id, const std::string& object) {

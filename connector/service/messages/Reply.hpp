@@ -1,7 +1,5 @@
-/// What a request is answered with.
+/// Replies to requests.
 #pragma once
-
-#include <Poco/Dynamic/Var.h>
 
 #include <exception>
 #include <optional>
@@ -10,31 +8,29 @@
 namespace connector::service {
 
 enum class Outcome {
-    Done,      ///< the reply is a message
-    NoMessage, ///< what arrived is none, or none that the service takes
-    Refused,   ///< the one who asks must not have it
-    Failed,    ///< the configuration says no
-    Stopped,   ///< the service does not run any more
+    Done,           ///< the reply is a message
+    InvalidMessage, ///< the request is not a message, or not one that the service accepts
+    Refused,        ///< the client is not allowed to do this
+    Failed,         ///< the configuration threw an exception
+    Stopped,        ///< the service has been stopped
 };
 
 struct Reply {
     Outcome outcome;
-    std::string text; ///< a JSON object on one line, without the line's end
+    std::string text; ///< a JSON object on a single line, without a line break
 };
 
-/// @return {"error": {"type": the C++ type of the exception, "text": its text}}, behind the id
-std::string errorText(const std::exception& error, const std::optional<std::string>& id = {});
+/// @param id  JSON that becomes the first member of the result
+/// @return {"error": {"type": the C++ type of the exception, "text": its what()}}
+std::string errorJson(const std::exception& error, const std::optional<std::string>& id = {});
 
-/// The same for a text of our own, which is a std::runtime_error to the others. It comes whole, where
-/// that of an exception ends at a NUL character.
-std::string errorText(const std::string& text, const std::optional<std::string>& id = {});
+/// The same for a text without an exception, which is reported as a std::runtime_error. Use this
+/// for texts that can contain NUL, where what() would end.
+std::string errorJson(const std::string& text, const std::optional<std::string>& id = {});
 
-/// @return a JSON document on one line. What JSON cannot say, for values may hold any bytes and any
-///         double, is said as near as can be: bytes that are no UTF-8 as U+FFFD; infinity and what is
-///         not a number as the strings that read as these.
-std::string jsonText(const Poco::Dynamic::Var& document);
-
-/// @param object  the text of an object that is not empty
+/// @param id      JSON
+/// @param object  JSON of an object with at least one member
+/// @return the object with the id as its first member, or as it is if there is no id
 std::string withId(const std::optional<std::string>& id, const std::string& object);
 
 } // namespace connector::service

@@ -14,15 +14,15 @@ std::string formatted(const char* format, unsigned number) {
     return text;
 }
 
-std::string escapeOfByte(char byte) {
+std::string byteEscape(char byte) {
     return formatted("\\x%02x", static_cast<unsigned char>(byte));
 }
 
-std::string escapeOfCodePoint(char32_t codePoint) {
+std::string codePointEscape(char32_t codePoint) {
     return formatted("\\u%04x", static_cast<unsigned>(codePoint));
 }
 
-std::string escapeOfControl(const Character& character) {
+std::string controlEscape(const Character& character) {
     switch (character.codePoint) {
     case U'\n':
         return "\\n";
@@ -31,8 +31,8 @@ std::string escapeOfControl(const Character& character) {
     case U'\t':
         return "\\t";
     default:
-        return character.bytes.size() == 1 ? escapeOfByte(character.bytes.front())
-                                           : escapeOfCodePoint(character.codePoint);
+        return character.bytes.size() == 1 ? byteEscape(character.bytes.front())
+                                           : codePointEscape(character.codePoint);
     }
 }
 
@@ -42,16 +42,16 @@ std::string escaped(std::string_view text) {
     std::string result;
     forEachCharacter(text, [&result](const Character& character) {
         if (!character.valid)
-            result += escapeOfByte(character.bytes.front());
+            result += byteEscape(character.bytes.front());
         else if (isControl(character.codePoint))
-            result += escapeOfControl(character);
+            result += controlEscape(character);
         else
             result += character.bytes;
     });
     return result;
 }
 
-std::string repaired(std::string_view text) {
+std::string toValidUtf8(std::string_view text) {
     std::string result;
     forEachCharacter(text, [&result](const Character& character) {
         result += character.valid ? character.bytes : "\xEF\xBF\xBD";
@@ -63,7 +63,7 @@ std::string escapedJson(std::string_view document) {
     std::string result;
     forEachCharacter(document, [&result](const Character& character) {
         if (character.valid && isControl(character.codePoint))
-            result += escapeOfCodePoint(character.codePoint);
+            result += codePointEscape(character.codePoint);
         else
             result += character.bytes;
     });

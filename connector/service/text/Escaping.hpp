@@ -1,4 +1,4 @@
-/// Text that is safe to show.
+/// Makes arbitrary bytes safe to show.
 #pragma once
 
 #include <string>
@@ -6,16 +6,17 @@
 
 namespace connector::service {
 
-/// @return the text on one line, with nothing in it that a terminal obeys: \n, \r and \t, \xHH for
-///         other control characters of ASCII and for bytes that are no UTF-8, \uHHHH for the rest.
-///         Backslashes stay single: this form is for eyes, not for reading back.
+/// For people, on a terminal or in a log. The result is a single line without control characters.
+/// \n, \r and \t are escaped like this; other ASCII control characters and bytes that are not UTF-8
+/// become \xHH, other control characters become \uHHHH. A backslash is not escaped, so the result
+/// cannot be converted back.
 std::string escaped(std::string_view text);
 
-/// @return the text in well-formed UTF-8, with U+FFFD in place of each byte that is none
-std::string repaired(std::string_view text);
+/// @return the text with U+FFFD in place of every byte that is not part of a UTF-8 character
+std::string toValidUtf8(std::string_view text);
 
-/// @return the JSON document with \uHHHH for every control character that JSON lets stand as it is.
-///         They stand inside strings only, so the document means the same.
+/// @return the JSON document with \uHHHH in place of every control character that JSON allows
+///         unescaped. Such characters occur only inside strings, so the document means the same.
 std::string escapedJson(std::string_view document);
 
 } // namespace connector::service

@@ -4,53 +4,65 @@
 
 #include <connector/configuration/json/OptionValueJson.hpp>
 
+#include <Poco/JSON/Array.h>
 #include <Poco/JSON/Stringifier.h>
 
+#include <cmath>
 #include <sstream>
 
 namespace connector::service {
 
-using connector::configuration::Option;
-using connector::configuration::OptionValue;
-
 namespace {
 
-/// A copy of a value with its 8-bit texts repaired.
-class Repair : public boost::static_visitor<OptionValue> {
-public:
-    template <typename T>
-    OptionValue operator()(const T& value) const {
-        return value;
-    }
-    OptionValue operator()(const std::string& text) const { return repaired(text); }
-    OptionValue operator()(std::vector<std::string> texts) const {
-        for (std::string& text : texts)
-            text = repaired(text);
-        return texts;
-    }
-};
+using Poco::Dynamic::Var;
+using Poco::JSON::Array;
+using Poco::JSON::Object;
+
+Var representableInJson(const Var& value);
+
+Object::Ptr representableObject(const Object& object) {
+    Object::Ptr copy = makeObject();
+    for (const std::string& name : object.getNames())
+        copy->set(toValidUtf8(name), representableInJson(object.get(name)));
+    return copy;
+}
+
+Array::Ptr representableArray(const Array& array) {
+    Array::Ptr copy = new Array;
+    for (const Var& element : array)
+        copy->add(representableInJson(element));
+    return copy;
+}
+
+Var representableInJson(const Var& value) {
+    if (value.type() == typeid(Object::Ptr))
+        return representableObject(*value.extract<Object::Ptr>());
+    if (value.type() == typeid(Array::Ptr))
+        return representableArray(*value.extract<Array::Ptr>());
+    if (value.type() == typeid(std::string))
+        return toValidUtf8(value.extract<std::string>());
+    if (value.type() == typeid(double) && !std::isfinite(value.extract<double>()))
+        return value.toString();
+    return value;
+}
 
 } // namespace
 
-Poco::JSON::Object::Ptr toJson(const OptionValue& value) {
-    return connector::configuration::fromOptionValue(boost::apply_visitor(Repair(), value));
-}
-
-Poco::JSON::Object::Ptr toJson(const Option& option) {
-    Poco::JSON::Object::Ptr object = makeObject();
-    object->set("key", repaired(option.key));
-    object->set("source", repaired(option.source));
-    object->set("value", toJson(option.value));
+Object::Ptr toJson(const connector::configuration::Option& option) {
+    Object::Ptr object = makeObject();
+    object->set("key", option.key);
+    object->set("source", option.source);
+    object->set("value", connector::configuration::fromOptionValue(option.value));
     return object;
 }
 
-Poco::JSON::Object::Ptr makeObject() {
-    return new Poco::JSON::Object(Poco::JSON_PRESERVE_KEY_ORDER);
+Object::Ptr makeObject() {
+    return new Object(Poco::JSON_PRESERVE_KEY_ORDER);
 }
 
-std::string toText(const Poco::Dynamic::Var& document) {
+std::string jsonText(const Var& document) {
     std::ostringstream text;
-    Poco::JSON::Stringifier::stringify(document, text);
+    Poco::JSON::Stringifier::stringify(representableInJson(document), text);
     return escapedJson(text.str());
 }
 

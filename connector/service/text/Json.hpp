@@ -1,9 +1,8 @@
-/// What the program says, as JSON. Whatever bytes keys, names and values hold, the result is valid:
-/// bytes that are no UTF-8 become U+FFFD.
+/// The only way from our data to JSON text. The result is valid whatever bytes and numbers the data
+/// holds.
 #pragma once
 
 #include <connector/configuration/Option.hpp>
-#include <connector/configuration/OptionValue.hpp>
 
 #include <Poco/Dynamic/Var.h>
 #include <Poco/JSON/Object.h>
@@ -12,16 +11,15 @@
 
 namespace connector::service {
 
-/// @return {"type", "value"}
-Poco::JSON::Object::Ptr toJson(const connector::configuration::OptionValue& value);
-
 /// @return {"key", "source", "value": {"type", "value"}}
 Poco::JSON::Object::Ptr toJson(const connector::configuration::Option& option);
 
-/// @return an object that keeps its members in the order in which they are set
+/// @return an empty object that keeps its members in the order in which they are set
 Poco::JSON::Object::Ptr makeObject();
 
-/// @return the document on one line, without the line's end
-std::string toText(const Poco::Dynamic::Var& document);
+/// @return the document on a single line without a line break, with control characters escaped.
+///         What JSON cannot represent is replaced: bytes that are not UTF-8 by U+FFFD, infinity and
+///         NaN by the strings "inf", "-inf" and "nan".
+std::string jsonText(const Poco::Dynamic::Var& document);
 
 } // namespace connector::service

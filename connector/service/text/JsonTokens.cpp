@@ -6,33 +6,34 @@ namespace connector::service {
 
 namespace {
 
-constexpr std::string_view blanks = " \t\r\n";
-constexpr std::string_view marks = "{}[],:";
-constexpr std::string_view endsOfRun = " \t\r\n{}[],:\"";
+constexpr std::string_view whitespace = " \t\r\n";
+constexpr std::string_view punctuation = "{}[],:";
+constexpr std::string_view runDelimiters = " \t\r\n{}[],:\"";
 
 } // namespace
 
 char JsonTokens::kind() const {
     if (token.empty())
         return ' ';
-    const bool isMark = token.front() == '"' || marks.find(token.front()) != marks.npos;
-    return isMark ? token.front() : ' ';
+    const bool hasKind =
+        token.front() == '"' || punctuation.find(token.front()) != punctuation.npos;
+    return hasKind ? token.front() : ' ';
 }
 
 void JsonTokens::next() {
-    position = std::min(text.find_first_not_of(blanks, end()), text.size());
-    token = text.substr(position, position < text.size() ? lengthOfToken() : 0);
+    position = std::min(text.find_first_not_of(whitespace, end()), text.size());
+    token = text.substr(position, position < text.size() ? tokenLength() : 0);
 }
 
-std::size_t JsonTokens::lengthOfToken() const {
+std::size_t JsonTokens::tokenLength() const {
     if (text[position] == '"')
-        return lengthOfString();
-    if (marks.find(text[position]) != marks.npos)
+        return stringLength();
+    if (punctuation.find(text[position]) != punctuation.npos)
         return 1;
-    return std::min(text.find_first_of(endsOfRun, position), text.size()) - position;
+    return std::min(text.find_first_of(runDelimiters, position), text.size()) - position;
 }
 
-std::size_t JsonTokens::lengthOfString() const {
+std::size_t JsonTokens::stringLength() const {
     std::size_t i = position + 1;
     while (i < text.size() && text[i] != '"')
         i += text[i] == '\\' ? 2 : 1;

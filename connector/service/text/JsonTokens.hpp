@@ -1,4 +1,4 @@
-/// The tokens of a JSON text, for what the parser does not keep: where things stand.
+/// The tokens of a JSON text with their positions, which Poco's parser does not report.
 #pragma once
 
 #include <cstddef>
@@ -6,25 +6,29 @@
 
 namespace connector::service {
 
-/// A token is a string, a single character of "{}[],:", or a run of everything else. Any text falls
-/// into tokens; whether it is JSON is the parser's question.
+/// A token is a string, one of the characters "{}[],:", or a run of any other characters except
+/// whitespace. Every text can be split into such tokens; whether it is JSON is for the parser to
+/// decide.
 class JsonTokens {
 public:
     explicit JsonTokens(std::string_view newText) : text(newText) { next(); }
 
     bool atEnd() const { return token.empty(); }
     std::string_view current() const { return token; }
+
+    /// @return the positions of the current token and of the byte after it
     std::size_t start() const { return position; }
     std::size_t end() const { return position + token.size(); }
 
-    /// The character, if the token is a single one of "{}[],:"; a quote for a string; else a blank.
+    /// @return the current token if it is one of the characters "{}[],:", a quotation mark if it is
+    ///         a string, a space if it is anything else
     char kind() const;
 
     void next();
 
 private:
-    std::size_t lengthOfToken() const;
-    std::size_t lengthOfString() const;
+    std::size_t tokenLength() const;
+    std::size_t stringLength() const;
 
     const std::string_view text;
     std::string_view token;

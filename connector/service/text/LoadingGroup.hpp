@@ -1,14 +1,14 @@
-/// Tells whoever reads the diagnostic lines of the property file parser which group the keys in these
-/// lines belong to.
+/// The group of the property file that a thread is loading, for code that reads the diagnostic
+/// lines of the property file parser.
 #pragma once
 
 #include <string>
 
 namespace connector::service {
 
-/// Declares, for as long as the object lives, the group of the property file that this thread loads.
+/// During its lifetime, sets the group of the property file that the calling thread loads.
 /// The lines show keys without their group, but whether a key is secret depends on the whole key.
-/// Objects on one thread are destroyed in the reverse order of their construction.
+/// Objects of one thread must be destroyed in the reverse order of their construction.
 class LoadingGroup {
 public:
     /// @param group  with or without a dot at its end; empty for none
@@ -17,8 +17,8 @@ public:
     LoadingGroup(const LoadingGroup&) = delete;
     LoadingGroup& operator=(const LoadingGroup&) = delete;
 
-    /// @return the prefix of the keys of the file that the calling thread loads: its group and a dot,
-    ///         or an empty string
+    /// @return the prefix of the keys of the file that the calling thread loads: its group and a
+    ///         dot, or an empty string
     static const std::string& prefix();
 
 private:

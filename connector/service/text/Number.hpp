@@ -1,4 +1,4 @@
-/// Numbers in text.
+/// Conversion of text to numbers.
 #pragma once
 
 #include <charconv>
@@ -8,7 +8,7 @@
 
 namespace connector::service {
 
-/// @return the number, if the whole text is one and T can hold it
+/// @return the number, or nothing unless the whole text is a number in the range of T
 template <typename T>
 std::optional<T> readNumber(std::string_view text) {
     T number{};

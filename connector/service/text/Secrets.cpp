@@ -6,36 +6,9 @@ namespace connector::service {
 
 namespace {
 
-/// ASCII only: a key is a row of bytes and has no language.
-std::string inLowerCase(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return lower;
-}
-
-/// Tries again behind the last star only, so that no glob takes more than length times length.
-bool matches(std::string_view glob, std::string_view text) {
-    std::size_t inGlob = 0;
-    std::size_t inText = 0;
-    std::size_t behindStar = std::string_view::npos;
-    std::size_t starred = 0; // where the text goes on behind what the star stands for
-    while (inText < text.size()) {
-        if (inGlob < glob.size() && glob[inGlob] == '*') {
-            behindStar = ++inGlob;
-            starred = inText;
-        } else if (inGlob < glob.size() && (glob[inGlob] == '?' || glob[inGlob] == text[inText])) {
-            ++inGlob;
-            ++inText;
-        } else if (behindStar != std::string_view::npos) {
-            inGlob = behindStar;
-            inText = ++starred;
-        } else {
-            return false;
-        }
-    }
-    return glob.find_first_not_of('*', inGlob) == std::string_view::npos;
+/// ASCII only: a key is a sequence of bytes without a language.
+char toLowerCase(char byte) {
+    return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
 }
 
 } // namespace
@@ -44,22 +17,39 @@ const char Secrets::mask[] = "******";
 
 Secrets::Secrets(const std::vector<std::string>& moreGlobs)
     : globs{"*password*", "*secret*", "*token*"} {
-    for (const std::string& glob : moreGlobs)
-        globs.push_back(inLowerCase(glob));
+    globs.insert(globs.end(), moreGlobs.begin(), moreGlobs.end());
+    for (std::string& glob : globs)
+        std::transform(glob.begin(), glob.end(), glob.begin(), toLowerCase);
 }
 
-bool Secrets::hides(std::string_view key) const {
-    const std::string lower = inLowerCase(key);
-    return std::any_of(globs.begin(), globs.end(),
-                       [&lower](const std::string& glob) { return matches(glob, lower); });
+bool Secrets::isSecret(std::string_view key) const {
+    KeyMatcher matcher(*this);
+    matcher.append(key);
+    return matcher.isSecret();
 }
 
-OptionValue Secrets::shown(const std::string& key, const OptionValue& value) const {
-    return hides(key) ? OptionValue(std::string(mask)) : value;
+OptionValue Secrets::masked(const std::string& key, const OptionValue& value) const {
+    return isSecret(key) ? OptionValue(std::string(mask)) : value;
 }
 
-Option Secrets::shown(const Option& option) const {
-    return {option.key, option.source, shown(option.key, option.value)};
+Option Secrets::masked(const Option& option) const {
+    return {option.key, option.source, masked(option.key, option.value)};
+}
+
+Secrets::KeyMatcher::KeyMatcher(const Secrets& secrets)
+    : matchers(secrets.globs.begin(), secrets.globs.end()) {
+}
+
+void Secrets::KeyMatcher::append(std::string_view piece) {
+    for (GlobMatcher& matcher : matchers) {
+        for (const char byte : piece)
+            matcher.append(toLowerCase(byte));
+    }
+}
+
+bool Secrets::KeyMatcher::isSecret() const {
+    return std::any_of(matchers.begin(), matchers.end(),
+                       [](const GlobMatcher& matcher) { return matcher.matches(); });
 }
 
 } // namespace connector::service

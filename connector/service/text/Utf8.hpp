@@ -1,5 +1,5 @@
-/// 8-bit text, character by character. Keys, names and values may hold any bytes, so what is no
-/// UTF-8 is a case like every other here.
+/// Iteration over the characters of a text that may contain invalid UTF-8. Keys, names and values
+/// may hold any bytes, so invalid bytes are an ordinary case here.
 #pragma once
 
 #include <string_view>
@@ -8,11 +8,11 @@ namespace connector::service {
 
 struct Character {
     std::string_view bytes;
-    char32_t codePoint; ///< meaningless if invalid
-    bool valid;         ///< false for a single byte that belongs to no well-formed character
+    char32_t codePoint; ///< 0 if invalid
+    bool valid;         ///< false for a single byte that is not part of a well-formed character
 };
 
-/// @return the character at the front. REQUIRES: the text is not empty
+/// @param text  must not be empty
 Character firstCharacter(std::string_view text);
 
 template <typename Action>
@@ -26,9 +26,9 @@ void forEachCharacter(std::string_view text, Action action) {
 
 bool isUtf8(std::string_view text);
 
-/// @return whether the character would move or reorder what stands around it on a terminal instead
-///         of being shown: the control characters, the line and paragraph separator, and the marks
-///         that turn the direction of writing
+/// @return whether a terminal would act on the character, or reorder the text around it, instead of
+///         showing it: control characters, line and paragraph separators, and characters that
+///         change the writing direction
 bool isControl(char32_t codePoint);
 
 } // namespace connector::service

@@ -17,7 +17,7 @@ namespace {
 using connector::service::PropertyRoot;
 namespace fs = std::filesystem;
 
-/// A root with a file in it and one in a folder, and neighbours that are not to be reached.
+/// A root with two files, and files outside it that must not be found.
 class PropertyRootTest : public testing::Test {
 protected:
     PropertyRootTest() {
@@ -42,21 +42,21 @@ std::string contentOf(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-TEST_F(PropertyRootTest, FilesBelowIt_AreFound) {
+TEST_F(PropertyRootTest, FindsFilesBelowTheRoot) {
     EXPECT_TRUE(finds(inside));
     EXPECT_TRUE(finds(base.path / "root/folder/b.properties"));
     EXPECT_TRUE(finds(base.path / "root/folder/../a.properties"));
     EXPECT_TRUE(finds(base.path / "root-of-others/../root/./a.properties"));
 }
 
-TEST_F(PropertyRootTest, WhatIsElsewhere_IsNot) {
-    EXPECT_FALSE(finds(outside)); // its name begins like the root's
+TEST_F(PropertyRootTest, RejectsFilesOutsideTheRoot) {
+    EXPECT_FALSE(finds(outside)); // the path begins with the root's path
     EXPECT_FALSE(finds(base.path / "root/../d.properties"));
     EXPECT_FALSE(finds(base.path / "root/folder/../../root-of-others/c.properties"));
     EXPECT_FALSE(finds("/etc/passwd"));
 }
 
-TEST_F(PropertyRootTest, WhatIsNoRegularFile_IsNot) {
+TEST_F(PropertyRootTest, RejectsEverythingButRegularFiles) {
     EXPECT_FALSE(finds(base.path / "root"));
     EXPECT_FALSE(finds(base.path / "root/folder"));
     EXPECT_FALSE(finds(base.path / "root/none"));
@@ -66,20 +66,20 @@ TEST_F(PropertyRootTest, WhatIsNoRegularFile_IsNot) {
     EXPECT_FALSE(finds("/dev/null"));
 }
 
-TEST_F(PropertyRootTest, AFileThatCannotBeRead_IsNot) {
+TEST_F(PropertyRootTest, RejectsUnreadableFiles) {
     if (::geteuid() == 0)
         GTEST_SKIP() << "The superuser can read everything";
     fs::permissions(inside, fs::perms::none);
     EXPECT_FALSE(finds(inside));
 }
 
-TEST_F(PropertyRootTest, ARelativePath_CountsFromTheWorkingDirectory) {
+TEST_F(PropertyRootTest, ResolvesRelativePathsInTheWorkingDirectory) {
     EXPECT_TRUE(finds(fs::relative(inside)));
     EXPECT_FALSE(finds(fs::relative(outside)));
     EXPECT_FALSE(finds("a.properties"));
 }
 
-TEST_F(PropertyRootTest, APipeThatNobodyWrites_BlocksNobody) {
+TEST_F(PropertyRootTest, RejectsAPipeWithoutBlocking) {
     const fs::path pipe = base.path / "root/pipe";
     ASSERT_EQ(0, ::mkfifo(pipe.c_str(), 0600));
     EXPECT_FALSE(finds(pipe));
@@ -87,7 +87,7 @@ TEST_F(PropertyRootTest, APipeThatNobodyWrites_BlocksNobody) {
     EXPECT_FALSE(finds(base.path / "root/link"));
 }
 
-TEST_F(PropertyRootTest, ALink_CountsAsWhatItLeadsTo) {
+TEST_F(PropertyRootTest, FollowsLinks) {
     fs::create_symlink(outside, base.path / "root/out");
     fs::create_symlink(inside, base.path / "root/in");
     fs::create_symlink(base.path / "root-of-others", base.path / "root/others");
@@ -100,19 +100,19 @@ TEST_F(PropertyRootTest, ALink_CountsAsWhatItLeadsTo) {
     EXPECT_FALSE(finds(base.path / "root/loop"));
 }
 
-TEST_F(PropertyRootTest, ARootThatIsALink_IsWhatItLeadsTo) {
+TEST_F(PropertyRootTest, MayItselfBeALink) {
     fs::create_symlink(base.path / "root", base.path / "way-in");
     const PropertyRoot linked((base.path / "way-in").string());
     EXPECT_NE(nullptr, linked.find(inside.string()));
     EXPECT_EQ(nullptr, linked.find(outside.string()));
 }
 
-TEST_F(PropertyRootTest, ANulCharacter_IsNotTheEndOfAPath) {
+TEST_F(PropertyRootTest, RejectsPathsWithANulCharacter) {
     EXPECT_EQ(nullptr, root().find(inside.string() + std::string(1, '\0')));
     EXPECT_EQ(nullptr, root().find(inside.string() + std::string("\0.properties", 12)));
 }
 
-TEST_F(PropertyRootTest, AFileThatWasFound_StaysThatFileWhateverTakesItsName) {
+TEST_F(PropertyRootTest, AFileStaysTheSameWhenItsNameIsReused) {
     const auto file = root().find(inside.string());
     ASSERT_NE(nullptr, file);
     fs::remove(inside);
@@ -120,13 +120,13 @@ TEST_F(PropertyRootTest, AFileThatWasFound_StaysThatFileWhateverTakesItsName) {
     EXPECT_EQ("inside", contentOf(file->path()));
 }
 
-TEST_F(PropertyRootTest, WhatIsNoDirectory_IsNoRoot) {
+TEST_F(PropertyRootTest, MustBeADirectory) {
     for (const std::string& path : {inside.string(), (base.path / "none").string(), std::string()})
         test::expectThrows<std::runtime_error>("Not a directory: " + path,
                                                [&path] { PropertyRoot{path}; });
 }
 
-TEST(PropertyRootOfTheSystem, Everything_IsBelowIt) {
+TEST(PropertyRootSlash, ContainsEveryFile) {
     const test::TemporaryDirectory base;
     EXPECT_NE(nullptr, PropertyRoot("/").find(base.write("a", "").string()));
 }

@@ -12,7 +12,7 @@ namespace {
 using connector::service::readToken;
 using connector::service::Token;
 
-TEST(Token, OnlyTheVerySameText_Matches) {
+TEST(Token, MatchesOnlyTheSameText) {
     const Token token("abc");
     EXPECT_TRUE(token.matches("abc"));
     for (const std::string text : {"", "a", "ab", "abd", "bbc", "ABC", "abcd", " abc", "abc "})
@@ -20,19 +20,19 @@ TEST(Token, OnlyTheVerySameText_Matches) {
     EXPECT_FALSE(token.matches(std::string("abc\0", 4)));
 }
 
-TEST(TokenFile, ALineBreakAtItsEnd_IsNoPartOfTheToken) {
+TEST(TokenFile, MayEndWithALineBreak) {
     const test::TemporaryDirectory directory;
     for (const char* content : {"abc", "abc\n", "abc\r\n"})
         EXPECT_TRUE(readToken(directory.write("token", content).string()).matches("abc"));
 }
 
-TEST(TokenFile, OfTheLongestLength_IsRead) {
+TEST(TokenFile, MayHaveTheMaximumLength) {
     const test::TemporaryDirectory directory;
     const std::string text(4096, 'x');
     EXPECT_TRUE(readToken(directory.write("token", text + "\r\n").string()).matches(text));
 }
 
-TEST(TokenFile, Empty_IsAnError) {
+TEST(TokenFile, MustNotBeEmpty) {
     const test::TemporaryDirectory directory;
     for (const char* content : {"", "\n", "\r\n"}) {
         const std::string path = directory.write("token", content).string();
@@ -41,14 +41,14 @@ TEST(TokenFile, Empty_IsAnError) {
     }
 }
 
-TEST(TokenFile, Unreadable_IsAnError) {
+TEST(TokenFile, MustBeReadable) {
     const test::TemporaryDirectory directory;
     for (const std::string& path : {(directory.path / "none").string(), directory.path.string()})
         test::expectThrows<std::runtime_error>("Token file could not be read: " + path,
                                                [&path] { readToken(path); });
 }
 
-TEST(TokenFile, WithWhatNoClientCanSend_IsAnError) {
+TEST(TokenFile, MustBeOneLineOfVisibleAscii) {
     const test::TemporaryDirectory directory;
     for (const std::string& content :
          {std::string("a\nb\n"), std::string("abc\n\n"), std::string("a b"), std::string("\xff"),

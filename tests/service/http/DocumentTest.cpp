@@ -1,7 +1,8 @@
-/// The examples on the page on messages, run in their order. What stands there as the server's address
-/// is that of a server that was started as the page says.
+/// Runs the examples in docs/messages.md in their order, against a server started with the
+/// arguments on that page. The address on the page is replaced by the server's.
 #include "service/support/ServerProcess.hpp"
-#include "tools/support/Manual.hpp"
+#include "tools/support/ConsoleExamples.hpp"
+#include "tools/support/Program.hpp"
 
 #include <gtest/gtest.h>
 
@@ -20,24 +21,18 @@ std::string withAddress(std::string text, const std::string& address) {
     return text;
 }
 
-TEST(MessagesDocument, ItsExamplesSayWhatThePageShows) {
-    const test::Manual page(MESSAGES_DOCUMENT);
+TEST(MessagesDocument, ExamplesPrintWhatThePageShows) {
+    const test::ConsoleExamples page(MESSAGES_DOCUMENT);
     ASSERT_GE(page.examples.size(), 8u);
     const auto root = std::filesystem::path(MESSAGES_DOCUMENT).parent_path().parent_path();
     std::filesystem::current_path(root);
     const ServerProcess server({"--writable", "net.", "--property-root", "examples/properties"},
                                {"-s", "net.port:int=80", "-s", "db.password=x"});
     const std::string address = "127.0.0.1:" + std::to_string(server.port());
-    test::Surroundings withProgram;
-    withProgram.environment = {
-        "PATH=" + std::filesystem::path(CONNECTOR_CONFIG_PROGRAM).parent_path().string() +
-        ":/usr/bin:/bin"};
     for (const Example& example : page.examples) {
         SCOPED_TRACE("docs/messages.md:" + std::to_string(example.line));
         const std::string command = withAddress(example.command, address);
-        EXPECT_EQ(example.output,
-                  test::run({"/bin/sh", "-c", "{ " + command + "\n} 2>&1"}, "", withProgram).output)
-            << command;
+        EXPECT_EQ(example.output, test::runInShell(command)) << command;
     }
 }
 

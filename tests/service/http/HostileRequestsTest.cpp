@@ -1,8 +1,8 @@
-/// Requests that are meant badly, or went wrong on the way.
+/// Malicious and corrupted requests.
 #include "service/support/HttpClient.hpp"
 #include "service/support/Mutations.hpp"
 #include "service/support/ServerProcess.hpp"
-#include <connector/service/messages/RequestText.hpp>
+#include <connector/service/messages/ParsedRequest.hpp>
 
 #include <gtest/gtest.h>
 
@@ -12,17 +12,17 @@
 
 namespace {
 
-using connector::service::longestRequest;
-using connector::service::readRequest;
+using connector::service::maxRequestSize;
+using connector::service::parseRequest;
 using test::errorOf;
 using test::get;
 using test::getMessage;
-using test::HttpAnswer;
 using test::HttpClient;
+using test::HttpResponse;
 using test::post;
 using test::ServerProcess;
 
-/// A server that must serve the next request whatever came before.
+/// Checks after each test that the server still works.
 class HostileRequests : public testing::Test {
 protected:
     ~HostileRequests() override {
@@ -32,23 +32,23 @@ protected:
 
     std::uint16_t port() const { return server.port(); }
 
-    /// @return a head with the right host, and these lines
+    /// @return the head of a POST request with the correct host and these header lines
     std::string head(const std::string& lines = "") const {
         return "POST /messages HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port()) + "\r\n" +
                lines + "\r\n";
     }
 
-    HttpAnswer send(const std::string& bytes, bool end = false) const {
+    HttpResponse send(const std::string& bytes, bool end = false) const {
         HttpClient client(port());
         client.send(bytes);
         if (end)
             client.endSending();
-        return client.answer();
+        return client.response();
     }
 
-    void expectAnswer(int status, const std::string& text, const HttpAnswer& answer) const {
-        EXPECT_EQ(status, answer.status);
-        EXPECT_EQ(text, answer.body.empty() ? "nothing" : errorOf(answer.body));
+    void expectAnswer(int status, const std::string& text, const HttpResponse& response) const {
+        EXPECT_EQ(status, response.status);
+        EXPECT_EQ(text, response.body.empty() ? "no body" : errorOf(response.body));
     }
 
     ServerProcess server;
@@ -62,57 +62,57 @@ std::string chunk(const std::string& bytes) {
 
 const char chunked[] = "Transfer-Encoding: chunked\r\n";
 
-TEST_F(HostileRequests, BodiesThatAreMutations_AreAnsweredWithJson) {
+TEST_F(HostileRequests, MutatedBodiesGetJsonResponses) {
     test::Mutations mutations(2);
     for (int i = 0; i < 300; ++i) {
         const std::string body = mutations.next();
-        const HttpAnswer answer = post(port(), body);
-        EXPECT_NO_THROW(readRequest(answer.body)) << body << "\n" << answer.body;
-        EXPECT_TRUE(answer.status == 200 || answer.status == 400 || answer.status == 403 ||
-                    answer.status == 422)
-            << answer.status << " for " << body;
+        const HttpResponse response = post(port(), body);
+        EXPECT_NO_THROW(parseRequest(response.body)) << body << "\n" << response.body;
+        EXPECT_TRUE(response.status == 200 || response.status == 400 || response.status == 403 ||
+                    response.status == 422)
+            << response.status << " for " << body;
     }
 }
 
-TEST_F(HostileRequests, AnyBytes_GetAnAnswerOrAnEnd) {
+TEST_F(HostileRequests, RandomBytesGetAnErrorOrNoResponse) {
     std::mt19937 random(3);
     for (int i = 0; i < 300; ++i) {
         std::string bytes(random() % 400, '\0');
         for (char& byte : bytes)
             byte = static_cast<char>(random());
-        const HttpAnswer answer = send(bytes, true);
-        EXPECT_TRUE(answer.status == 0 || answer.status / 100 == 4) << answer.status;
+        const HttpResponse response = send(bytes, true);
+        EXPECT_TRUE(response.status == 0 || response.status / 100 == 4) << response.status;
     }
 }
 
-TEST_F(HostileRequests, HeadsThatAreMutations_GetAnAnswerOrAnEnd) {
+TEST_F(HostileRequests, MutatedHeadsGetAnErrorOrNoResponse) {
     std::mt19937 random(4);
     const std::string original = head("Content-Length: 2\r\nExpect: 100-continue\r\n") + "{}";
     for (int i = 0; i < 500; ++i) {
         std::string bytes = original;
         for (int count = 0; count < 3; ++count)
             bytes[random() % bytes.size()] = static_cast<char>(random());
-        const HttpAnswer answer = send(bytes, true);
-        EXPECT_TRUE(answer.status == 0 || answer.status / 100 == 4) << answer.status;
+        const HttpResponse response = send(bytes, true);
+        EXPECT_TRUE(response.status == 0 || response.status / 100 == 4) << response.status;
     }
 }
 
-TEST_F(HostileRequests, ABodyOfTheLongestLength_IsServed) {
+TEST_F(HostileRequests, ABodyOfTheMaximumSizeIsServed) {
     std::string body = getMessage("a");
-    body.append(longestRequest - body.size(), ' ');
+    body.append(maxRequestSize - body.size(), ' ');
     EXPECT_EQ(200, post(port(), body).status);
     EXPECT_EQ(200, send(head(chunked) + chunk(body) + "0\r\n\r\n").status);
 }
 
-TEST_F(HostileRequests, ABodyThatIsTooLong_Is413) {
+TEST_F(HostileRequests, ABodyThatIsTooLongGets413) {
     const std::string tooLong = "A request is at most 1 MiB long";
-    expectAnswer(413, tooLong, post(port(), std::string(longestRequest + 1, ' ')));
-    expectAnswer(413, tooLong, post(port(), std::string(5 * longestRequest, '[')));
+    expectAnswer(413, tooLong, post(port(), std::string(maxRequestSize + 1, ' ')));
+    expectAnswer(413, tooLong, post(port(), std::string(5 * maxRequestSize, '[')));
     expectAnswer(413, tooLong,
-                 send(head(chunked) + chunk(std::string(longestRequest, ' ')) + chunk(" ")));
+                 send(head(chunked) + chunk(std::string(maxRequestSize, ' ')) + chunk(" ")));
 }
 
-TEST_F(HostileRequests, ALengthThatIsTooMuch_Is413BeforeABodyComes) {
+TEST_F(HostileRequests, ALengthThatIsTooLargeGets413BeforeTheBodyArrives) {
     const std::string tooLong = "A request is at most 1 MiB long";
     for (const char* length : {"1048577", "99999999999999999999999999"}) {
         SCOPED_TRACE(length);
@@ -126,24 +126,24 @@ TEST_F(HostileRequests, ALengthThatIsTooMuch_Is413BeforeABodyComes) {
     }
 }
 
-TEST_F(HostileRequests, AMegabyteOfNothing_Is400) {
+TEST_F(HostileRequests, AMegabyteOfBlanksGets400) {
     for (const char nothing : {' ', '\0', '\n'})
-        EXPECT_EQ(400, post(port(), std::string(longestRequest, nothing)).status);
+        EXPECT_EQ(400, post(port(), std::string(maxRequestSize, nothing)).status);
 }
 
-TEST_F(HostileRequests, AnyNesting_Is400) {
+TEST_F(HostileRequests, DeepNestingGets400) {
     EXPECT_EQ(400, post(port(), "{\"a\":" + std::string(1000000, '[')).status);
     EXPECT_EQ(400, post(port(), "{\"a\":" + std::string(65, '{')).status);
-    const HttpAnswer answer =
+    const HttpResponse response =
         post(port(), "{\"id\":7,\"a\":" + std::string(65, '[') + std::string(65, ']') + "}");
-    EXPECT_EQ(400, answer.status);
+    EXPECT_EQ(400, response.status);
     EXPECT_EQ(R"({"id":7,"error":{"type":"std::invalid_argument",)"
               R"("text":"A request has at most 64 levels of nesting"}})"
               "\n",
-              answer.body);
+              response.body);
 }
 
-TEST_F(HostileRequests, ALengthThatIsNone_Is400) {
+TEST_F(HostileRequests, AnInvalidContentLengthGets400) {
     for (const char* length : {"", "x", "-1", "+2", "0x2", "2, 2", "2.0", "1 1"}) {
         SCOPED_TRACE(length);
         expectAnswer(400, "Content-Length is no number",
@@ -151,21 +151,21 @@ TEST_F(HostileRequests, ALengthThatIsNone_Is400) {
     }
 }
 
-TEST_F(HostileRequests, ALengthThatIsToldTwice_Is400) {
+TEST_F(HostileRequests, TwoLengthsGet400) {
     const std::string twice = "Length of the body is told twice";
     expectAnswer(400, twice, send(head("Content-Length: 2\r\nContent-Length: 2\r\n") + "{}"));
     expectAnswer(400, twice,
                  send(head(std::string("Content-Length: 2\r\n") + chunked) + chunk("{}")));
 }
 
-TEST_F(HostileRequests, AnotherEncoding_Is400) {
+TEST_F(HostileRequests, OtherTransferEncodingsGet400) {
     for (const char* encoding : {"gzip", "gzip, chunked", "identity", ""})
         expectAnswer(
             400, "Transfer encoding is not chunked",
             send(head(std::string("Transfer-Encoding: ") + encoding + "\r\n") + "0\r\n\r\n"));
 }
 
-TEST_F(HostileRequests, Chunks_MakeOneBody) {
+TEST_F(HostileRequests, ChunksAreCombinedIntoOneBody) {
     const std::string body = getMessage("a");
     std::string bytes = head(chunked);
     for (const char byte : body)
@@ -174,7 +174,7 @@ TEST_F(HostileRequests, Chunks_MakeOneBody) {
     EXPECT_EQ(200, send(head(chunked) + "00" + chunk(body) + "0;a=b\r\nTrailer: x\r\n\r\n").status);
 }
 
-TEST_F(HostileRequests, ChunksThatAreNone_Are400) {
+TEST_F(HostileRequests, InvalidChunksGet400) {
     const struct {
         int line;
         const char* bytes;
@@ -198,7 +198,7 @@ TEST_F(HostileRequests, ChunksThatAreNone_Are400) {
     expectAnswer(400, "Too much behind the body", send(head(chunked) + "0\r\n" + trailers));
 }
 
-TEST_F(HostileRequests, HalfARequest_Is400AndNotExecuted) {
+TEST_F(HostileRequests, AnIncompleteRequestGets400AndIsNotExecuted) {
     const std::string body = getMessage("a");
     const std::string early = "Request ends too early";
     expectAnswer(400, early, send("POST /mess", true));
@@ -207,11 +207,11 @@ TEST_F(HostileRequests, HalfARequest_Is400AndNotExecuted) {
     expectAnswer(400, early, send(head(chunked) + chunk(body) + "0\r\n", true));
 }
 
-TEST_F(HostileRequests, AClientThatSaysNothing_GetsNothing) {
+TEST_F(HostileRequests, AClientThatSendsNothingGetsNothing) {
     EXPECT_EQ(0, send("", true).status);
 }
 
-TEST_F(HostileRequests, AHeadThatIsTooLong_Is400) {
+TEST_F(HostileRequests, AHeadThatIsTooLongGets400) {
     expectAnswer(400, "Head of the request is too long", send("GET /" + std::string(100000, 'x')));
     std::string headers;
     for (int i = 0; i < 200; ++i)
@@ -219,18 +219,18 @@ TEST_F(HostileRequests, AHeadThatIsTooLong_Is400) {
     expectAnswer(400, "Not an HTTP request", send(head(headers)));
 }
 
-TEST_F(HostileRequests, EmptyLinesBeforeARequest_AreSkipped) {
+TEST_F(HostileRequests, EmptyLinesBeforeARequestAreSkipped) {
     for (const char* lines : {"\r\n", "\n", "\r\n\r\n", "\n\r\n\n"}) {
         HttpClient client(port());
         client.send(lines);
         client.get("/options");
-        EXPECT_EQ(200, client.answer().status);
+        EXPECT_EQ(200, client.response().status);
     }
     expectAnswer(400, "Head of the request is too long", send(std::string(100000, '\n')));
     expectAnswer(400, "Request ends too early", send("\r\n", true));
 }
 
-TEST_F(HostileRequests, AHeadThatIsOdd_Is400) {
+TEST_F(HostileRequests, AMalformedHeadGets400) {
     const std::string host = "Host: 127.0.0.1:" + std::to_string(port()) + "\r\n";
     const std::string get = "GET /options HTTP/1.1\r\n";
     EXPECT_EQ(200, send(get + host + "a:\tb\xff\r\nc:\r\n\r\n").status);
@@ -261,13 +261,13 @@ TEST_F(HostileRequests, AHeadThatIsOdd_Is400) {
     }
 }
 
-TEST_F(HostileRequests, AnotherProtocol_Is400) {
+TEST_F(HostileRequests, OtherProtocolsGet400) {
     expectAnswer(400, "Neither HTTP/1.0 nor HTTP/1.1", send("GET / HTTP/2.0\r\n\r\n"));
     EXPECT_EQ(400, send("nonsense\r\n\r\n").status);
     EXPECT_EQ(400, send(std::string("\x16\x03\x01\x02\x00\x01\n\n", 8)).status);
 }
 
-TEST_F(HostileRequests, AClientThatWaitsToBeAsked_IsAsked) {
+TEST_F(HostileRequests, AClientThatExpects100ContinueGetsIt) {
     HttpClient client(port());
     const std::string body = getMessage("a");
     client.send(
@@ -275,15 +275,15 @@ TEST_F(HostileRequests, AClientThatWaitsToBeAsked_IsAsked) {
     EXPECT_EQ("HTTP/1.1 100 Continue", client.readLine());
     EXPECT_EQ("", client.readLine());
     client.send(body);
-    EXPECT_EQ(200, client.answer().status);
+    EXPECT_EQ(200, client.response().status);
 }
 
-TEST_F(HostileRequests, ARequestBehindTheFirst_IsNotServed) {
+TEST_F(HostileRequests, ASecondRequestOnTheSameConnectionIsNotServed) {
     const std::string request =
         "GET /options HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port()) + "\r\n\r\n";
     HttpClient client(port());
     client.send(request + request);
-    const std::string bytes = client.readToTheEnd();
+    const std::string bytes = client.readToEnd();
     EXPECT_EQ(bytes.find("HTTP/1.1 "), bytes.rfind("HTTP/1.1 "));
 }
 

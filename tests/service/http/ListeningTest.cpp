@@ -1,4 +1,4 @@
-/// Where the server can be reached, and under which names.
+/// The addresses that the server listens on, and the host names that it accepts.
 #include "service/support/HttpClient.hpp"
 #include "service/support/ServerProcess.hpp"
 
@@ -24,37 +24,37 @@ bool hasIpv6() {
     }
 }
 
-/// @return the status for a client that connects to an address and calls it by a name
+/// @return the status for a client that connects to an address and sends this host name
 int statusFor(const ServerProcess& server, const std::string& address, const std::string& name) {
     HttpClient client(address, server.port());
     client.send("GET /options HTTP/1.1\r\nHost: " + name + ":" + std::to_string(server.port()) +
                 "\r\n\r\n");
-    return client.answer().status;
+    return client.response().status;
 }
 
 void expectRefusal(const ServerProcess& server, const std::string& address) {
     try {
         const HttpClient client(address, server.port());
-        ADD_FAILURE() << "Somebody listens on " << address;
+        ADD_FAILURE() << "A connection is accepted on " << address;
     } catch (const std::system_error& error) {
         EXPECT_EQ(std::errc::connection_refused, error.code()) << error.what();
     }
 }
 
-TEST(Listening, WithoutAHost_IsOnTheLoopbackAddressOnly) {
+TEST(Listening, WithoutAHostIsOnTheLoopbackAddressOnly) {
     for (const char* address : {":0", "0"}) {
         SCOPED_TRACE(address);
         const ServerProcess server({}, {}, address);
         EXPECT_EQ("127.0.0.1", server.host());
         EXPECT_EQ(200, statusFor(server, "127.0.0.1", "127.0.0.1"));
         EXPECT_EQ(200, statusFor(server, "127.0.0.1", "localhost"));
-        expectRefusal(server, "127.0.0.2"); // which is this machine, too
+        expectRefusal(server, "127.0.0.2"); // another loopback address
         if (hasIpv6())
             expectRefusal(server, "::1");
     }
 }
 
-TEST(Listening, OnAllAddresses_IsReachedByEach) {
+TEST(Listening, OnAllAddressesIsReachableByEachOfThem) {
     const ServerProcess server({}, {}, "0.0.0.0:0");
     EXPECT_EQ("0.0.0.0", server.host());
     EXPECT_EQ(200, statusFor(server, "127.0.0.1", "127.0.0.1"));
@@ -63,7 +63,7 @@ TEST(Listening, OnAllAddresses_IsReachedByEach) {
     EXPECT_EQ(403, statusFor(server, "127.0.0.2", "127.0.0.1"));
 }
 
-TEST(Listening, OnAName_IsReachedByIt) {
+TEST(Listening, OnANameIsReachableByThatName) {
     const ServerProcess server({}, {}, "localhost:0");
     const std::string address = server.host() == "[::1]" ? "::1" : "127.0.0.1";
     EXPECT_EQ(200, statusFor(server, address, "localhost"));
@@ -71,7 +71,7 @@ TEST(Listening, OnAName_IsReachedByIt) {
     EXPECT_EQ(403, statusFor(server, address, "elsewhere.example"));
 }
 
-TEST(ListeningWithIpv6, OnTheLoopbackAddress_IsReachedByIt) {
+TEST(ListeningWithIpv6, OnTheLoopbackAddressIsReachableByIt) {
     if (!hasIpv6())
         GTEST_SKIP() << "This machine has no IPv6";
     const ServerProcess server({}, {}, "[::1]:0");
@@ -82,7 +82,7 @@ TEST(ListeningWithIpv6, OnTheLoopbackAddress_IsReachedByIt) {
     expectRefusal(server, "127.0.0.1");
 }
 
-TEST(ListeningWithIpv6, OnAllAddresses_IsReachedByIpv4Too) {
+TEST(ListeningWithIpv6, OnAllAddressesIsReachableByIpv4Too) {
     if (!hasIpv6())
         GTEST_SKIP() << "This machine has no IPv6";
     const ServerProcess server({}, {}, "[::]:0");

@@ -1,6 +1,6 @@
 /// POST /messages
 #include "service/support/HttpClient.hpp"
-#include "service/support/ServerInside.hpp"
+#include "service/support/InProcessServer.hpp"
 #include "service/support/ServerProcess.hpp"
 
 #include <gtest/gtest.h>
@@ -10,27 +10,27 @@ namespace {
 using test::errorOf;
 using test::get;
 using test::getMessage;
-using test::HttpAnswer;
+using test::HttpResponse;
+using test::InProcessServer;
 using test::post;
 using test::request;
-using test::ServerInside;
 using test::ServerProcess;
 using test::setMessage;
 
-TEST(PostMessages, ARequest_IsAnsweredWith200) {
+TEST(PostMessages, RespondsToARequestWithStatus200) {
     const ServerProcess server({}, {"-s", "net.port:int=80"});
-    const HttpAnswer answer = post(
+    const HttpResponse response = post(
         server.port(),
         R"({"id":[1],"type":"connector/configuration/ConfigurationGet","message":{"key":"net.port"}})");
-    EXPECT_EQ(200, answer.status);
-    EXPECT_EQ("application/json", answer.headers.at("content-type"));
+    EXPECT_EQ(200, response.status);
+    EXPECT_EQ("application/json", response.headers.at("content-type"));
     EXPECT_EQ(
         R"({"id":[1],"type":"connector/configuration/ConfigurationOptionResponse","message":{"key":"net.port","source":"override","value":{"type":"int","value":80}}})"
         "\n",
-        answer.body);
+        response.body);
 }
 
-TEST(PostMessages, WhatIsNoMessage_Is400) {
+TEST(PostMessages, ReportsAnInvalidMessageWithStatus400) {
     const ServerProcess server;
     const struct {
         int line;
@@ -52,55 +52,55 @@ TEST(PostMessages, WhatIsNoMessage_Is400) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        const HttpAnswer answer = post(server.port(), row.body);
-        EXPECT_EQ(400, answer.status);
-        EXPECT_EQ(row.text, errorOf(answer.body));
+        const HttpResponse response = post(server.port(), row.body);
+        EXPECT_EQ(400, response.status);
+        EXPECT_EQ(row.text, errorOf(response.body));
     }
 }
 
-TEST(PostMessages, AFailure_KeepsTheId) {
+TEST(PostMessages, KeepsTheIdInAFailure) {
     const ServerProcess server;
     EXPECT_EQ(R"({"id":7,"error":{"type":"std::invalid_argument","text":"Unknown message type: "}})"
               "\n",
               post(server.port(), R"({"id":7})").body);
 }
 
-TEST(PostMessages, AFailureOfTheConfiguration_Is422) {
+TEST(PostMessages, ReportsAFailureOfTheConfigurationWithStatus422) {
     const ServerProcess server({"--writable", ""});
-    const HttpAnswer answer = post(
+    const HttpResponse response = post(
         server.port(),
         R"({"type":"connector/configuration/ConfigurationSet","message":{"key":"k","source":"nobody"}})");
-    EXPECT_EQ(422, answer.status);
+    EXPECT_EQ(422, response.status);
     EXPECT_EQ(
         R"({"error":{"type":"std::runtime_error","text":"Source not found or not writable: k, nobody"}})"
         "\n",
-        answer.body);
+        response.body);
 }
 
-TEST(PostMessages, ToAStoppedService_Is503) {
-    ServerInside server;
-    server.stopService();
-    const HttpAnswer answer = post(server.port(), getMessage("a"));
-    EXPECT_EQ(503, answer.status);
-    EXPECT_EQ("Service exists but is not running.", errorOf(answer.body));
+TEST(PostMessages, RespondsWithStatus503WhenTheServiceIsStopped) {
+    InProcessServer server;
+    server.stopMessages();
+    const HttpResponse response = post(server.port(), getMessage("a"));
+    EXPECT_EQ(503, response.status);
+    EXPECT_EQ("Service exists but is not running.", errorOf(response.body));
 }
 
-TEST(PostMessages, AnAbsentOption_Is200) {
+TEST(PostMessages, RespondsWithStatus200IfTheOptionIsMissing) {
     const ServerProcess server;
-    const HttpAnswer answer = post(server.port(), getMessage("none"));
-    EXPECT_EQ(200, answer.status);
+    const HttpResponse response = post(server.port(), getMessage("none"));
+    EXPECT_EQ(200, response.status);
     EXPECT_EQ(R"({"type":"connector/configuration/ConfigurationOptionResponse","message":{}})"
               "\n",
-              answer.body);
+              response.body);
 }
 
-TEST(PostMessages, ASecret_IsHandedOutRaw) {
+TEST(PostMessages, DoesNotMaskSecretsInTheReplyToAGet) {
     const ServerProcess server({}, {"-s", "password=x"});
     EXPECT_NE(std::string::npos,
               post(server.port(), getMessage("password")).body.find(R"("value":"x")"));
 }
 
-TEST(Paths, ThatAreUnknown_Are404) {
+TEST(Paths, UnknownOnesGet404) {
     const ServerProcess server;
     for (const char* path : {"/", "/message", "/messages/", "/Options", "/optionsx", "//options",
                              "/watch/", "https://127.0.0.1/options", "*", "/../options"}) {
@@ -109,7 +109,7 @@ TEST(Paths, ThatAreUnknown_Are404) {
     }
 }
 
-TEST(Paths, InTheAbsoluteForm_AreTheSame) {
+TEST(Paths, MeanTheSameInTheAbsoluteForm) {
     const ServerProcess server({}, {"-s", "a=1"});
     const std::string root = "http://127.0.0.1:" + std::to_string(server.port());
     const auto withRoot = [&](const std::string& path) {
@@ -124,7 +124,7 @@ TEST(Paths, InTheAbsoluteForm_AreTheSame) {
     EXPECT_EQ(200, request(server.port(), "POST", root + "/messages", getMessage("a")).status);
 }
 
-TEST(Methods, ThatAPathIsNotFor_Are405AndTheRightOneIsTold) {
+TEST(Methods, OthersThanThePathAllowsGet405AndAnAllowHeader) {
     const ServerProcess server;
     const struct {
         int line;
@@ -140,27 +140,27 @@ TEST(Methods, ThatAPathIsNotFor_Are405AndTheRightOneIsTold) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        const HttpAnswer answer = request(server.port(), row.method, row.path);
-        EXPECT_EQ(405, answer.status);
-        EXPECT_EQ(row.allow, answer.headers.at("allow"));
-        EXPECT_EQ(std::string("Method must be ") + row.allow, errorOf(answer.body));
+        const HttpResponse response = request(server.port(), row.method, row.path);
+        EXPECT_EQ(405, response.status);
+        EXPECT_EQ(row.allow, response.headers.at("allow"));
+        EXPECT_EQ(std::string("Method must be ") + row.allow, errorOf(response.body));
     }
 }
 
-TEST(Methods, Head_IsAnsweredWithAHeadOnly) {
+TEST(Methods, TheResponseToHeadHasNoBody) {
     const ServerProcess server;
-    const HttpAnswer put = request(server.port(), "PUT", "/options");
-    const HttpAnswer head = request(server.port(), "HEAD", "/options");
+    const HttpResponse put = request(server.port(), "PUT", "/options");
+    const HttpResponse head = request(server.port(), "HEAD", "/options");
     EXPECT_EQ(405, head.status);
     EXPECT_EQ("GET", head.headers.at("allow"));
     EXPECT_EQ(put.headers.at("content-length"), head.headers.at("content-length"));
     EXPECT_EQ("", head.body);
-    for (const auto& answer :
+    for (const auto& response :
          {request(server.port(), "HEAD", "/none"),
           request(server.port(), "HEAD", "/options", "", {"Host: e.example"})}) {
-        EXPECT_EQ(4, answer.status / 100);
-        EXPECT_TRUE(answer.has("content-length"));
-        EXPECT_EQ("", answer.body);
+        EXPECT_EQ(4, response.status / 100);
+        EXPECT_TRUE(response.has("content-length"));
+        EXPECT_EQ("", response.body);
     }
 }
 

@@ -13,8 +13,8 @@ namespace {
 
 using test::errorOf;
 using test::get;
-using test::HttpAnswer;
 using test::HttpClient;
+using test::HttpResponse;
 using test::post;
 using test::runConnectorConfig;
 using test::ServerProcess;
@@ -41,32 +41,32 @@ std::vector<std::string> withSources(std::vector<std::string> arguments) {
     return arguments;
 }
 
-TEST(GetOptions, AnswersAsShowDoes) {
+TEST(GetOptions, RespondsLikeShow) {
     const ServerProcess server({}, sources);
-    const HttpAnswer answer = get(server.port(), "/options");
-    EXPECT_EQ(200, answer.status);
-    EXPECT_EQ("application/json", answer.headers.at("content-type"));
-    EXPECT_EQ(runConnectorConfig(withSources({"show", "--json"})).output, answer.body);
-    EXPECT_EQ(answer.body.npos, answer.body.find("hush"));
+    const HttpResponse response = get(server.port(), "/options");
+    EXPECT_EQ(200, response.status);
+    EXPECT_EQ("application/json", response.headers.at("content-type"));
+    EXPECT_EQ(runConnectorConfig(withSources({"show", "--json"})).output, response.body);
+    EXPECT_EQ(response.body.npos, response.body.find("hush"));
 }
 
-TEST(GetOptions, OfNothing_IsAnEmptyArray) {
+TEST(GetOptions, RespondsWithAnEmptyArrayIfThereAreNoOptions) {
     const ServerProcess server;
     EXPECT_EQ("[]\n", get(server.port(), "/options?anything").body);
 }
 
-/// @return the most memory that a process ever had at a time, in KiB
-std::size_t mostMemoryOf(pid_t process) {
+/// @return the peak memory of a process in KiB
+std::size_t peakMemory(pid_t process) {
     std::ifstream status("/proc/" + std::to_string(process) + "/status");
     const std::string wanted = "VmHWM:";
     for (std::string line; std::getline(status, line);) {
         if (line.compare(0, wanted.size(), wanted) == 0)
             return std::stoul(line.substr(wanted.size()));
     }
-    throw std::runtime_error("The system does not tell");
+    throw std::runtime_error("VmHWM is missing");
 }
 
-TEST(GetOptions, ManyAtATime_TakeTheMemoryOfTheirTexts) {
+TEST(GetOptions, ManyRequestsAtOnceTakeMemoryForTheirTextsOnly) {
     constexpr std::size_t size = 500000;
     constexpr std::size_t count = 10;
     constexpr std::size_t clients = 9;
@@ -74,22 +74,22 @@ TEST(GetOptions, ManyAtATime_TakeTheMemoryOfTheirTexts) {
     for (std::size_t i = 0; i < count; ++i)
         ASSERT_EQ(
             200, post(server.port(), setMessage(std::to_string(i), std::string(size, 'x'))).status);
-    const std::size_t before = mostMemoryOf(server.process().number());
+    const std::size_t before = peakMemory(server.process().processId());
     std::vector<HttpClient> waiting;
     for (std::size_t i = 0; i < clients; ++i) {
         waiting.emplace_back(server.port());
-        waiting.back().get("/options"); // and does not read
+        waiting.back().get("/options"); // without reading the response
     }
     for (HttpClient& client : waiting)
-        EXPECT_GT(client.answer().body.size(), size * count);
-    const std::size_t more = mostMemoryOf(server.process().number()) - before;
+        EXPECT_GT(client.response().body.size(), size * count);
+    const std::size_t more = peakMemory(server.process().processId()) - before;
     if (withSanitizer)
-        GTEST_SKIP() << "Under a sanitizer memory is counted otherwise: " << more << " KiB";
+        GTEST_SKIP() << "Sanitizers change the memory usage: " << more << " KiB";
     const std::size_t text = size * count / 1024;
-    EXPECT_LT(more, 3 * clients * text); // what is freed does not all go back to the system
+    EXPECT_LT(more, 3 * clients * text); // the allocator keeps some freed memory
 }
 
-TEST(GetOption, AnswersAsGetDoes) {
+TEST(GetOption, RespondsLikeGet) {
     const ServerProcess server({}, sources);
     EXPECT_EQ(runConnectorConfig(withSources({"get", "--json", "b"})).output,
               get(server.port(), "/options/b").body);
@@ -100,20 +100,20 @@ TEST(GetOption, AnswersAsGetDoes) {
     }
 }
 
-TEST(GetOption, OfASecret_IsStars) {
+TEST(GetOption, MasksSecrets) {
     const ServerProcess server({}, sources);
     EXPECT_EQ(R"({"key":"my.token","source":"override","value":{"type":"string","value":"******"}})"
               "\n",
               get(server.port(), "/options/my.token").body);
 }
 
-TEST(GetOption, OfASecretOfTheUsers_IsStars) {
+TEST(GetOption, MasksKeysThatMatchTheSecretOption) {
     const ServerProcess server({"--secret", "B"}, sources);
     EXPECT_NE(std::string::npos, get(server.port(), "/options/b").body.find("******"));
     EXPECT_NE(std::string::npos, get(server.port(), "/options/my.token").body.find("******"));
 }
 
-TEST(GetOption, AnAbsentKey_Is404) {
+TEST(GetOption, ReportsAMissingOptionWithStatus404) {
     const ServerProcess server;
     for (const char* path : {"/options/none", "/options/"}) {
         SCOPED_TRACE(path);
@@ -123,13 +123,13 @@ TEST(GetOption, AnAbsentKey_Is404) {
               errorOf(get(server.port(), "/options/n%20o").body));
 }
 
-TEST(GetOption, AnAbsentKeyWithANulCharacter_IsToldWhole) {
+TEST(GetOption, ReportsTheWholeKeyIfItContainsANulCharacter) {
     const ServerProcess server;
     EXPECT_EQ(std::string("No option with the specified key was found: a\0b", 47),
               errorOf(get(server.port(), "/options/a%00b").body));
 }
 
-TEST(GetOption, AKeyThatIsNotPercentEncoded_Is400) {
+TEST(GetOption, RejectsAKeyThatIsNotPercentEncoded) {
     const ServerProcess server;
     for (const char* path : {"/options/%", "/options/%4", "/options/%zz"}) {
         SCOPED_TRACE(path);

@@ -16,7 +16,7 @@ namespace {
 using connector::service::LineReader;
 
 /// @return the lines that a reader finds in these bytes
-std::vector<std::string> linesOf(const std::string& bytes, std::size_t longest) {
+std::vector<std::string> linesIn(const std::string& bytes, std::size_t longest) {
     int ends[2];
     if (::pipe(ends) != 0)
         throw std::runtime_error("no pipe");
@@ -38,30 +38,30 @@ std::vector<std::string> linesOf(const std::string& bytes, std::size_t longest) 
 
 using Lines = std::vector<std::string>;
 
-TEST(LineReader, Lines_ComeWithoutTheirEnds) {
-    EXPECT_EQ((Lines{"a", "", "b"}), linesOf("a\n\nb\n", 10));
+TEST(LineReader, RemovesLineBreaks) {
+    EXPECT_EQ((Lines{"a", "", "b"}), linesIn("a\n\nb\n", 10));
 }
 
-TEST(LineReader, NoInput_IsNoLine) {
-    EXPECT_EQ(Lines{}, linesOf("", 10));
+TEST(LineReader, FindsNoLineInEmptyInput) {
+    EXPECT_EQ(Lines{}, linesIn("", 10));
 }
 
-TEST(LineReader, TheLastLine_NeedsNoEnd) {
-    EXPECT_EQ((Lines{"a", "b"}), linesOf("a\nb", 10));
+TEST(LineReader, TheLastLineNeedsNoLineBreak) {
+    EXPECT_EQ((Lines{"a", "b"}), linesIn("a\nb", 10));
 }
 
-TEST(LineReader, ALineThatIsTooLong_IsCutToOneByteTooMany) {
-    EXPECT_EQ((Lines{"abcd", "e"}), linesOf("abcdefgh\ne\n", 3));
-    EXPECT_EQ((Lines{"abc", "abcd"}), linesOf("abc\nabcd\n", 3));
+TEST(LineReader, TruncatesALongLineToOneByteMoreThanTheMaximum) {
+    EXPECT_EQ((Lines{"abcd", "e"}), linesIn("abcdefgh\ne\n", 3));
+    EXPECT_EQ((Lines{"abc", "abcd"}), linesIn("abc\nabcd\n", 3));
 }
 
-TEST(LineReader, LinesLongerThanTheBuffer_StayWhole) {
+TEST(LineReader, ReadsLinesThatAreLongerThanItsBuffer) {
     const std::string line(200000, 'x');
-    EXPECT_EQ((Lines{line, "y"}), linesOf(line + "\ny\n", 300000));
-    EXPECT_EQ((Lines{line.substr(0, 70001), "y"}), linesOf(line + "\ny\n", 70000));
+    EXPECT_EQ((Lines{line, "y"}), linesIn(line + "\ny\n", 300000));
+    EXPECT_EQ((Lines{line.substr(0, 70001), "y"}), linesIn(line + "\ny\n", 70000));
 }
 
-TEST(LineReader, WhatCannotBeRead_IsAFailure) {
+TEST(LineReader, ThrowsIfReadingFails) {
     LineReader reader(-1, 10);
     EXPECT_THROW(reader.next(), std::system_error);
 }

@@ -36,7 +36,7 @@ std::string inLowerCase(std::string text) {
     return text;
 }
 
-/// @return text as a JSON string; it must need no escapes
+/// @param text  must not need escapes
 std::string quoted(const std::string& text) {
     return '"' + text + '"';
 }
@@ -47,25 +47,25 @@ std::string envelope(const std::string& type, const std::string& message) {
 
 } // namespace
 
-void PrintTo(const HttpAnswer& answer, std::ostream* out) {
-    *out << answer.status << ' ' << answer.body;
+void PrintTo(const HttpResponse& response, std::ostream* out) {
+    *out << response.status << ' ' << response.body;
 }
 
-HttpAnswer parseAnswer(const std::string& bytes) {
-    HttpAnswer answer;
+HttpResponse parseResponse(const std::string& bytes) {
+    HttpResponse response;
     std::istringstream text(bytes);
     std::string line;
-    do { // 100 Continue goes before the answer
+    do { // skip 100 Continue
         std::getline(text, line);
-        answer.status = line.compare(0, 9, "HTTP/1.1 ") == 0 ? std::stoi(line.substr(9)) : 0;
+        response.status = line.compare(0, 9, "HTTP/1.1 ") == 0 ? std::stoi(line.substr(9)) : 0;
         while (std::getline(text, line) && !(line = withoutCarriageReturn(line)).empty())
-            answer.headers[inLowerCase(line.substr(0, line.find(':')))] =
+            response.headers[inLowerCase(line.substr(0, line.find(':')))] =
                 line.substr(std::min(line.find(':') + 2, line.size()));
-    } while (answer.status == 100);
+    } while (response.status == 100);
     std::ostringstream body;
     body << text.rdbuf();
-    answer.body = body.str();
-    return answer;
+    response.body = body.str();
+    return response;
 }
 
 HttpClient::HttpClient(std::uint16_t newPort, int receiveBuffer)
@@ -80,9 +80,9 @@ HttpClient::HttpClient(const std::string& host, std::uint16_t newPort, int recei
     if (receiveBuffer != 0)
         check(
             ::setsockopt(descriptor, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer));
-    const timeval patience{60, 0};
-    check(::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience));
-    check(::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience));
+    const timeval timeout{60, 0};
+    check(::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout));
+    check(::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout));
     check(::connect(descriptor, address.addr(), address.length()));
 }
 
@@ -101,7 +101,7 @@ void HttpClient::send(const std::string& bytes) {
         const ssize_t sent =
             ::send(descriptor, bytes.data() + done, bytes.size() - done, MSG_NOSIGNAL);
         if (sent < 0)
-            return; // the server does not want it: its answer tells more
+            return; // the server has closed the connection; the response tells why
         done += static_cast<std::size_t>(sent);
     }
 }
@@ -129,7 +129,7 @@ std::string HttpClient::readLine() {
     return withoutCarriageReturn(line);
 }
 
-std::string HttpClient::readLineBeginning(const std::string& beginning) {
+std::string HttpClient::readLineStartingWith(const std::string& beginning) {
     for (;;) {
         const std::string line = readLine();
         if (line.compare(0, beginning.size(), beginning) == 0)
@@ -139,13 +139,13 @@ std::string HttpClient::readLineBeginning(const std::string& beginning) {
     }
 }
 
-std::string HttpClient::readToTheEnd() {
+std::string HttpClient::readToEnd() {
     while (readMore()) {
     }
     return std::exchange(unread, {});
 }
 
-std::string HttpClient::readWhatComesSoon() {
+std::string HttpClient::readAvailable() {
     pollfd waiting{descriptor, POLLIN, 0};
     ::poll(&waiting, 1, 5);
     char bytes[16384];
@@ -153,20 +153,20 @@ std::string HttpClient::readWhatComesSoon() {
     return std::string(bytes, static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
 }
 
-/// @return false at the end, or when the server cut the connection
+/// @return false if the connection is closed
 bool HttpClient::readMore() {
     char bytes[16384];
     const ssize_t count = ::recv(descriptor, bytes, sizeof bytes, 0);
     if (count < 0 && (errno == EAGAIN || errno == EWOULDBLOCK))
-        throw std::runtime_error("The server says nothing");
+        throw std::runtime_error("The server sends nothing");
     if (count <= 0)
         return false;
     unread.append(bytes, static_cast<std::size_t>(count));
     return true;
 }
 
-HttpAnswer request(std::uint16_t port, const std::string& method, const std::string& path,
-                   const std::string& body, const Headers& headers) {
+HttpResponse request(std::uint16_t port, const std::string& method, const std::string& path,
+                     const std::string& body, const Headers& headers) {
     std::string text = method + ' ' + path + " HTTP/1.1\r\n";
     bool hasHost = false;
     for (const std::string& header : headers) {
@@ -179,14 +179,14 @@ HttpAnswer request(std::uint16_t port, const std::string& method, const std::str
         text += "Content-Length: " + std::to_string(body.size()) + "\r\n";
     HttpClient client(port);
     client.send(text + "\r\n" + body);
-    return client.answer();
+    return client.response();
 }
 
-HttpAnswer get(std::uint16_t port, const std::string& path, const Headers& headers) {
+HttpResponse get(std::uint16_t port, const std::string& path, const Headers& headers) {
     return request(port, "GET", path, "", headers);
 }
 
-HttpAnswer post(std::uint16_t port, const std::string& body, const Headers& headers) {
+HttpResponse post(std::uint16_t port, const std::string& body, const Headers& headers) {
     return request(port, "POST", "/messages", body, headers);
 }
 

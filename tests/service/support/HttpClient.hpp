@@ -1,4 +1,4 @@
-/// A client that can do everything wrong.
+/// An HTTP client that can send invalid requests.
 #pragma once
 
 #include <cstdint>
@@ -9,26 +9,26 @@
 
 namespace test {
 
-struct HttpAnswer {
-    int status = 0;                             ///< 0 if there was no answer
-    std::map<std::string, std::string> headers; ///< by their names in lower case
+struct HttpResponse {
+    int status = 0;                             ///< 0 if there was no response
+    std::map<std::string, std::string> headers; ///< keyed by lower-case names
     std::string body;
 
     bool has(const std::string& header) const { return headers.count(header) != 0; }
 };
 
-void PrintTo(const HttpAnswer& answer, std::ostream* out);
+void PrintTo(const HttpResponse& response, std::ostream* out);
 
-/// @param bytes  all that came
-HttpAnswer parseAnswer(const std::string& bytes);
+/// @param bytes  everything that the server has sent
+HttpResponse parseResponse(const std::string& bytes);
 
-/// A connection. What does not come within a minute is a failure.
+/// A connection. Waits at most a minute for the server.
 class HttpClient {
 public:
     /// Connects to 127.0.0.1.
-    /// @param receiveBuffer  the size of the system's buffer; 0 for what is usual
+    /// @param receiveBuffer  the size of the system's buffer in bytes; 0 for the default
     explicit HttpClient(std::uint16_t newPort, int receiveBuffer = 0);
-    /// Connects elsewhere.
+    /// Connects to another address.
     /// @param address  of IPv4 or IPv6, without brackets
     /// @throws std::system_error
     HttpClient(const std::string& address, std::uint16_t newPort, int receiveBuffer = 0);
@@ -37,21 +37,22 @@ public:
     HttpClient(const HttpClient&) = delete;
     HttpClient& operator=(const HttpClient&) = delete;
 
-    /// Sends as much as the server takes.
+    /// Sends as much as the server accepts.
     void send(const std::string& bytes);
     void endSending();
 
-    /// Sends GET with the right Host.
+    /// Sends a GET request with the correct Host.
     void get(const std::string& path, const std::vector<std::string>& headers = {});
 
-    /// @return the next line without its end; nothing at the end
+    /// @return the next line without its line break; an empty string at the end
     std::string readLine();
-    /// Reads until a line begins like that. @return the line, or nothing at the end
-    std::string readLineBeginning(const std::string& beginning);
-    std::string readToTheEnd();
-    /// @return what comes within some milliseconds; nothing if that is nothing
-    std::string readWhatComesSoon();
-    HttpAnswer answer() { return parseAnswer(readToTheEnd()); }
+    /// Skips lines that begin differently.
+    /// @return the line, or an empty string at the end
+    std::string readLineStartingWith(const std::string& beginning);
+    std::string readToEnd();
+    /// @return what has arrived, or arrives within some milliseconds; may be empty
+    std::string readAvailable();
+    HttpResponse response() { return parseResponse(readToEnd()); }
 
 private:
     bool readMore();
@@ -63,13 +64,13 @@ private:
 
 using Headers = std::vector<std::string>; ///< "Name: value" each
 
-/// One request and its answer. A Host among the headers takes the place of the right one.
-HttpAnswer request(std::uint16_t port, const std::string& method, const std::string& path,
-                   const std::string& body = "", const Headers& headers = {});
-HttpAnswer get(std::uint16_t port, const std::string& path, const Headers& headers = {});
-HttpAnswer post(std::uint16_t port, const std::string& body, const Headers& headers = {});
+/// Sends a request and reads the response. A Host in the headers replaces the correct one.
+HttpResponse request(std::uint16_t port, const std::string& method, const std::string& path,
+                     const std::string& body = "", const Headers& headers = {});
+HttpResponse get(std::uint16_t port, const std::string& path, const Headers& headers = {});
+HttpResponse post(std::uint16_t port, const std::string& body, const Headers& headers = {});
 
-/// @return the text of a message that is read by a service
+/// @return a request as JSON
 std::string getMessage(const std::string& key);
 std::string setMessage(const std::string& key, const std::string& text);
 std::string addMessage(const std::string& name, const std::string& path);

@@ -18,7 +18,7 @@ const char* const originals[] = {
     R"({"id":null,"type":"connector/Message","message":{}})",
 };
 
-const char* const morsels[] = {
+const char* const fragments[] = {
     "\"",
     "{",
     "}",
@@ -56,7 +56,7 @@ void Mutations::mutate(std::string& text) {
     const std::size_t at = below(text.size());
     switch (below(6)) {
     case 0:
-        text.insert(at, morsels[below(std::size(morsels))]);
+        text.insert(at, fragments[below(std::size(fragments))]);
         break;
     case 1:
         text.insert(at, 1, static_cast<char>(below(256)));

@@ -1,4 +1,4 @@
-/// Requests that went wrong on the way.
+/// Corrupted requests.
 #pragma once
 
 #include <random>
@@ -6,12 +6,12 @@
 
 namespace test {
 
-/// Makes one more wrong request each time, the same ones in every run.
+/// Generates randomly corrupted requests, the same ones in every run.
 class Mutations {
 public:
     explicit Mutations(unsigned seed) : random(seed) {}
 
-    /// @return bytes without a line end that are more than blanks
+    /// @return a line that is not blank, without its line break
     std::string next();
 
 private:

@@ -1,4 +1,4 @@
-/// The program as a server over HTTP.
+/// The program as an HTTP server.
 #pragma once
 
 #include "tools/support/Program.hpp"
@@ -13,19 +13,19 @@ namespace test {
 
 class ServerProcess {
 public:
-    /// @param httpArguments     behind serve --http ADDRESS
-    /// @param sourceArguments   before them
+    /// @param httpArguments    after serve --http ADDRESS
+    /// @param sourceArguments  before it
     explicit ServerProcess(const std::vector<std::string>& httpArguments = {},
                            std::vector<std::string> sourceArguments = {},
                            const std::string& address = "127.0.0.1:0");
     ~ServerProcess();
 
-    /// @return where it says that it listens; an IPv6 address in brackets
+    /// @return the host that the program reports; an IPv6 address in brackets
     const std::string& host() const { return listeningHost; }
     std::uint16_t port() const { return listeningPort; }
     Process& process() { return running; }
 
-    /// Sends a signal and waits for the end.
+    /// Sends a signal and waits for the program to exit.
     Result stop(int signal = SIGTERM);
 
 private:

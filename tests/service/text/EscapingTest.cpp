@@ -10,7 +10,7 @@ namespace {
 
 using namespace connector::service;
 
-TEST(Escaped, TextIsSafeToShow) {
+TEST(Escaped, HasNoControlCharacters) {
     const struct {
         int line;
         std::string text;
@@ -21,18 +21,17 @@ TEST(Escaped, TextIsSafeToShow) {
         {__LINE__, "\n\r\t", "\\n\\r\\t"},
         {__LINE__, std::string(1, '\0'), "\\x00"},
         {__LINE__, "\x01\x1f\x7f", "\\x01\\x1f\\x7f"},
-        {__LINE__, "\xc2\x80\xc2\x9f\xc2\xa0",
-         "\\u0080\\u009f\xc2\xa0"}, // the second set of controls
-        {__LINE__, "\\n", "\\n"},   // is for eyes only
+        {__LINE__, "\xc2\x80\xc2\x9f\xc2\xa0", "\\u0080\\u009f\xc2\xa0"}, // C1 control characters
+        {__LINE__, "\\n", "\\n"}, // backslashes are not escaped
         {__LINE__, "h\xc3\xa9", "h\xc3\xa9"},
         {__LINE__, "\xf0\x9f\x98\x80", "\xf0\x9f\x98\x80"},
-        {__LINE__, "\xe2\x80\xa8\xe2\x80\xa9", "\\u2028\\u2029"}, // lines and paragraphs
-        {__LINE__, "\xe2\x80\xae\xe2\x81\xa6", "\\u202e\\u2066"}, // directions
+        {__LINE__, "\xe2\x80\xa8\xe2\x80\xa9", "\\u2028\\u2029"}, // line and paragraph separators
+        {__LINE__, "\xe2\x80\xae\xe2\x81\xa6", "\\u202e\\u2066"}, // writing direction
         {__LINE__, "\xff\xfe", "\\xff\\xfe"},
-        {__LINE__, "\xc3", "\\xc3"},                            // cut short
-        {__LINE__, "\xe2\x82x", "\\xe2\\x82x"},                 // cut short in the middle
-        {__LINE__, "\xc0\x80", "\\xc0\\x80"},                   // overlong
-        {__LINE__, "\xed\xa0\x80", "\\xed\\xa0\\x80"},          // half of a surrogate pair
+        {__LINE__, "\xc3", "\\xc3"},                   // truncated
+        {__LINE__, "\xe2\x82x", "\\xe2\\x82x"},        // truncated before another character
+        {__LINE__, "\xc0\x80", "\\xc0\\x80"},          // overlong
+        {__LINE__, "\xed\xa0\x80", "\\xed\\xa0\\x80"}, // half of a surrogate pair
         {__LINE__, "\xf4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"}, // beyond Unicode
     };
     for (const auto& row : rows) {
@@ -41,14 +40,14 @@ TEST(Escaped, TextIsSafeToShow) {
     }
 }
 
-TEST(Repaired, BytesThatAreNoUtf8BecomeReplacementCharacters) {
+TEST(ToValidUtf8, ReplacesBytesThatAreNotUtf8) {
     EXPECT_EQ("a\xEF\xBF\xBD\xEF\xBF\xBD"
               "b\n\xc3\xa9",
-              repaired("a\xe2\x82"
-                       "b\n\xc3\xa9"));
+              toValidUtf8("a\xe2\x82"
+                          "b\n\xc3\xa9"));
 }
 
-TEST(EscapedJson, ControlCharactersThatJsonLetsStandAreEscapedAndMeanTheSame) {
+TEST(EscapedJson, EscapesControlCharactersWithoutChangingTheMeaning) {
     const std::string document = "[\"a\x7f\xc2\x85\xe2\x80\xa8\xc3\xa9\"]";
     const std::string result = escapedJson(document);
     EXPECT_EQ("[\"a\\u007f\\u0085\\u2028\xc3\xa9\"]", result);
@@ -56,7 +55,7 @@ TEST(EscapedJson, ControlCharactersThatJsonLetsStandAreEscapedAndMeanTheSame) {
               Poco::JSON::Parser().parse(result).toString());
 }
 
-TEST(Utf8, EveryByteAloneIsACharacterExactlyIfItIsAscii) {
+TEST(Utf8, ASingleByteIsACharacterExactlyIfItIsAscii) {
     for (int byte = 0; byte < 256; ++byte)
         EXPECT_EQ(byte < 0x80, isUtf8(std::string(1, static_cast<char>(byte)))) << byte;
 }

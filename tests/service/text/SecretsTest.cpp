@@ -9,16 +9,16 @@ namespace {
 using connector::service::OptionValue;
 using connector::service::Secrets;
 
-TEST(Secrets, OfThemselves_ArePasswordsSecretsAndTokens) {
+TEST(Secrets, IncludePasswordsSecretsAndTokensByDefault) {
     const Secrets secrets;
     for (const char* key : {"password", "db.password", "db.PassWord.old", "SECRET", "my-secrets",
                             "token", "auth.tokens", "\xffTOKEN\n"})
-        EXPECT_TRUE(secrets.hides(key)) << key;
+        EXPECT_TRUE(secrets.isSecret(key)) << key;
     for (const char* key : {"", "passwor", "pass.word", "secre", "toke n", "net.port"})
-        EXPECT_FALSE(secrets.hides(key)) << key;
+        EXPECT_FALSE(secrets.isSecret(key)) << key;
 }
 
-TEST(Secrets, Globs_FitWholeKeysInAnyCase) {
+TEST(Secrets, GlobsMatchWholeKeysIgnoringCase) {
     const struct {
         int line;
         const char* glob;
@@ -53,22 +53,36 @@ TEST(Secrets, Globs_FitWholeKeysInAnyCase) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ(row.fits, Secrets({row.glob}).hides(row.key));
+        EXPECT_EQ(row.fits, Secrets({row.glob}).isSecret(row.key));
     }
 }
 
-TEST(Secrets, AMeanGlobOnALongKey_TakesNoTimeToSpeakOf) {
+TEST(Secrets, MatchAGlobWithManyStarsInLinearTime) {
     std::string glob;
     for (int i = 0; i < 50; ++i)
         glob += "a*";
-    EXPECT_FALSE(Secrets({glob + "b"}).hides(std::string(100000, 'a')));
+    EXPECT_FALSE(Secrets({glob + "b"}).isSecret(std::string(100000, 'a')));
 }
 
-TEST(Secrets, AHiddenValue_IsShownAsStarsWhateverItsType) {
+/// Takes many minutes if every prefix is matched from its beginning.
+TEST(SecretKeyMatcher, ChecksEveryPrefixInLinearTime) {
+    const Secrets secrets({"a*b*c"});
+    Secrets::KeyMatcher key(secrets);
+    for (int i = 0; i < 1000000; ++i) {
+        key.append("a");
+        ASSERT_FALSE(key.isSecret());
+    }
+    key.append("b");
+    EXPECT_FALSE(key.isSecret());
+    key.append("c");
+    EXPECT_TRUE(key.isSecret());
+}
+
+TEST(Secrets, MaskValuesOfAnyType) {
     const Secrets secrets;
-    EXPECT_EQ("******", boost::get<std::string>(secrets.shown("token", OptionValue(5))));
-    EXPECT_EQ(5, boost::get<int>(secrets.shown("port", OptionValue(5))));
-    const auto option = secrets.shown(connector::service::Option{"token", "s", OptionValue(true)});
+    EXPECT_EQ("******", boost::get<std::string>(secrets.masked("token", OptionValue(5))));
+    EXPECT_EQ(5, boost::get<int>(secrets.masked("port", OptionValue(5))));
+    const auto option = secrets.masked(connector::service::Option{"token", "s", OptionValue(true)});
     EXPECT_EQ("token", option.key);
     EXPECT_EQ("s", option.source);
     EXPECT_EQ("******", boost::get<std::string>(option.value));

@@ -1,4 +1,4 @@
-/// The command line as a whole.
+/// The command line.
 #include "tools/support/Program.hpp"
 
 #include <gtest/gtest.h>
@@ -7,9 +7,9 @@ namespace {
 
 using test::Result;
 using test::runConnectorConfig;
-using test::wrongUse;
+using test::usageError;
 
-TEST(Arguments, ThatAreWrongAreWrongUse) {
+TEST(Arguments, InvalidOnesAreUsageErrors) {
     const struct {
         int line;
         std::vector<std::string> arguments;
@@ -38,11 +38,11 @@ TEST(Arguments, ThatAreWrongAreWrongUse) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ((Result{2, "", wrongUse(row.message)}), runConnectorConfig(row.arguments));
+        EXPECT_EQ((Result{2, "", usageError(row.message)}), runConnectorConfig(row.arguments));
     }
 }
 
-TEST(Arguments, OptionsBeforeAndBehindTheCommandMeanTheSame) {
+TEST(Arguments, OptionsMeanTheSameBeforeAndAfterTheCommand) {
     const Result expected = runConnectorConfig({"--json", "-s", "a=1", "-d", "b=2", "show"});
     EXPECT_EQ(0, expected.status);
     EXPECT_EQ(expected, runConnectorConfig({"show", "--json", "-s", "a=1", "-d", "b=2"}));
@@ -50,11 +50,11 @@ TEST(Arguments, OptionsBeforeAndBehindTheCommandMeanTheSame) {
     EXPECT_EQ(expected, runConnectorConfig({"-sa=1", "show", "--json", "--default", "b=2"}));
 }
 
-TEST(Arguments, OptionsBetweenTheCommandAndItsKeyLeaveTheKeyAlone) {
+TEST(Arguments, OptionsMayStandBetweenTheCommandAndItsKey) {
     EXPECT_EQ((Result{0, "1\n", ""}), runConnectorConfig({"get", "-s", "k=1", "k"}));
 }
 
-TEST(Arguments, AKeyThatLooksLikeAnOptionStandsBehindTwoDashes) {
+TEST(Arguments, KeysThatLookLikeOptionsFollowTwoDashes) {
     EXPECT_EQ((Result{0, "1\n", ""}),
               runConnectorConfig({"-s", "--json=1", "get", "--", "--json"}));
     EXPECT_EQ((Result{0, "1\n", ""}), runConnectorConfig({"-s", "--=1", "get", "--", "--"}));
@@ -73,7 +73,7 @@ TEST(Arguments, KeysThatLookLikeCommandsOrListsAreKeys) {
     }
 }
 
-TEST(Help, AnywhereOnTheLineIsTheSameTextAndSucceeds) {
+TEST(Help, IsTheSameAnywhereOnTheCommandLine) {
     const Result help = runConnectorConfig({"--help"});
     EXPECT_EQ(0, help.status);
     EXPECT_EQ("", help.errors);
@@ -86,11 +86,28 @@ TEST(Help, AnywhereOnTheLineIsTheSameTextAndSucceeds) {
     }
 }
 
-TEST(Help, TextNamesEveryOptionAndHasAnExampleForEachCommand) {
+TEST(Help, NamesEveryOptionAndTypeAndHasAnExampleOfEachCommand) {
     const std::string text = runConnectorConfig({"--help"}).output;
-    for (const char* option :
-         {"-f, --file FILE", "-s, --set KEY[:TYPE]=VALUE", "-d, --default KEY[:TYPE]=VALUE",
-          "--json", "--trace", "-h, --help", "--version", "path=P[,name=N][,group=G][,order=O]"})
+    for (const char* option : {"-f, --file FILE",
+                               "-s, --set KEY[:TYPE]=VALUE",
+                               "-d, --default KEY[:TYPE]=VALUE",
+                               "--json",
+                               "--trace",
+                               "-h, --help",
+                               "--version",
+                               "path=P[,name=N][,group=G][,order=O]",
+                               "bool,",
+                               "int,",
+                               "uint,",
+                               "double,",
+                               "ustring,",
+                               "string",
+                               "boolArray",
+                               "intArray",
+                               "uintArray",
+                               "doubleArray",
+                               "stringArray",
+                               "ustringArray"})
         EXPECT_NE(std::string::npos, text.find(option)) << option;
     const std::size_t examples = text.find("Examples:\n");
     ASSERT_NE(std::string::npos, examples);
@@ -107,7 +124,7 @@ TEST(Help, EveryLineFitsATerminal) {
     }
 }
 
-TEST(Version, AnywhereOnTheLineIsOneLineAndSucceeds) {
+TEST(Version, IsTheSameAnywhereOnTheCommandLine) {
     const Result expected{0, "connector-config " CONNECTOR_CONFIG_VERSION "\n", ""};
     EXPECT_EQ(expected, runConnectorConfig({"--version"}));
     EXPECT_EQ(expected, runConnectorConfig({"get", "--version"}));

@@ -6,7 +6,7 @@ namespace {
 
 using namespace connector_config;
 
-TEST(FileArgument, TextsAreReadAsPlainPathsOrMembers) {
+TEST(FileArgument, AcceptsPlainPathsAndTheLongForm) {
     const struct {
         int line;
         const char* text;

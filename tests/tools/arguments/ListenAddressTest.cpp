@@ -11,7 +11,7 @@ using connector_config::ListenAddress;
 using connector_config::parseListenAddress;
 using connector_config::WrongArguments;
 
-TEST(ListenAddress, WhatIsOfTheForm_IsRead) {
+TEST(ListenAddress, AcceptsHostAndPort) {
     const struct {
         int line;
         const char* text;
@@ -20,7 +20,7 @@ TEST(ListenAddress, WhatIsOfTheForm_IsRead) {
     } rows[] = {
         {__LINE__, "127.0.0.1:8080", "127.0.0.1", 8080}, {__LINE__, "localhost:0", "localhost", 0},
         {__LINE__, "0.0.0.0:65535", "0.0.0.0", 65535},   {__LINE__, "[::1]:80", "::1", 80},
-        {__LINE__, ":8080", "127.0.0.1", 8080}, // loopback unless told otherwise
+        {__LINE__, ":8080", "127.0.0.1", 8080}, // loopback by default
         {__LINE__, "8080", "127.0.0.1", 8080},
     };
     for (const auto& row : rows) {
@@ -31,7 +31,7 @@ TEST(ListenAddress, WhatIsOfTheForm_IsRead) {
     }
 }
 
-TEST(ListenAddress, WhatIsNot_IsWrong) {
+TEST(ListenAddress, RejectsOtherForms) {
     for (const std::string text : {"", ":", "host", "host:", "host:x", "host:65536", "host:-1",
                                    "host:80 ", "::1:80", "[::1]", "[::1:80", "::1]:80", "[]:80"})
         test::expectThrows<WrongArguments>("Not of the form HOST:PORT: " + text,

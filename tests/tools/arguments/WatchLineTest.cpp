@@ -8,7 +8,7 @@ namespace {
 
 using namespace connector_config;
 
-TEST(WatchLine, SetSplitsAssignmentAndSource) {
+TEST(WatchLine, SetSeparatesAssignmentAndSource) {
     const struct {
         int line;
         const char* text;
@@ -38,12 +38,12 @@ TEST(WatchLine, SetSplitsAssignmentAndSource) {
     }
 }
 
-TEST(WatchLine, AddAndRemoveTakeTheRestOfTheLine) {
+TEST(WatchLine, TheArgumentOfAddAndRemoveExtendsToTheEndOfTheLine) {
     EXPECT_EQ("a b ", std::get<AddLine>(parseWatchLine("add  a b ", Secrets())).file.path);
     EXPECT_EQ("a b ", std::get<RemoveLine>(parseWatchLine("remove  a b ", Secrets())).name);
 }
 
-TEST(WatchLine, QuitStandsAlone) {
+TEST(WatchLine, QuitTakesNoArgument) {
     EXPECT_TRUE(std::holds_alternative<QuitLine>(parseWatchLine(" quit\t", Secrets())));
     EXPECT_THROW(parseWatchLine("quit x", Secrets()), WrongArguments);
     EXPECT_THROW(parseWatchLine("quit\r", Secrets()), WrongArguments);

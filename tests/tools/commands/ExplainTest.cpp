@@ -9,7 +9,7 @@ using test::Result;
 using test::runConnectorConfig;
 using test::TemporaryFile;
 
-TEST(Explain, SeveralSourcesAreListedInTheOrderOfConsultation) {
+TEST(Explain, ListsSourcesInTheOrderOfConsultation) {
     const TemporaryFile site("net.port=9090\n");
     const TemporaryFile shipped("net.port=8080\nlog.level=info\n");
     EXPECT_EQ(
@@ -24,7 +24,7 @@ TEST(Explain, SeveralSourcesAreListedInTheOrderOfConsultation) {
                             "-d", "net.port:int=1", "explain", "net.port"}));
 }
 
-TEST(Explain, ASourceWithAGroupServesItsKeysOnly) {
+TEST(Explain, ASourceWithAGroupServesOnlyKeysOfTheGroup) {
     const TemporaryFile file("port=9090\n");
     const std::vector<std::string> sources = {"-f", file.named("net", ",group=net"), "explain"};
     std::vector<std::string> served = sources;
@@ -48,7 +48,7 @@ TEST(Explain, ASourceWithAGroupServesItsKeysOnly) {
               runConnectorConfig(notServed));
 }
 
-TEST(Explain, NoSourceHasTheKeySucceedsAndSaysSo) {
+TEST(Explain, SucceedsIfNoSourceHasTheKey) {
     EXPECT_EQ((Result{0,
                       "override  order 0           does not have it\n"
                       "default   order 2147483647  does not have it\n"
@@ -57,7 +57,7 @@ TEST(Explain, NoSourceHasTheKeySucceedsAndSaysSo) {
               runConnectorConfig({"explain", "k"}));
 }
 
-TEST(Explain, AReadOnlySourceBeforeOverrideHasTheKeyANewValueWouldStayHidden) {
+TEST(Explain, ANewValueStaysHiddenBehindAReadOnlySourceConsultedBeforeOverride) {
     const TemporaryFile file("k=1\n");
     EXPECT_EQ((Result{0,
                       "pinned    order -5          read-only  supplies the value  1\n"
@@ -68,7 +68,7 @@ TEST(Explain, AReadOnlySourceBeforeOverrideHasTheKeyANewValueWouldStayHidden) {
               runConnectorConfig({"-f", file.named("pinned", ",order=-5"), "explain", "k"}));
 }
 
-TEST(Explain, AReadOnlySourceBeforeOverrideWithoutTheKeyANewValueWouldTakeEffect) {
+TEST(Explain, ANewValueTakesEffectIfNoSourceConsultedBeforeOverrideHasTheKey) {
     const TemporaryFile file("other=1\n");
     EXPECT_EQ(
         (Result{0,
@@ -80,7 +80,7 @@ TEST(Explain, AReadOnlySourceBeforeOverrideWithoutTheKeyANewValueWouldTakeEffect
         runConnectorConfig({"-f", file.named("pinned", ",order=0"), "-d", "k=2", "explain", "k"}));
 }
 
-TEST(Explain, OverrideItselfSuppliesTheValueANewValueWouldTakeEffect) {
+TEST(Explain, ANewValueTakesEffectIfOverrideSuppliesTheCurrentOne) {
     EXPECT_EQ((Result{0,
                       "override  order 0           supplies the value       [1]\n"
                       "default   order 2147483647  is shadowed by override  2\n"
@@ -89,7 +89,7 @@ TEST(Explain, OverrideItselfSuppliesTheValueANewValueWouldTakeEffect) {
               runConnectorConfig({"-s", "k:intArray=[1]", "-d", "k=2", "explain", "k"}));
 }
 
-TEST(Explain, ControlCharactersAreShownEscaped) {
+TEST(Explain, EscapesControlCharacters) {
     const TemporaryFile file("k\x07=v\x1b\n");
     EXPECT_EQ((Result{0,
                       "a\\nb      order -1          read-only  supplies the value   v\\x1b\n"
@@ -101,7 +101,7 @@ TEST(Explain, ControlCharactersAreShownEscaped) {
                   {"-f", file.named("a\nb", ",order=-1"), "-d", "k\x07=w\t", "explain", "k\x07"}));
 }
 
-TEST(ExplainJson, EverySourceIsAnObjectWithItsVerdict) {
+TEST(ExplainJson, HasAnObjectForEachSource) {
     const TemporaryFile file("port=9090\n");
     const TemporaryFile other("x=1\n");
     EXPECT_EQ((Result{0,
@@ -122,7 +122,7 @@ TEST(ExplainJson, EverySourceIsAnObjectWithItsVerdict) {
                                   "explain", "net.port", "--json"}));
 }
 
-TEST(ExplainJson, NoSourceHasTheKeySucceeds) {
+TEST(ExplainJson, SucceedsIfNoSourceHasTheKey) {
     EXPECT_EQ((Result{0,
                       R"({"key":"k\n","sources":[)"
                       R"({"name":"override","order":0,"group":"","readOnly":false,)"

@@ -9,26 +9,26 @@ using test::Result;
 using test::runConnectorConfig;
 using test::TemporaryFile;
 
-TEST(Get, AnOptionWritesNothingButTheValueAndALineEnd) {
+TEST(Get, WritesOnlyTheValueAndALineBreak) {
     EXPECT_EQ((Result{0, "8080\n", ""}),
               runConnectorConfig({"-s", "net.port=8080", "get", "net.port"}));
 }
 
-TEST(Get, TextWithControlCharactersAndOtherBytesWritesItAsItIs) {
+TEST(Get, WritesTextUnchanged) {
     const std::string text = "a\tb\x1b[31m\r\n\\n\x7f\xff\xc2\x85";
     EXPECT_EQ((Result{0, text + "\n", ""}), runConnectorConfig({"-s", "k=" + text, "get", "k"}));
 }
 
-TEST(Get, EmptyTextWritesAnEmptyLine) {
+TEST(Get, WritesAnEmptyLineForEmptyText) {
     EXPECT_EQ((Result{0, "\n", ""}), runConnectorConfig({"-s", "k=", "get", "k"}));
 }
 
-TEST(Get, Utf16TextWritesItAsUtf8) {
+TEST(Get, WritesUtf16TextAsUtf8) {
     EXPECT_EQ((Result{0, "h\xC3\xA9 \xF0\x9F\x98\x80\n", ""}),
               runConnectorConfig({"-s", "k:ustring=h\xC3\xA9 \xF0\x9F\x98\x80", "get", "k"}));
 }
 
-TEST(Get, AnythingButTextWritesItsJsonOnOneLine) {
+TEST(Get, WritesOtherValuesAsJsonOnOneLine) {
     const struct {
         int line;
         const char* assignment;
@@ -55,35 +55,35 @@ TEST(Get, AnythingButTextWritesItsJsonOnOneLine) {
     }
 }
 
-TEST(Get, ControlCharactersInAnArrayAreEscapedAsJsonDoes) {
+TEST(Get, EscapesControlCharactersInArraysAsJson) {
     EXPECT_EQ(
         (Result{0, "[\"\\u0000\\u001F\\u007f\\u0085\"]\n", ""}),
         runConnectorConfig({"-s", "k:stringArray=[\"\\u0000\\u001f\x7f\xc2\x85\"]", "get", "k"}));
 }
 
-TEST(Get, NoSuchOptionFailsWithTheLibrarysText) {
+TEST(Get, ReportsAMissingOptionWithTheLibrarysText) {
     EXPECT_EQ(
         (Result{1, "", "connector-config: No option with the specified key was found: net.port\n"}),
         runConnectorConfig({"get", "net.port"}));
 }
 
-TEST(Get, NoSuchOptionWithControlCharactersFailsOnOneLine) {
+TEST(Get, EscapesTheKeyInTheFailure) {
     EXPECT_EQ((Result{1, "",
                       "connector-config: No option with the specified key was found: "
                       "a\\n\\x1b\\xff\n"}),
               runConnectorConfig({"get", "a\n\x1b\xff"}));
 }
 
-TEST(Get, AKeyThatIsAPrefixOfAnotherIsNotThere) {
+TEST(Get, APrefixOfAKeyIsNotAKey) {
     EXPECT_EQ(1, runConnectorConfig({"-s", "net.port=1", "get", "net"}).status);
 }
 
-TEST(Get, TheEmptyKeyOfAFileIsAnOptionLikeOthers) {
+TEST(Get, FindsTheEmptyKeyOfAFile) {
     const TemporaryFile file(" = nameless\n");
     EXPECT_EQ((Result{0, "nameless\n", ""}), runConnectorConfig({"-f", file.path(), "get", ""}));
 }
 
-TEST(GetJson, AnOptionWritesKeySourceAndTypedValue) {
+TEST(GetJson, WritesKeySourceAndTypedValue) {
     EXPECT_EQ(
         (Result{0,
                 R"({"key":"net.port","source":"override","value":{"type":"uint","value":8080}})"
@@ -92,7 +92,7 @@ TEST(GetJson, AnOptionWritesKeySourceAndTypedValue) {
         runConnectorConfig({"--json", "-s", "net.port:uint=8080", "get", "net.port"}));
 }
 
-TEST(GetJson, ArraysStandOnTheSameLine) {
+TEST(GetJson, WritesArraysOnTheSameLine) {
     EXPECT_EQ((Result{0,
                       R"({"key":"k","source":"default","value":)"
                       R"({"type":"stringArray","value":["a","b"]}})"
@@ -101,7 +101,7 @@ TEST(GetJson, ArraysStandOnTheSameLine) {
               runConnectorConfig({"--json", "-d", R"(k:stringArray=["a","b"])", "get", "k"}));
 }
 
-TEST(GetJson, BytesThatAreNoUtf8BecomeReplacementCharacters) {
+TEST(GetJson, ReplacesBytesThatAreNotUtf8) {
     const TemporaryFile file("k\xff=\xc3(\xe2\x82\n");
     EXPECT_EQ(
         (Result{0,
@@ -111,7 +111,7 @@ TEST(GetJson, BytesThatAreNoUtf8BecomeReplacementCharacters) {
         runConnectorConfig({"--json", "-f", file.named("s\xfe"), "get", "k\xff"}));
 }
 
-TEST(GetJson, ControlCharactersAreEscaped) {
+TEST(GetJson, EscapesControlCharacters) {
     EXPECT_EQ((Result{0,
                       R"({"key":"k","source":"override","value":)"
                       R"({"type":"string","value":"a\n\u001B\u007f\u009b"}})"
@@ -120,7 +120,7 @@ TEST(GetJson, ControlCharactersAreEscaped) {
               runConnectorConfig({"--json", "-s", "k=a\n\x1b\x7f\xc2\x9b", "get", "k"}));
 }
 
-TEST(GetJson, NoSuchOptionFailsWithTheLibrarysText) {
+TEST(GetJson, ReportsAMissingOptionWithTheLibrarysText) {
     EXPECT_EQ((Result{1, "", "connector-config: No option with the specified key was found: k\n"}),
               runConnectorConfig({"--json", "get", "k"}));
 }

@@ -1,7 +1,7 @@
-/// Ten thousand lines that went wrong on the way.
+/// serve with ten thousand corrupted requests.
 #include "service/support/Mutations.hpp"
 #include "tools/support/Program.hpp"
-#include <connector/service/messages/RequestText.hpp>
+#include <connector/service/messages/ParsedRequest.hpp>
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-TEST(ServeLines, TenThousandMutations_AreAnsweredByALineOfJsonEach) {
+TEST(ServeLines, TenThousandMutationsGetOneLineOfJsonEach) {
     constexpr int count = 10000;
     test::Process process(test::connectorConfig({"-s", "net.port=80", "serve"}));
     std::thread writer([&process] {
@@ -32,7 +32,7 @@ TEST(ServeLines, TenThousandMutations_AreAnsweredByALineOfJsonEach) {
     test::Mutations mutations(1);
     for (const std::string& reply : replies) {
         const std::string request = mutations.next();
-        ASSERT_NO_THROW(connector::service::readRequest(reply))
+        ASSERT_NO_THROW(connector::service::parseRequest(reply))
             << "request: " << request << "\nreply: " << reply;
     }
     EXPECT_EQ((test::Result{0, "", ""}), process.finish());

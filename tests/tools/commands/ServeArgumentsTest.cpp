@@ -1,7 +1,7 @@
-/// The command line of serve.
-#include "support/TemporaryDirectory.hpp"
+/// The arguments of serve.
 #include "service/support/HttpClient.hpp"
 #include "service/support/ServerProcess.hpp"
+#include "support/TemporaryDirectory.hpp"
 #include "tools/support/Program.hpp"
 
 #include <gtest/gtest.h>
@@ -20,9 +20,9 @@ namespace {
 
 using test::Result;
 using test::runConnectorConfig;
-using test::wrongUse;
+using test::usageError;
 
-TEST(ServeArguments, ThatAreWrong_AreWrongUse) {
+TEST(ServeArguments, InvalidOnesAreUsageErrors) {
     const struct {
         int line;
         std::vector<std::string> arguments;
@@ -39,11 +39,11 @@ TEST(ServeArguments, ThatAreWrong_AreWrongUse) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ((Result{2, "", wrongUse(row.message)}), runConnectorConfig(row.arguments));
+        EXPECT_EQ((Result{2, "", usageError(row.message)}), runConnectorConfig(row.arguments));
     }
 }
 
-TEST(ServeArguments, ThatLeadNowhere_AreAFailureAtTheStart) {
+TEST(ServeArguments, ReportsUnusableFilesAndDirectoriesAtStartup) {
     const test::TemporaryDirectory directory;
     const std::string none = (directory.path / "none").string();
     const std::string empty = directory.write("empty", "\n").string();
@@ -66,14 +66,14 @@ TEST(ServeArguments, ThatLeadNowhere_AreAFailureAtTheStart) {
     }
 }
 
-/// A server whose token comes through a pipe, once it waits for that.
+/// A server that reads its token from a pipe, and is waiting for it.
 class TokenPipe : public testing::Test {
 protected:
     TokenPipe() {
         EXPECT_EQ(0, ::mkfifo(path.c_str(), 0600));
         process.emplace(
             test::connectorConfig({"serve", "--http", "127.0.0.1:0", "--token-file", path}));
-        descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC); // waits for the reader
+        descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC); // blocks until the server reads
         EXPECT_GE(descriptor, 0);
     }
     ~TokenPipe() override { close(); }
@@ -90,7 +90,7 @@ protected:
     int descriptor = -1;
 };
 
-TEST_F(TokenPipe, WhatComesThroughIt_IsTheToken) {
+TEST_F(TokenPipe, CanSupplyTheToken) {
     ASSERT_EQ(3, ::write(descriptor, "abc", 3));
     close();
     const std::string line = process->readLine();
@@ -103,13 +103,13 @@ TEST_F(TokenPipe, WhatComesThroughIt_IsTheToken) {
     EXPECT_EQ((Result{0, "", ""}), process->finish());
 }
 
-TEST_F(TokenPipe, WhileItIsWaitedFor_SignalsEndTheProgram) {
+TEST_F(TokenPipe, SignalsEndTheProgramWhileItWaitsForTheToken) {
     process->signal(SIGINT);
-    close(); // so that a program that does not obey ends, too, but not by the signal
+    close(); // a program that ignores the signal exits, too, but with another status
     EXPECT_EQ((Result{128 + SIGINT, "", ""}), process->finish());
 }
 
-TEST(ServeArguments, AnAddressThatIsTaken_IsAFailure) {
+TEST(ServeArguments, ReportsAnAddressThatIsInUse) {
     test::ServerProcess server;
     const std::string address = "127.0.0.1:" + std::to_string(server.port());
     const Result result = runConnectorConfig({"serve", "--http", address});

@@ -13,7 +13,7 @@ using test::Result;
 using test::runConnectorConfig;
 using test::TemporaryFile;
 
-TEST(Show, SeveralOptionsAreAnAlignedTableSortedByKey) {
+TEST(Show, PrintsAnAlignedTableSortedByKey) {
     const TemporaryFile file("net.port=9090\nlog.level=info\n");
     EXPECT_EQ((Result{0,
                       "KEY        TYPE      VALUE  SOURCE\n"
@@ -25,7 +25,7 @@ TEST(Show, SeveralOptionsAreAnAlignedTableSortedByKey) {
                                   "sizes:intArray=[1,2]", "show"}));
 }
 
-TEST(Show, WithAPrefixShowsTheOptionsThatBeginWithIt) {
+TEST(Show, SelectsKeysByPrefix) {
     EXPECT_EQ((Result{0,
                       "KEY       TYPE    VALUE  SOURCE\n"
                       "net.port  string  1      override\n",
@@ -33,11 +33,11 @@ TEST(Show, WithAPrefixShowsTheOptionsThatBeginWithIt) {
               runConnectorConfig({"-s", "net.port=1", "-s", "log=2", "show", "net."}));
 }
 
-TEST(Show, NoneWithThePrefixSucceedsWithoutOutput) {
+TEST(Show, SucceedsWithoutOutputIfNoKeyMatches) {
     EXPECT_EQ((Result{0, "", ""}), runConnectorConfig({"-s", "a=1", "show", "b"}));
 }
 
-TEST(Show, EveryTypeIsNamedByItsTag) {
+TEST(Show, NamesEachTypeByItsTag) {
     EXPECT_EQ((Result{0,
                       "KEY  TYPE          VALUE   SOURCE\n"
                       "a    bool          true    override\n"
@@ -68,7 +68,7 @@ TEST(Show, EveryTypeIsNamedByItsTag) {
                                   "show"}));
 }
 
-TEST(Show, WideAndCombiningCharactersKeepTheColumnsAligned) {
+TEST(Show, AlignsWideAndCombiningCharacters) {
     EXPECT_EQ((Result{0,
                       "KEY  TYPE    VALUE  SOURCE\n"
                       "a    string  \xE6\xBC\xA2\xE5\xAD\x97   override\n"
@@ -79,8 +79,8 @@ TEST(Show, WideAndCombiningCharactersKeepTheColumnsAligned) {
                                   "c=plain", "show"}));
 }
 
-TEST(Show, WideCharactersInALocaleWithoutThemKeepTheColumnsAligned) {
-    test::Surroundings withoutUnicode;
+TEST(Show, AlignsWideCharactersInALocaleWithoutThem) {
+    test::RunOptions withoutUnicode;
     withoutUnicode.environment = {"LC_ALL=C"};
     EXPECT_EQ((Result{0,
                       "KEY  TYPE    VALUE  SOURCE\n"
@@ -89,7 +89,7 @@ TEST(Show, WideCharactersInALocaleWithoutThemKeepTheColumnsAligned) {
               runConnectorConfig({"-s", "a=\xE6\xBC\xA2\xE5\xAD\x97", "show"}, "", withoutUnicode));
 }
 
-TEST(Show, ControlCharactersAreShownEscapedInKeysNamesAndValues) {
+TEST(Show, EscapesControlCharactersInKeysNamesAndValues) {
     const TemporaryFile file("k\x1b=v\rw\n");
     EXPECT_EQ((Result{0,
                       "KEY    TYPE    VALUE  SOURCE\n"
@@ -99,13 +99,13 @@ TEST(Show, ControlCharactersAreShownEscapedInKeysNamesAndValues) {
               runConnectorConfig({"-f", file.named("s\x07"), "-s", "a\nb=x\ty", "show"}));
 }
 
-TEST(Show, ALongValueInAPipeIsShownWhole) {
+TEST(Show, DoesNotTruncateValuesInAPipe) {
     const std::string value(500, 'x');
     const Result result = runConnectorConfig({"-s", "k=" + value, "show"});
     EXPECT_NE(std::string::npos, result.output.find("k    string  " + value + "  override\n"));
 }
 
-TEST(Show, AnEmptyValueLeavesItsPlaceFree) {
+TEST(Show, LeavesTheColumnOfAnEmptyValueBlank) {
     EXPECT_EQ((Result{0,
                       "KEY  TYPE    VALUE  SOURCE\n"
                       "k    string         override\n",
@@ -113,7 +113,7 @@ TEST(Show, AnEmptyValueLeavesItsPlaceFree) {
               runConnectorConfig({"-s", "k=", "show"}));
 }
 
-TEST(ShowJson, SeveralOptionsAreAnArraySortedByKey) {
+TEST(ShowJson, IsAnArraySortedByKey) {
     const TemporaryFile file("p.b=2\nc=3\n");
     EXPECT_EQ((Result{0,
                       R"([{"key":"p.a","source":"override","value":{"type":"bool","value":true}},)"
@@ -124,7 +124,7 @@ TEST(ShowJson, SeveralOptionsAreAnArraySortedByKey) {
                   {"--json", "-f", file.named("site"), "-s", "p.a:bool=true", "show", "p."}));
 }
 
-TEST(ShowJson, EveryByteInKeysNamesAndValuesIsStillValidJsonOfOneLine) {
+TEST(ShowJson, IsOneLineOfValidJsonForAnyBytes) {
     std::string bytes;
     for (int byte = 1; byte < 256; ++byte)
         bytes += byte == '=' || byte == ',' ? '.' : static_cast<char>(byte);
@@ -138,10 +138,10 @@ TEST(ShowJson, EveryByteInKeysNamesAndValuesIsStillValidJsonOfOneLine) {
     EXPECT_EQ(key, options->getObject(0)->getObject("value")->getValue<std::string>("value"));
     EXPECT_EQ(key, options->getObject(1)->getValue<std::string>("source"));
     EXPECT_EQ(bytes.substr(0, 127), key.substr(0, 127));
-    EXPECT_EQ(127u + 3 * 128, key.size()); // each byte that is no ASCII has become U+FFFD
+    EXPECT_EQ(127u + 3 * 128, key.size()); // each byte above 0x7f has become U+FFFD
 }
 
-TEST(ShowJson, NoneWithThePrefixIsAnEmptyArray) {
+TEST(ShowJson, IsAnEmptyArrayIfNoKeyMatches) {
     EXPECT_EQ((Result{0, "[]\n", ""}), runConnectorConfig({"--json", "show"}));
 }
 

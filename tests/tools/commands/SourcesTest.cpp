@@ -10,9 +10,9 @@ namespace {
 using test::Result;
 using test::runConnectorConfig;
 using test::TemporaryFile;
-using test::wrongUse;
+using test::usageError;
 
-TEST(FileOption, APlainPathIsANamelessGrouplessSourceOfOrder100NamedAfterThePath) {
+TEST(FileOption, APlainPathAddsASourceNamedAfterItWithoutAGroupAndWithOrder100) {
     const TemporaryFile file("k=1\n");
     const Result result = runConnectorConfig({"-f", file.path(), "--json", "explain", "k"});
     EXPECT_NE(std::string::npos, result.output.find(R"({"name":")" + file.path() +
@@ -20,13 +20,13 @@ TEST(FileOption, APlainPathIsANamelessGrouplessSourceOfOrder100NamedAfterThePath
         << result.output;
 }
 
-TEST(FileOption, TheLongFormWithThePathAloneIsTheSame) {
+TEST(FileOption, TheLongFormWithOnlyAPathMeansTheSameAsThePath) {
     const TemporaryFile file("k=1\n");
     EXPECT_EQ(runConnectorConfig({"-f", file.path(), "explain", "k"}),
               runConnectorConfig({"--file", "path=" + file.path(), "explain", "k"}));
 }
 
-TEST(FileOption, MembersBehindThePathStandInAnyOrder) {
+TEST(FileOption, MembersMayComeInAnyOrder) {
     const TemporaryFile file("k=1\n");
     const std::string expected =
         "n         order -7          group g.  read-only  supplies the value"
@@ -40,7 +40,7 @@ TEST(FileOption, MembersBehindThePathStandInAnyOrder) {
     }
 }
 
-TEST(FileOption, APlainPathWithCommasAndEqualsSignsIsOnePath) {
+TEST(FileOption, APlainPathMayContainCommasAndEqualsSigns) {
     const std::string path = testing::TempDir() + "connector-config a,order=x,b=c";
     const TemporaryFile file("k=1\n");
     std::filesystem::copy_file(file.path(), path,
@@ -49,12 +49,12 @@ TEST(FileOption, APlainPathWithCommasAndEqualsSignsIsOnePath) {
     std::filesystem::remove(path);
 }
 
-TEST(FileOption, TheLongFormEndsThePathAtTheFirstComma) {
+TEST(FileOption, ThePathOfTheLongFormEndsAtTheFirstComma) {
     EXPECT_EQ((Result{1, "", "connector-config: Property file could not be opened: no\n"}),
               runConnectorConfig({"-f", "path=no,name=such,order=1", "keys"}));
 }
 
-TEST(FileOption, WrongMembersAreWrongUse) {
+TEST(FileOption, InvalidMembersAreUsageErrors) {
     const struct {
         int line;
         const char* file;
@@ -77,12 +77,12 @@ TEST(FileOption, WrongMembersAreWrongUse) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ((Result{2, "", wrongUse(row.message)}),
+        EXPECT_EQ((Result{2, "", usageError(row.message)}),
                   runConnectorConfig({"-f", row.file, "keys"}));
     }
 }
 
-TEST(FileOption, TheGreatestAndTheSmallestOrderAreTaken) {
+TEST(FileOption, AcceptsTheSmallestAndTheLargestOrder) {
     const TemporaryFile file("k=1\n");
     for (const char* order : {",order=2147483647", ",order=-2147483648", ",order=0"}) {
         SCOPED_TRACE(order);
@@ -91,28 +91,28 @@ TEST(FileOption, TheGreatestAndTheSmallestOrderAreTaken) {
     }
 }
 
-TEST(FileOption, AFileThatIsNotThereFailsWithTheLibrarysText) {
+TEST(FileOption, ReportsAMissingFileWithTheLibrarysText) {
     EXPECT_EQ(
         (Result{1, "", "connector-config: Property file could not be opened: /no/such\\nfile\n"}),
         runConnectorConfig({"-f", "/no/such\nfile", "keys"}));
 }
 
-TEST(FileOption, ADirectoryFailsWithTheLibrarysText) {
+TEST(FileOption, ReportsADirectoryWithTheLibrarysText) {
     EXPECT_EQ((Result{1, "", "connector-config: Property file could not be opened: /\n"}),
               runConnectorConfig({"-f", "/", "keys"}));
 }
 
-TEST(FileOption, AnEmptyPathFailsWithTheLibrarysText) {
+TEST(FileOption, ReportsAnEmptyPathWithTheLibrarysText) {
     EXPECT_EQ((Result{1, "", "connector-config: Property file could not be opened: \n"}),
               runConnectorConfig({"-f", "", "keys"}));
 }
 
-TEST(FileOption, APathThatIsNoUtf8FailsWithTheLibrarysText) {
-    EXPECT_EQ((Result{1, "", "connector-config: Text is not valid UTF-8\n"}),
-              runConnectorConfig({"-f", "\xff", "keys"}));
+TEST(FileOption, NamesAPathThatIsNotUtf8InTheFailure) {
+    EXPECT_EQ((Result{1, "", "connector-config: Path is not valid UTF-8: a\\xff\\n\n"}),
+              runConnectorConfig({"-f", "a\xff\n", "keys"}));
 }
 
-TEST(FileOption, TheSameFileTwiceFailsBecauseTheNameIsTaken) {
+TEST(FileOption, RejectsTheSameNameTwice) {
     const TemporaryFile file("k=1\n");
     EXPECT_EQ((Result{1, "",
                       "connector-config: Source with the requested name already exists: " +
@@ -120,7 +120,7 @@ TEST(FileOption, TheSameFileTwiceFailsBecauseTheNameIsTaken) {
               runConnectorConfig({"-f", file.path(), "-f", file.path(), "keys"}));
 }
 
-TEST(FileOption, TheNameOfABuiltInSourceFailsBecauseItIsTaken) {
+TEST(FileOption, RejectsTheNameOfABuiltInSource) {
     const TemporaryFile file("k=1\n");
     EXPECT_EQ(
         (Result{1, "",
@@ -128,20 +128,20 @@ TEST(FileOption, TheNameOfABuiltInSourceFailsBecauseItIsTaken) {
         runConnectorConfig({"-f", file.named("override"), "keys"}));
 }
 
-TEST(FileOption, FilesOfTheSameOrderTheLastOneGivenIsConsultedFirst) {
+TEST(FileOption, OfFilesWithTheSameOrderTheLastOneIsConsultedFirst) {
     const TemporaryFile first("k=first\n");
     const TemporaryFile second("k=second\n");
     EXPECT_EQ((Result{0, "second\n", ""}),
               runConnectorConfig({"-f", first.path(), "get", "k", "-f", second.path()}));
 }
 
-TEST(FileOption, SeveralPathsBehindOneOptionAreWrongUse) {
+TEST(FileOption, TakesOnlyOnePath) {
     const TemporaryFile file("k=1\n");
-    EXPECT_EQ((Result{2, "", wrongUse("Unexpected argument: b")}),
+    EXPECT_EQ((Result{2, "", usageError("Unexpected argument: b")}),
               runConnectorConfig({"-f", file.path(), "b", "keys"}));
 }
 
-TEST(SetOption, AValueGoesIntoOverride) {
+TEST(SetOption, SetsAValueInOverride) {
     EXPECT_EQ((Result{0,
                       R"({"key":"k","source":"override","value":{"type":"string","value":"v"}})"
                       "\n",
@@ -149,12 +149,12 @@ TEST(SetOption, AValueGoesIntoOverride) {
               runConnectorConfig({"--set", "k=v", "get", "k", "--json"}));
 }
 
-TEST(SetOption, TheSameKeyTwiceKeepsTheLastValue) {
+TEST(SetOption, TheLastValueOfAKeyCounts) {
     EXPECT_EQ((Result{0, "2\n", ""}),
               runConnectorConfig({"-s", "k=1", "-s", "k:int=2", "get", "k"}));
 }
 
-TEST(DefaultOption, AValueGoesIntoDefault) {
+TEST(DefaultOption, SetsAValueInDefault) {
     EXPECT_EQ((Result{0,
                       R"({"key":"k","source":"default","value":{"type":"string","value":"v"}})"
                       "\n",
@@ -162,7 +162,7 @@ TEST(DefaultOption, AValueGoesIntoDefault) {
               runConnectorConfig({"--default", "k=v", "get", "k", "--json"}));
 }
 
-TEST(Sources, OfAllKindsAreAskedFromOverrideToDefault) {
+TEST(Sources, AreConsultedFromOverrideToDefault) {
     const TemporaryFile file("a=file\nb=file\n");
     EXPECT_EQ((Result{0,
                       "KEY  TYPE    VALUE     SOURCE\n"
@@ -174,7 +174,7 @@ TEST(Sources, OfAllKindsAreAskedFromOverrideToDefault) {
                                   file.named("f"), "-s", "a=override", "show"}));
 }
 
-TEST(Sources, OfAllKindsAreAddedInTheOrderGiven) {
+TEST(Sources, AreAddedInTheOrderOfTheCommandLine) {
     const TemporaryFile file("f=1\n");
     const Result result = runConnectorConfig(
         {"--trace", "-d", "a=1", "-f", file.named("f"), "keys", "none", "-s", "b=1", "-d", "c=1"});
@@ -188,12 +188,12 @@ TEST(Sources, OfAllKindsAreAddedInTheOrderGiven) {
     }
 }
 
-TEST(Sources, WrongArgumentsBehindAMissingFileAreWrongUse) {
-    EXPECT_EQ((Result{2, "", wrongUse("Value does not convert to int: x")}),
+TEST(Sources, UsageErrorsAreReportedBeforeFilesAreRead) {
+    EXPECT_EQ((Result{2, "", usageError("Value does not convert to int: x")}),
               runConnectorConfig({"-f", "/no/such/file", "-s", "k:int=x", "keys"}));
 }
 
-TEST(Assignment, KeysAndTypesAreToldApart) {
+TEST(Assignment, SeparatesKeyTypeAndValue) {
     const struct {
         int line;
         const char* assignment;
@@ -233,11 +233,11 @@ TEST(Assignment, KeysAndTypesAreToldApart) {
     }
 }
 
-TEST(Assignment, WithoutAKeyOrAnEqualsSignIsWrongUse) {
+TEST(Assignment, RequiresAKeyAndAnEqualsSign) {
     for (const char* assignment : {"", "k", "k:int", "=v", ":int=5"}) {
         SCOPED_TRACE(assignment);
         const Result expected{
-            2, "", wrongUse(std::string("Not of the form KEY[:TYPE]=VALUE: ") + assignment)};
+            2, "", usageError(std::string("Not of the form KEY[:TYPE]=VALUE: ") + assignment)};
         EXPECT_EQ(expected, runConnectorConfig({"-s", assignment, "keys"}));
         EXPECT_EQ(expected, runConnectorConfig({"-d", assignment, "keys"}));
     }

@@ -1,4 +1,4 @@
-/// serve without --http: a request a line, a reply a line.
+/// serve without --http: one request and one reply per line.
 #include "tools/support/Program.hpp"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ using Arguments = std::vector<std::string>;
 
 constexpr std::size_t longest = 1024 * 1024;
 
-/// @return what is written for these lines
+/// @return the replies to these lines
 std::string replies(const std::string& lines, Arguments arguments = {}) {
     arguments.emplace_back("serve");
     const Result result = runConnectorConfig(arguments, lines);
@@ -36,7 +36,7 @@ const char portReply[] =
     R"("type":"connector/configuration/ConfigurationOptionResponse","message":{"key":"net.port","source":"override","value":{"type":"int","value":80}}})"
     "\n";
 
-TEST(ServeLines, ARequest_IsAnsweredBeforeTheNextOneComes) {
+TEST(ServeLines, RepliesBeforeTheNextRequestArrives) {
     Process process(test::connectorConfig({"-s", "net.port:int=80", "serve"}));
     for (int i = 0; i < 3; ++i) {
         process.write(std::string(getPort) + "\n");
@@ -45,7 +45,7 @@ TEST(ServeLines, ARequest_IsAnsweredBeforeTheNextOneComes) {
     EXPECT_EQ((Result{0, "", ""}), process.finish());
 }
 
-TEST(ServeLines, EveryRequest_HasItsReplyInOrder) {
+TEST(ServeLines, RepliesInOrder) {
     const TemporaryFile file("a=1\n");
     const std::string lines =
         R"({"id":1,"type":"connector/configuration/ConfigurationSet","message":{"key":"k","value":{"type":"int","value":1}}})"
@@ -73,7 +73,7 @@ TEST(ServeLines, EveryRequest_HasItsReplyInOrder) {
         replies(lines));
 }
 
-TEST(ServeLines, TheId_ComesBackAsItWentWhateverItIs) {
+TEST(ServeLines, ReturnsTheIdUnchanged) {
     const struct {
         int line;
         const char* sent;
@@ -103,7 +103,7 @@ TEST(ServeLines, TheId_ComesBackAsItWentWhateverItIs) {
     }
 }
 
-TEST(ServeLines, WithoutAnId_TheReplyHasNone) {
+TEST(ServeLines, TheReplyToARequestWithoutAnIdHasNone) {
     EXPECT_EQ(
         std::string("{") + portReply,
         replies(
@@ -111,13 +111,13 @@ TEST(ServeLines, WithoutAnId_TheReplyHasNone) {
             {"-s", "net.port:int=80"}));
 }
 
-TEST(ServeLines, OfTwoIds_TheLastCounts) {
+TEST(ServeLines, TheLastOfTwoIdsCounts) {
     EXPECT_EQ(R"({"id":2,"error":{"type":"std::invalid_argument","text":"Unknown message type: "}})"
               "\n",
               replies(R"({"id":1,"\u0069d":2})"));
 }
 
-TEST(ServeLines, AFailure_HasTheTypeAndTextOfTheException) {
+TEST(ServeLines, AFailureHasTypeAndTextOfTheException) {
     const std::string set =
         R"({"id":1,"type":"connector/configuration/ConfigurationSet","message":{"key":"k","source":"nobody"}})";
     EXPECT_EQ(
@@ -134,7 +134,7 @@ TEST(ServeLines, AFailure_HasTheTypeAndTextOfTheException) {
         replies(add));
 }
 
-TEST(ServeLines, AReplyAsARequest_IsRefusedByTheService) {
+TEST(ServeLines, AReplyTypeIsRefusedAsARequest) {
     EXPECT_EQ(errorLine("std::invalid_argument",
                         "Incorrect message type. Expected: "
                         "N9connector14ServiceMessageINS_13configuration28ConfigurationServiceProvid"
@@ -142,7 +142,7 @@ TEST(ServeLines, AReplyAsARequest_IsRefusedByTheService) {
               replies(R"({"type":"connector/Message","message":{}})"));
 }
 
-TEST(ServeLines, WhatIsNoMessage_IsAnsweredWithoutAnId) {
+TEST(ServeLines, RepliesToInvalidRequestsWithoutAnId) {
     const struct {
         int line;
         std::string request;
@@ -162,30 +162,30 @@ TEST(ServeLines, WhatIsNoMessage_IsAnsweredWithoutAnId) {
     }
 }
 
-TEST(ServeLines, BlankLines_AreIgnored) {
+TEST(ServeLines, IgnoresBlankLines) {
     EXPECT_EQ("", replies("\n\n   \n\t\r\n \n"));
     EXPECT_EQ("", replies(std::string(longest, ' ') + "\n"));
 }
 
-TEST(ServeLines, ALineThatIsTooLong_IsRefusedAndTheNextOneServed) {
+TEST(ServeLines, ALineThatIsTooLongIsRefusedAndTheNextOneServed) {
     const std::string refusal =
         errorLine("std::invalid_argument", "A request is at most 1 MiB long");
-    for (const char filling : {' ', '[', '\0', '9'}) {
-        SCOPED_TRACE(static_cast<int>(filling));
+    for (const char padding : {' ', '[', '\0', '9'}) {
+        SCOPED_TRACE(static_cast<int>(padding));
         EXPECT_EQ(refusal + "{\"id\":1," + portReply,
-                  replies(std::string(3 * longest, filling) + "\n" + getPort + "\n",
+                  replies(std::string(3 * longest, padding) + "\n" + getPort + "\n",
                           {"-s", "net.port:int=80"}));
     }
     EXPECT_EQ(refusal, replies(std::string(longest + 1, ' ')));
 }
 
-TEST(ServeLines, ALineOfTheLongestLength_IsServed) {
+TEST(ServeLines, ALineOfTheMaximumLengthIsServed) {
     std::string request = getPort;
     request.append(longest - request.size(), ' ');
     EXPECT_EQ(std::string("{\"id\":1,") + portReply, replies(request, {"-s", "net.port:int=80"}));
 }
 
-TEST(ServeLines, AnyNesting_IsAnswered) {
+TEST(ServeLines, RepliesToRequestsOfAnyNesting) {
     for (const std::size_t depth : {65u, 1000u, 400000u}) {
         SCOPED_TRACE(depth);
         const std::string nested = std::string(depth, '[') + std::string(depth, ']');
@@ -200,7 +200,7 @@ TEST(ServeLines, AnyNesting_IsAnswered) {
     }
 }
 
-TEST(ServeLines, NumbersOfAnySize_AreReadAsTheyConvert) {
+TEST(ServeLines, ReadsNumbersOfAnySize) {
     const std::string digits(1000, '9');
     EXPECT_EQ(
         R"({"type":"connector/configuration/ConfigurationOptionResponse","message":{"key":"k","source":"","value":{"type":"int","value":0}}})"
@@ -214,7 +214,7 @@ TEST(ServeLines, NumbersOfAnySize_AreReadAsTheyConvert) {
             digits + "}}}"));
 }
 
-TEST(ServeLines, BytesThatAreNoUtf8_AreRepairedInTheReply) {
+TEST(ServeLines, ReplacesBytesThatAreNotUtf8InTheReply) {
     const TemporaryFile file("k=a\xff"
                              "b\n");
     EXPECT_EQ(
@@ -225,7 +225,7 @@ TEST(ServeLines, BytesThatAreNoUtf8_AreRepairedInTheReply) {
                 {"-f", file.named("f")}));
 }
 
-TEST(ServeLines, LineSeparatorsInAValue_StayOnTheLineOfTheReply) {
+TEST(ServeLines, EscapesLineBreaksInTheReply) {
     const std::string output = replies(
         R"({"type":"connector/configuration/ConfigurationSet","message":{"key":"k","value":{"type":"string","value":"a\nb\r\u2028"}}})");
     EXPECT_EQ(output.size() - 1, output.find('\n'));
@@ -233,7 +233,7 @@ TEST(ServeLines, LineSeparatorsInAValue_StayOnTheLineOfTheReply) {
     EXPECT_NE(output.npos, output.find(R"("a\nb\r\u2028")"));
 }
 
-TEST(ServeLines, SettingASecret_IsAnsweredWithWhatWasThere) {
+TEST(ServeLines, DoesNotMaskThePreviousValueOfASecret) {
     EXPECT_EQ(
         R"({"type":"connector/configuration/ConfigurationOptionResponse","message":{"key":"password","source":"","value":{"type":"string","value":"old"}}})"
         "\n",
@@ -242,7 +242,7 @@ TEST(ServeLines, SettingASecret_IsAnsweredWithWhatWasThere) {
             {"-s", "password=old"}));
 }
 
-TEST(ServeLines, ASecret_IsHandedOutRaw) {
+TEST(ServeLines, DoesNotMaskSecrets) {
     EXPECT_EQ(
         R"({"type":"connector/configuration/ConfigurationOptionResponse","message":{"key":"password","source":"override","value":{"type":"string","value":"x"}}})"
         "\n",

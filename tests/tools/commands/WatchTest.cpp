@@ -11,17 +11,17 @@ using test::Result;
 using test::runConnectorConfig;
 using test::TemporaryFile;
 
-TEST(Watch, AnOptionThatHasAValueWritesItAtOnce) {
+TEST(Watch, WritesTheCurrentValueFirst) {
     Process process(connectorConfig({"-s", "net.port=1", "watch", "net.port"}));
     EXPECT_EQ("net.port = 1  (override)", process.readLine());
     EXPECT_EQ((Result{0, "", ""}), process.finish());
 }
 
-TEST(Watch, AnOptionWithoutAValueWritesNothing) {
+TEST(Watch, WritesNothingForAMissingOption) {
     EXPECT_EQ((Result{0, "", ""}), runConnectorConfig({"watch", "net.port"}));
 }
 
-TEST(Watch, AChangeIsWrittenBeforeTheNextLineIsRead) {
+TEST(Watch, WritesAChangeBeforeItReadsTheNextLine) {
     Process process(connectorConfig({"watch", "k"}));
     process.write("set k=1\n");
     EXPECT_EQ("k = 1  (override)", process.readLine());
@@ -30,12 +30,12 @@ TEST(Watch, AChangeIsWrittenBeforeTheNextLineIsRead) {
     EXPECT_EQ((Result{0, "", ""}), process.finish());
 }
 
-TEST(Watch, TheSameValueAgainIsWrittenAgain) {
+TEST(Watch, WritesAnEqualValueAgain) {
     EXPECT_EQ((Result{0, "k = 1  (override)\nk = 1  (override)\n", ""}),
               runConnectorConfig({"watch", "k"}, "set k=1\nset k=1\n"));
 }
 
-TEST(Watch, SeveralKeysAreWrittenAsTheyChange) {
+TEST(Watch, WritesSeveralKeysAsTheyChange) {
     EXPECT_EQ(
         (Result{0,
                 "b = 0  (override)\n"
@@ -45,42 +45,42 @@ TEST(Watch, SeveralKeysAreWrittenAsTheyChange) {
         runConnectorConfig({"-s", "b=0", "watch", "a", "b"}, "set a=1\nset other=9\nset b=2\n"));
 }
 
-TEST(Watch, AChangeOfALowerSourceWritesTheEffectiveValueAgain) {
+TEST(Watch, WritesTheEffectiveValueAgainWhenAHiddenSourceChanges) {
     EXPECT_EQ((Result{0, "k = 1  (override)\nk = 1  (override)\n", ""}),
               runConnectorConfig({"-s", "k=1", "watch", "k"}, "set k=2 @default\n"));
 }
 
-TEST(Watch, ASourceThatIsNamedTakesTheValue) {
+TEST(Watch, SetsTheValueInTheNamedSource) {
     EXPECT_EQ((Result{0, "k = 2  (default)\n", ""}),
               runConnectorConfig({"watch", "k"}, "set k=2 @default\n"));
 }
 
-TEST(Watch, AddingAFileWritesItsValues) {
+TEST(Watch, WritesTheValuesOfAnAddedFile) {
     const TemporaryFile file("port=1\n");
     EXPECT_EQ(
         (Result{0, "net.port = 1  (f)\n", ""}),
         runConnectorConfig({"watch", "net.port"}, "add " + file.named("f", ",group=net") + "\n"));
 }
 
-TEST(Watch, AddingAPlainPathNamesTheSourceAfterIt) {
+TEST(Watch, NamesAnAddedSourceAfterItsPath) {
     const TemporaryFile file("k=1\n");
     EXPECT_EQ((Result{0, "k = 1  (" + file.path() + ")\n", ""}),
               runConnectorConfig({"watch", "k"}, "add " + file.path() + "\n"));
 }
 
-TEST(Watch, RemovingASourceWritesWhatHoldsNow) {
+TEST(Watch, WritesTheNewEffectiveValueWhenASourceIsRemoved) {
     const TemporaryFile file("k=1\n");
     EXPECT_EQ((Result{0, "k = 1  (my file)\nk = 0  (default)\n", ""}),
               runConnectorConfig({"-d", "k=0", "-f", file.named("my file"), "watch", "k"},
                                  "remove my file\n"));
 }
 
-TEST(Watch, TheLastValueGoesWritesNothing) {
+TEST(Watch, WritesNothingWhenTheLastValueIsRemoved) {
     EXPECT_EQ((Result{0, "k = 1  (override)\n", ""}),
               runConnectorConfig({"-s", "k=1", "watch", "k"}, "remove override\n"));
 }
 
-TEST(Watch, RemovingASourceWithAGroupTellsTheUnprefixedKeysOnly) {
+TEST(Watch, RemovingASourceWithAGroupNotifiesOnlyTheKeysWithoutTheGroup) {
     const TemporaryFile file("port=1\n");
     EXPECT_EQ((Result{0,
                       "net.port = 1  (f)\n"
@@ -92,7 +92,7 @@ TEST(Watch, RemovingASourceWithAGroupTellsTheUnprefixedKeysOnly) {
                                  "remove f\n"));
 }
 
-TEST(Watch, ValuesStayOnTheirLineEscaped) {
+TEST(Watch, EscapesControlCharacters) {
     EXPECT_EQ(
         (Result{0,
                 "k\\n = a\\rb\\x1b[31m\\xff\\u0085\\u2028  (override)\n"
@@ -102,7 +102,7 @@ TEST(Watch, ValuesStayOnTheirLineEscaped) {
                            "set l:stringArray=[\"a\\nb\",\"\x7f\"]\n"));
 }
 
-TEST(Watch, LinesWithBlanksAndAtSignsAreReadAsTheyStand) {
+TEST(Watch, SetLinesMayContainSpacesAndAtSigns) {
     const struct {
         int line;
         const char* input;
@@ -127,7 +127,7 @@ TEST(Watch, LinesWithBlanksAndAtSignsAreReadAsTheyStand) {
     }
 }
 
-TEST(Watch, AWrongLineIsAnsweredOnStandardErrorAndHarmsNothing) {
+TEST(Watch, ReportsInvalidLinesOnStandardErrorAndContinues) {
     const std::string unknown =
         "Neither set KEY[:TYPE]=VALUE [@SOURCE], add FILE, remove NAME nor quit: ";
     const struct {
@@ -150,6 +150,7 @@ TEST(Watch, AWrongLineIsAnsweredOnStandardErrorAndHarmsNothing) {
         {__LINE__, "set k=1 @", "Source not found or not writable: k, "},
         {__LINE__, "set k=1 @file", "Source not found or not writable: k, file"},
         {__LINE__, "add /no/such/file", "Property file could not be opened: /no/such/file"},
+        {__LINE__, "add a\xff", "Path is not valid UTF-8: a\\xff"},
         {__LINE__, "add path=a,b=c", "Unknown member of a file: b=c"},
         {__LINE__, "add path=a,order=x", "Order is no 32-bit integer: x"},
         {__LINE__, "remove nobody", "No source with that name: nobody"},
@@ -167,7 +168,7 @@ TEST(Watch, AWrongLineIsAnsweredOnStandardErrorAndHarmsNothing) {
     EXPECT_EQ((Result{0, "", ""}), process.finish());
 }
 
-TEST(Watch, AddingANameThatIsTakenIsAnsweredWithTheLibrarysText) {
+TEST(Watch, ReportsAnExistingNameWithTheLibrarysText) {
     const TemporaryFile file("k=0\n");
     EXPECT_EQ(
         (Result{0, "k = 0  (f)\n",
@@ -175,24 +176,24 @@ TEST(Watch, AddingANameThatIsTakenIsAnsweredWithTheLibrarysText) {
         runConnectorConfig({"-f", file.named("f"), "watch", "k"}, "add " + file.named("f") + "\n"));
 }
 
-TEST(Watch, NoWritableSourceIsLeftIsAnsweredWithTheLibrarysText) {
+TEST(Watch, ReportsAMissingWritableSourceWithTheLibrarysText) {
     EXPECT_EQ((Result{0, "", "connector-config: No writable configuration source for key: k\n"}),
               runConnectorConfig({"watch", "k"}, "remove override\nremove default\nset k=1\n"));
 }
 
-TEST(Watch, QuitEndsWithoutReadingOn) {
+TEST(Watch, QuitIgnoresTheRestOfTheInput) {
     Process process(connectorConfig({"watch", "k"}));
     process.write(" quit \nset k=1\n");
     EXPECT_EQ("", process.readLine());
     EXPECT_EQ((Result{0, "", ""}), process.finish());
 }
 
-TEST(Watch, TheLastLineWithoutALineEndCounts) {
+TEST(Watch, TheLastLineNeedsNoLineBreak) {
     EXPECT_EQ((Result{0, "k = 1  (override)\n", ""}),
               runConnectorConfig({"watch", "k"}, "set k=1"));
 }
 
-TEST(Watch, WithTraceWritesTheLinesOnStandardError) {
+TEST(Watch, WritesTheTraceToStandardError) {
     const Result result = runConnectorConfig({"--trace", "watch", "k"}, "set k=1\n");
     EXPECT_EQ("k = 1  (override)\n", result.output);
     EXPECT_NE(std::string::npos, result.errors.find("set: k\nset: k@override\nupdatePublishers: k\n"
@@ -200,7 +201,7 @@ TEST(Watch, WithTraceWritesTheLinesOnStandardError) {
         << result.errors;
 }
 
-TEST(WatchJson, EveryValueIsAnObjectOnALine) {
+TEST(WatchJson, WritesOneObjectPerLine) {
     Process process(connectorConfig({"--json", "-s", "k\n=a\nb\xff", "watch", "k\n", "l"}));
     EXPECT_EQ("{\"key\":\"k\\n\",\"source\":\"override\",\"value\":"
               "{\"type\":\"string\",\"value\":\"a\\nb\xEF\xBF\xBD\"}}",

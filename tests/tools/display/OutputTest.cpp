@@ -1,4 +1,4 @@
-/// Standard output that takes nothing.
+/// Failures to write standard output.
 #include "tools/support/Program.hpp"
 
 #include <gtest/gtest.h>
@@ -8,13 +8,13 @@ namespace {
 using test::Process;
 using test::Result;
 using test::runConnectorConfig;
-using test::Surroundings;
+using test::RunOptions;
 
 constexpr const char* noSpace =
     "connector-config: Standard output could not be written: No space left on device\n";
 
-TEST(Output, ToAFullDeviceFailsWithAMessage) {
-    Surroundings full;
+TEST(Output, ReportsAFullDevice) {
+    RunOptions full;
     full.outputFile = "/dev/full";
     for (const std::vector<std::string>& arguments :
          std::vector<std::vector<std::string>>{{"-s", "k=1", "get", "k"},
@@ -29,14 +29,14 @@ TEST(Output, ToAFullDeviceFailsWithAMessage) {
     }
 }
 
-TEST(Output, ThatIsClosedFailsWithAMessage) {
+TEST(Output, ReportsThatItIsClosed) {
     EXPECT_EQ((Result{1, "",
                       "connector-config: Standard output could not be written: "
                       "Bad file descriptor\n"}),
               test::run({"/bin/sh", "-c", "\"$0\" -s k=1 get k >&-", CONNECTOR_CONFIG_PROGRAM}));
 }
 
-TEST(Output, ThatNobodyReadsAnyMoreFailsQuietly) {
+TEST(Output, FailsSilentlyIfTheReaderHasClosedThePipe) {
     Process process(test::connectorConfig({"watch", "k"}));
     process.closeOutput();
     process.write("set k=1\n");

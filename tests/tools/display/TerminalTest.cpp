@@ -1,4 +1,4 @@
-/// What the program does when its standard output is a terminal.
+/// Standard output that is a terminal.
 #include "tools/support/Program.hpp"
 
 #include <gtest/gtest.h>
@@ -7,17 +7,17 @@ namespace {
 
 using test::Result;
 using test::runConnectorConfig;
-using test::Surroundings;
+using test::RunOptions;
 
-Surroundings terminal(unsigned short columns, std::vector<std::string> environment = {}) {
-    Surroundings surroundings;
-    surroundings.terminal = columns;
-    surroundings.environment = std::move(environment);
-    return surroundings;
+RunOptions terminal(unsigned short columns, std::vector<std::string> environment = {}) {
+    RunOptions options;
+    options.terminal = columns;
+    options.environment = std::move(environment);
+    return options;
 }
 
-/// A terminal where only the width matters.
-Surroundings plainTerminal(unsigned short columns) {
+/// A terminal without colours.
+RunOptions plainTerminal(unsigned short columns) {
     return terminal(columns, {"NO_COLOR=1"});
 }
 
@@ -27,31 +27,31 @@ constexpr const char* colouredTable =
 constexpr const char* plainTable = "KEY  TYPE    VALUE  SOURCE\n"
                                    "k    string  v      override\n";
 
-TEST(ShowOnATerminal, WithoutNoColorIsColoured) {
+TEST(ShowOnATerminal, IsColouredWithoutNoColor) {
     EXPECT_EQ((Result{0, colouredTable, ""}),
               runConnectorConfig({"-s", "k=v", "show"}, "", terminal(80)));
 }
 
-TEST(ShowOnATerminal, WithNoColorIsPlain) {
+TEST(ShowOnATerminal, IsNotColouredWithNoColor) {
     EXPECT_EQ((Result{0, plainTable, ""}),
               runConnectorConfig({"-s", "k=v", "show"}, "", terminal(80, {"NO_COLOR=1"})));
 }
 
-TEST(ShowOnATerminal, WithAnEmptyNoColorIsColoured) {
+TEST(ShowOnATerminal, IsColouredIfNoColorIsEmpty) {
     EXPECT_EQ((Result{0, colouredTable, ""}),
               runConnectorConfig({"-s", "k=v", "show"}, "", terminal(80, {"NO_COLOR="})));
 }
 
-TEST(ShowOnATerminal, ThatIsDumbIsPlain) {
+TEST(ShowOnATerminal, IsNotColouredOnADumbTerminal) {
     EXPECT_EQ((Result{0, plainTable, ""}),
               runConnectorConfig({"-s", "k=v", "show"}, "", terminal(80, {"TERM=dumb"})));
 }
 
-TEST(ShowInAPipe, AlwaysIsPlain) {
+TEST(ShowInAPipe, IsNeverColoured) {
     EXPECT_EQ((Result{0, plainTable, ""}), runConnectorConfig({"-s", "k=v", "show"}));
 }
 
-TEST(ExplainOnATerminal, WithoutNoColorIsColoured) {
+TEST(ExplainOnATerminal, IsColouredWithoutNoColor) {
     EXPECT_EQ((Result{0,
                       "override  \x1b[36morder 0\x1b[0m           \x1b[1msupplies the value\x1b[0m"
                       "  v\n"
@@ -61,12 +61,12 @@ TEST(ExplainOnATerminal, WithoutNoColorIsColoured) {
               runConnectorConfig({"-s", "k=v", "explain", "k"}, "", terminal(80)));
 }
 
-TEST(ExplainOnATerminal, WithNoColorIsPlain) {
+TEST(ExplainOnATerminal, IsNotColouredWithNoColor) {
     EXPECT_EQ(runConnectorConfig({"-s", "k=v", "explain", "k"}),
               runConnectorConfig({"-s", "k=v", "explain", "k"}, "", plainTerminal(80)));
 }
 
-TEST(JsonOnATerminal, AlwaysIsPlainAndWhole) {
+TEST(JsonOnATerminal, IsNeverColouredOrTruncated) {
     const std::string value(100, 'x');
     for (const char* command : {"get", "keys", "show", "explain"}) {
         SCOPED_TRACE(command);
@@ -76,7 +76,7 @@ TEST(JsonOnATerminal, AlwaysIsPlainAndWhole) {
     }
 }
 
-TEST(GetAndKeysOnATerminal, AlwaysArePlainAndWhole) {
+TEST(GetAndKeysOnATerminal, AreNeverColouredOrTruncated) {
     const std::string text(100, 'x');
     EXPECT_EQ((Result{0, text + "\n", ""}),
               runConnectorConfig({"-s", "k=" + text, "get", "k"}, "", terminal(20)));
@@ -84,7 +84,7 @@ TEST(GetAndKeysOnATerminal, AlwaysArePlainAndWhole) {
               runConnectorConfig({"-s", text + "=v", "keys"}, "", terminal(20)));
 }
 
-TEST(ShowOnATerminal, ThatIsWideEnoughIsWhole) {
+TEST(ShowOnATerminal, IsNotTruncatedIfItFits) {
     EXPECT_EQ((Result{0,
                       "KEY  TYPE    VALUE                 SOURCE\n"
                       "k    string  a value of some size  override\n",
@@ -92,7 +92,7 @@ TEST(ShowOnATerminal, ThatIsWideEnoughIsWhole) {
               runConnectorConfig({"-s", "k=a value of some size", "show"}, "", plainTerminal(43)));
 }
 
-TEST(ShowOnATerminal, ThatIsTooNarrowCutsTheValuesFirst) {
+TEST(ShowOnATerminal, TruncatesValuesFirst) {
     EXPECT_EQ((Result{0,
                       "KEY  TYPE    VALUE                SOURCE\n"
                       "k    string  a value of some si…  override\n"
@@ -102,7 +102,7 @@ TEST(ShowOnATerminal, ThatIsTooNarrowCutsTheValuesFirst) {
                                  plainTerminal(42)));
 }
 
-TEST(ShowOnATerminal, ThatIsMuchTooNarrowCutsTheLines) {
+TEST(ShowOnATerminal, TruncatesLinesIfValuesAreShortAlready) {
     EXPECT_EQ((Result{0,
                       "KEY  TYPE    VALUE         SO…\n"
                       "k    string  a value of …  ov…\n",
@@ -110,7 +110,7 @@ TEST(ShowOnATerminal, ThatIsMuchTooNarrowCutsTheLines) {
               runConnectorConfig({"-s", "k=a value of some size", "show"}, "", plainTerminal(30)));
 }
 
-TEST(ShowOnATerminal, AnyWidthNoLineIsWider) {
+TEST(ShowOnATerminal, NoLineIsWiderThanTheTerminal) {
     for (unsigned short columns = 1; columns < 40; ++columns) {
         SCOPED_TRACE(columns);
         const Result result = runConnectorConfig({"-s", "key=a value of some size", "show"}, "",
@@ -126,7 +126,7 @@ TEST(ShowOnATerminal, AnyWidthNoLineIsWider) {
     }
 }
 
-TEST(ShowOnATerminal, WideCharactersAtTheCutAreNotHalved) {
+TEST(ShowOnATerminal, DoesNotSplitWideCharacters) {
     EXPECT_EQ((Result{0,
                       "KEY  TYPE    VALUE         SOURCE\n"
                       "k    string  漢字漢字漢…   override\n",
@@ -134,7 +134,7 @@ TEST(ShowOnATerminal, WideCharactersAtTheCutAreNotHalved) {
               runConnectorConfig({"-s", "k=漢字漢字漢字漢字", "show"}, "", plainTerminal(35)));
 }
 
-TEST(ShowOnATerminal, ThatDoesNotTellItsWidthIsWhole) {
+TEST(ShowOnATerminal, IsNotTruncatedIfTheWidthIsUnknown) {
     const std::string value(300, 'x');
     const Result result = runConnectorConfig({"-s", "k=" + value, "show"}, "", plainTerminal(0));
     EXPECT_NE(std::string::npos, result.output.find(value + "  override\n"));

@@ -6,17 +6,17 @@ namespace {
 
 using namespace connector_config;
 
-TEST(WidthOf, CharactersIsTheirNumberOfColumns) {
+TEST(WidthOf, CountsColumns) {
     EXPECT_EQ(0u, widthOf(""));
     EXPECT_EQ(5u, widthOf("plain"));
     EXPECT_EQ(4u, widthOf("Café"));
     EXPECT_EQ(4u, widthOf("漢字"));
     EXPECT_EQ(1u, widthOf("e\xCC\x81"));        // a letter and its accent
     EXPECT_EQ(2u, widthOf("\xF0\x9F\x98\x80")); // an emoji
-    EXPECT_EQ(1u, widthOf("\xF3\xB0\x80\x80")); // of private use, whatever it looks like
+    EXPECT_EQ(1u, widthOf("\xF3\xB0\x80\x80")); // private use: appearance unknown
 }
 
-TEST(CutToWidth, TextsKeepWholeCharactersAndAMark) {
+TEST(CutToWidth, KeepsWholeCharactersAndAppendsAnEllipsis) {
     const struct {
         int line;
         const char* text;
@@ -31,7 +31,7 @@ TEST(CutToWidth, TextsKeepWholeCharactersAndAMark) {
         {__LINE__, "", 0, ""},
         {__LINE__, "漢字", 4, "漢字"},
         {__LINE__, "漢字", 3, "漢…"},
-        {__LINE__, "漢字", 2, "…"}, // a half of it is none
+        {__LINE__, "漢字", 2, "…"}, // only one column left
         {__LINE__, "e\xCC\x81tat", 4, "e\xCC\x81tat"},
         {__LINE__, "e\xCC\x81tat", 2, "e\xCC\x81…"}, // an accent stays with its letter
         {__LINE__, "éa", 1, "…"},

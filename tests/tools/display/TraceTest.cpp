@@ -11,8 +11,8 @@ using test::Result;
 using test::runConnectorConfig;
 using test::TemporaryFile;
 
-/// @return the lines without those of the built-in sources, and without the names of classes, which
-///         are the compiler's
+/// @return the lines without those about built-in sources, and without class names, which depend on
+///         the compiler
 std::string linesAfterTheBuiltInSources(const std::string& errors) {
     std::string lines = errors.substr(errors.find("addSource: override"));
     lines.erase(0, lines.find('\n') + 1);
@@ -21,7 +21,7 @@ std::string linesAfterTheBuiltInSources(const std::string& errors) {
     return lines;
 }
 
-TEST(Trace, OfAFileAndALookupIsTheDiagnosticLinesOnStandardError) {
+TEST(Trace, WritesTheDiagnosticLinesToStandardError) {
     const TemporaryFile file("a=1\nb=2");
     const Result result = runConnectorConfig({"get", "a", "-f", file.named("f"), "--trace"});
     EXPECT_EQ(0, result.status);
@@ -37,17 +37,29 @@ TEST(Trace, OfAFileAndALookupIsTheDiagnosticLinesOnStandardError) {
               linesAfterTheBuiltInSources(result.errors));
 }
 
-TEST(Trace, OfControlCharactersStaysOnItsLineEscaped) {
+TEST(Trace, EscapesControlCharacters) {
     const Result result = runConnectorConfig({"--trace", "-s", "a\n\x1b[31m\xff=1", "keys", "x"});
     EXPECT_NE(std::string::npos, result.errors.find("set: a\\n\\x1b[31m\\xff, override\n"))
         << result.errors;
 }
 
-TEST(Trace, SwitchedOffWritesNothing) {
+/// Takes many minutes if every possible key is matched from its beginning.
+TEST(Trace, MasksALineWithManySeparatorsInLinearTime) {
+    std::string line = "k";
+    for (int i = 0; i < 500000; ++i)
+        line += " = ";
+    const TemporaryFile file(line + "token = hush\nb = 1");
+    const Result result = runConnectorConfig({"--trace", "-f", file.named("f"), "get", "b"});
+    EXPECT_EQ("1\n", result.output);
+    EXPECT_NE(std::string::npos, result.errors.find("token = ******\n"));
+    EXPECT_EQ(std::string::npos, result.errors.find("hush"));
+}
+
+TEST(Trace, WritesNothingByDefault) {
     EXPECT_EQ((Result{0, "1\n", ""}), runConnectorConfig({"-s", "a=1", "get", "a"}));
 }
 
-TEST(Trace, WithAFailureKeepsTheMessageBehindTheLines) {
+TEST(Trace, EndsWithTheMessageOfAFailure) {
     const Result result = runConnectorConfig({"--trace", "get", "k"});
     const std::string message = "connector-config: No option with the specified key was found: k\n";
     EXPECT_EQ(1, result.status);

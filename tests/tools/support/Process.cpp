@@ -33,11 +33,11 @@ Ends makePipe() {
     return {ends[0], ends[1]};
 }
 
-/// The program's end is the one that is written.
+/// The program gets the writing end.
 Ends makeTerminal(unsigned short columns) {
     Ends ends;
     termios raw{};
-    cfmakeraw(&raw); // line ends arrive as they are written
+    cfmakeraw(&raw); // no conversion of line breaks
     winsize size{};
     size.ws_row = 24;
     size.ws_col = columns;
@@ -55,15 +55,15 @@ Ends makeFileOutput(const std::string& file) {
     return ends;
 }
 
-Ends makeOutput(const Surroundings& surroundings) {
-    if (surroundings.terminal)
-        return makeTerminal(*surroundings.terminal);
-    if (!surroundings.outputFile.empty())
-        return makeFileOutput(surroundings.outputFile);
+Ends makeOutput(const RunOptions& options) {
+    if (options.terminal)
+        return makeTerminal(*options.terminal);
+    if (!options.outputFile.empty())
+        return makeFileOutput(options.outputFile);
     return makePipe();
 }
 
-std::vector<std::string> environmentOf(const Surroundings& surroundings) {
+std::vector<std::string> environmentOf(const RunOptions& options) {
     std::map<std::string, std::string> variables; // NAME=VALUE by name
     const auto add = [&variables](const std::string& variable) {
         variables[variable.substr(0, variable.find('='))] = variable;
@@ -72,7 +72,7 @@ std::vector<std::string> environmentOf(const Surroundings& surroundings) {
         add(*variable);
     variables.erase("NO_COLOR");
     add("TERM=xterm");
-    for (const std::string& variable : surroundings.environment)
+    for (const std::string& variable : options.environment)
         add(variable);
 
     std::vector<std::string> all;
@@ -89,7 +89,7 @@ std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
     return pointers;
 }
 
-/// Signals mean to the program what they mean to one that a shell starts.
+/// Resets what this process ignores: the program gets the default signal handling.
 class SpawnAttributes {
 public:
     SpawnAttributes() {
@@ -132,22 +132,22 @@ void PrintTo(const Result& result, std::ostream* out) {
          << result.errors << "---";
 }
 
-Process::Process(const std::vector<std::string>& arguments, const Surroundings& surroundings) {
-    std::signal(SIGPIPE, SIG_IGN); // a program that ends without reading harms no test
+Process::Process(const std::vector<std::string>& arguments, const RunOptions& options) {
+    std::signal(SIGPIPE, SIG_IGN); // the program may exit without reading its input
     const Ends in = makePipe();
-    const Ends out = makeOutput(surroundings);
+    const Ends out = makeOutput(options);
     const Ends err = makePipe();
     SpawnActions redirections;
     redirections.redirect(in.reading, STDIN_FILENO);
     redirections.redirect(out.writing, STDOUT_FILENO);
     redirections.redirect(err.writing, STDERR_FILENO);
     const SpawnAttributes signals;
-    const std::vector<std::string> environment = environmentOf(surroundings);
+    const std::vector<std::string> environment = environmentOf(options);
     const int error =
         posix_spawnp(&id, arguments.front().c_str(), &redirections.actions, &signals.attributes,
                      pointersTo(arguments).data(), pointersTo(environment).data());
-    for (const int childsEnd : {in.reading, out.writing, err.writing})
-        ::close(childsEnd);
+    for (const int childEnd : {in.reading, out.writing, err.writing})
+        ::close(childEnd);
     input = in.writing;
     output.descriptor = out.reading;
     errors.descriptor = err.reading;
@@ -157,7 +157,7 @@ Process::Process(const std::vector<std::string>& arguments, const Surroundings& 
 Process::~Process() {
     close(input);
     if (id >= 0) {
-        readToTheEnd();
+        readToEnd();
         wait();
     }
     close(output.descriptor);
@@ -169,7 +169,7 @@ void Process::write(const std::string& text) {
     while (done < text.size()) {
         const ssize_t written = ::write(input, text.data() + done, text.size() - done);
         if (written < 0)
-            return; // nobody reads: what the program says tells more
+            return; // the program has exited; its output tells why
         done += static_cast<std::size_t>(written);
     }
 }
@@ -193,11 +193,11 @@ void Process::closeOutput() {
 
 Result Process::finish() {
     close(input);
-    readToTheEnd();
+    readToEnd();
     return {wait(), output.unread, errors.unread};
 }
 
-/// @return false at the end; a terminal ends with an error when its program has gone
+/// @return false at the end. Reading from a terminal fails when the program has exited.
 bool Process::readMore(Pipe& pipe) {
     char buffer[4096];
     const ssize_t count = pipe.descriptor < 0 ? 0 : ::read(pipe.descriptor, buffer, sizeof buffer);
@@ -207,7 +207,7 @@ bool Process::readMore(Pipe& pipe) {
     return true;
 }
 
-void Process::readToTheEnd() {
+void Process::readToEnd() {
     pollfd waiting[] = {{output.descriptor, POLLIN, 0}, {errors.descriptor, POLLIN, 0}};
     Pipe* const pipes[] = {&output, &errors};
     while (waiting[0].fd >= 0 || waiting[1].fd >= 0) {
@@ -235,8 +235,8 @@ void Process::close(int& descriptor) {
 }
 
 Result run(const std::vector<std::string>& arguments, const std::string& input,
-           const Surroundings& surroundings) {
-    Process process(arguments, surroundings);
+           const RunOptions& options) {
+    Process process(arguments, options);
     process.write(input);
     return process.finish();
 }

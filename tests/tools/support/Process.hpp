@@ -1,4 +1,4 @@
-/// Runs a program as a user does and shows what it says.
+/// Runs a program as a child process.
 #pragma once
 
 #include <optional>
@@ -10,7 +10,7 @@
 
 namespace test {
 
-/// What a program left behind.
+/// How a program ended, and what it wrote.
 struct Result {
     int status; ///< exit status, or 128 and the number of the signal that ended it
     std::string output;
@@ -20,37 +20,38 @@ struct Result {
 bool operator==(const Result& left, const Result& right);
 void PrintTo(const Result& result, std::ostream* out);
 
-/// How a program is started, where that is not as usual.
-struct Surroundings {
-    /// NAME=VALUE each; NO_COLOR is unset and TERM is xterm otherwise
+/// How a program is started.
+struct RunOptions {
+    /// NAME=VALUE, in addition to the current environment; by default NO_COLOR is unset and TERM is
+    /// xterm
     std::vector<std::string> environment;
-    /// the columns of a terminal that standard output is, in place of a pipe; 0 if it does not tell
+    /// makes standard output a terminal of this width; 0 for unknown
     std::optional<unsigned short> terminal;
-    /// a file that standard output is, in place of a pipe
+    /// makes standard output a file
     std::string outputFile;
 };
 
-/// A running program. The calls that read wait for it; nothing here waits for time to pass.
+/// A running program. Reading waits for the program's output, without a time limit.
 class Process {
 public:
-    explicit Process(const std::vector<std::string>& arguments,
-                     const Surroundings& surroundings = {});
-    ~Process(); ///< ends the input and waits for the program
+    explicit Process(const std::vector<std::string>& arguments, const RunOptions& options = {});
+    ~Process(); ///< closes the input and waits for the program to exit
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
     void write(const std::string& text);
 
-    /// @return the next line of its standard output, without the line's end; empty at the end
+    /// @return the next line of its standard output, without the line break; empty at the end
     std::string readLine() { return readLine(output); }
-    /// @return the same of its standard error
+    /// @return the same for standard error
     std::string readErrorLine() { return readLine(errors); }
 
     void signal(int number);
-    pid_t number() const { return id; } ///< which the system knows it by
-    void closeOutput(); ///< so that nobody reads the program's standard output any more
+    pid_t processId() const { return id; }
+    void closeOutput(); ///< closes our end of the pipe from its standard output
 
-    /// Ends the input and waits. @return all that was not read yet
+    /// Closes the input and waits for the program to exit.
+    /// @return the output that has not been read yet
     Result finish();
 
 private:
@@ -62,7 +63,7 @@ private:
     static std::string readLine(Pipe& pipe);
     static bool readMore(Pipe& pipe);
     static void close(int& descriptor);
-    void readToTheEnd();
+    void readToEnd();
     int wait();
 
     pid_t id = -1;
@@ -71,8 +72,8 @@ private:
     Pipe errors;
 };
 
-/// Runs a program to its end.
+/// Runs a program until it exits.
 Result run(const std::vector<std::string>& arguments, const std::string& input = "",
-           const Surroundings& surroundings = {});
+           const RunOptions& options = {});
 
 } // namespace test

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 #include <unistd.h>
@@ -16,11 +17,18 @@ std::vector<std::string> connectorConfig(std::vector<std::string> arguments) {
 }
 
 Result runConnectorConfig(std::vector<std::string> arguments, const std::string& input,
-                          const Surroundings& surroundings) {
-    return run(connectorConfig(std::move(arguments)), input, surroundings);
+                          const RunOptions& options) {
+    return run(connectorConfig(std::move(arguments)), input, options);
 }
 
-std::string wrongUse(const std::string& message) {
+std::string runInShell(const std::string& command) {
+    const auto directory = std::filesystem::path(CONNECTOR_CONFIG_PROGRAM).parent_path();
+    RunOptions options;
+    options.environment = {"PATH=" + directory.string() + ":/usr/bin:/bin"};
+    return run({"/bin/sh", "-c", "{ " + command + "\n} 2>&1"}, "", options).output;
+}
+
+std::string usageError(const std::string& message) {
     return "connector-config: " + message +
            "\n"
            "Usage: connector-config [OPTIONS] COMMAND [ARGUMENTS]\n"

@@ -1,4 +1,4 @@
-/// The program under test, and files for it.
+/// The program under test, and its input files.
 #pragma once
 
 #include "tools/support/Process.hpp"
@@ -8,17 +8,21 @@
 
 namespace test {
 
-/// @return the program with these arguments, to be run
+/// @return the command line of the program with these arguments
 std::vector<std::string> connectorConfig(std::vector<std::string> arguments);
 
-/// Runs the program to its end.
+/// Runs the program until it exits.
 Result runConnectorConfig(std::vector<std::string> arguments, const std::string& input = "",
-                          const Surroundings& surroundings = {});
+                          const RunOptions& options = {});
 
-/// What standard error holds when the arguments are wrong.
-std::string wrongUse(const std::string& message);
+/// Runs a shell command that finds the program in its PATH.
+/// @return standard output and standard error, in the order of writing
+std::string runInShell(const std::string& command);
 
-/// A file that goes with the object.
+/// @return what the program writes to standard error for invalid arguments
+std::string usageError(const std::string& message);
+
+/// A file that the destructor removes.
 class TemporaryFile {
 public:
     explicit TemporaryFile(const std::string& content);
@@ -27,7 +31,7 @@ public:
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
     const std::string& path() const { return filePath; }
-    /// @return the file for --file, under a name that is the same in every run
+    /// @return an argument for --file that gives the source a fixed name
     std::string named(const std::string& name, const std::string& more = "") const {
         return "path=" + filePath + ",name=" + name + more;
     }

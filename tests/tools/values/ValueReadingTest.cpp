@@ -28,7 +28,7 @@ void expectRead(const std::vector<Row>& rows) {
     }
 }
 
-TEST(ReadValue, ScalarsAreReadWhole) {
+TEST(ReadValue, ReadsScalars) {
     expectRead({
         {__LINE__, ValueType::Bool, "true", true},
         {__LINE__, ValueType::Bool, "false", false},
@@ -48,7 +48,7 @@ TEST(ReadValue, ScalarsAreReadWhole) {
     });
 }
 
-TEST(ReadValue, ArraysAreReadAsJson) {
+TEST(ReadValue, ReadsArraysAsJson) {
     expectRead({
         {__LINE__, ValueType::BoolArray, "[true,false]", std::vector<bool>{true, false}},
         {__LINE__, ValueType::IntArray, " [ -2147483648 , 2147483647 ] ",
@@ -69,7 +69,7 @@ TEST(ReadValue, ArraysAreReadAsJson) {
     });
 }
 
-TEST(ReadValue, AnythingElseIsRefusedNamingTypeAndText) {
+TEST(ReadValue, NamesTypeAndTextOfAnInvalidValue) {
     const struct {
         int line;
         ValueType type;
@@ -135,20 +135,20 @@ TEST(ReadValue, AnythingElseIsRefusedNamingTypeAndText) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        test::expectThrows<WrongArguments>(std::string("Value does not convert to ") +
-                                               nameOf(row.type) + ": " + row.text.c_str(),
+        test::expectThrows<WrongArguments>("Value does not convert to " + typeName(row.type) +
+                                               ": " + row.text.c_str(),
                                            [&row] { readValue(row.type, row.text); });
     }
 }
 
-TEST(ReadValue, OfASecretThatDoesNotConvert_DoesNotShowIt) {
+TEST(ReadValue, MasksAnInvalidSecret) {
     for (const ValueType type : {ValueType::Int, ValueType::Bool, ValueType::IntArray})
-        test::expectThrows<WrongArguments>(std::string("Value does not convert to ") +
-                                               nameOf(type) + ": ******",
+        test::expectThrows<WrongArguments>("Value does not convert to " + typeName(type) +
+                                               ": ******",
                                            [type] { readValue(type, "hush", true); });
 }
 
-TEST(PlainText, OfEveryTypeButTextReadsBackAsTheSameValue) {
+TEST(PlainText, OfAnyOtherTypeThanTextReadsBackAsTheSameValue) {
     const OptionValue values[] = {
         true,
         -5,
@@ -168,13 +168,33 @@ TEST(PlainText, OfEveryTypeButTextReadsBackAsTheSameValue) {
         EXPECT_TRUE(value == readValue(typeOf(value), plainText(value))) << plainText(value);
 }
 
-TEST(TypeNames, AreReadBackExactly) {
+TEST(TypeNames, AreTheTagsOfTheJsonForm) {
+    const OptionValue values[] = {true,
+                                  1,
+                                  1u,
+                                  1.0,
+                                  std::u16string(),
+                                  std::string(),
+                                  std::vector<bool>(),
+                                  std::vector<int>(),
+                                  std::vector<unsigned>(),
+                                  std::vector<double>(),
+                                  std::vector<std::string>(),
+                                  std::vector<std::u16string>()};
+    const char* const names[] = {"bool",      "int",         "uint",        "double",
+                                 "ustring",   "string",      "boolArray",   "intArray",
+                                 "uintArray", "doubleArray", "stringArray", "ustringArray"};
+    for (std::size_t i = 0; i < std::size(values); ++i)
+        EXPECT_EQ(names[i], typeName(typeOf(values[i])));
+}
+
+TEST(TypeNames, ConvertBackToTheirTypes) {
     for (int i = 0; i < 12; ++i) {
         const auto type = static_cast<ValueType>(i);
-        EXPECT_EQ(type, typeNamed(nameOf(type)));
+        EXPECT_EQ(type, typeFromName(typeName(type)));
     }
     for (const char* name : {"", "Int", "int ", "float", "array", "string[]"})
-        EXPECT_EQ(std::nullopt, typeNamed(name)) << name;
+        EXPECT_EQ(std::nullopt, typeFromName(name)) << name;
 }
 
 } // namespace

@@ -7,9 +7,9 @@ namespace {
 
 using test::Result;
 using test::runConnectorConfig;
-using test::wrongUse;
+using test::usageError;
 
-TEST(Value, ThatDoesNotConvertIsWrongUseNamingValueAndType) {
+TEST(Value, InvalidOnesAreUsageErrorsThatNameTypeAndText) {
     const struct {
         int line;
         const char* type;
@@ -34,15 +34,15 @@ TEST(Value, ThatDoesNotConvertIsWrongUseNamingValueAndType) {
         const std::string message =
             std::string("Value does not convert to ") + row.type + ": " + row.value;
         const std::string assignment = std::string("k:") + row.type + "=" + row.value;
-        EXPECT_EQ((Result{2, "", wrongUse(message)}),
+        EXPECT_EQ((Result{2, "", usageError(message)}),
                   runConnectorConfig({"-s", assignment, "keys"}));
-        EXPECT_EQ((Result{2, "", wrongUse(message)}),
+        EXPECT_EQ((Result{2, "", usageError(message)}),
                   runConnectorConfig({"-d", assignment, "keys"}));
     }
 }
 
-TEST(Value, WithControlCharactersThatDoesNotConvertIsNamedEscaped) {
-    EXPECT_EQ((Result{2, "", wrongUse("Value does not convert to ustring: \\xff\\x1b\\n")}),
+TEST(Value, InvalidOnesAreEscapedInTheFailure) {
+    EXPECT_EQ((Result{2, "", usageError("Value does not convert to ustring: \\xff\\x1b\\n")}),
               runConnectorConfig({"-s", "k:ustring=\xff\x1b\n", "keys"}));
 }
 

@@ -12,9 +12,10 @@ namespace connector_config {
 
 namespace {
 
-// CLI11 takes "[a,b]" among repeated arguments for a list of its own, "++" for the end of a command,
-// and "--" for the end of the options only where that command still waits for an argument. Keys may
-// look like that. So what is text whatever it looks like travels through CLI11 behind a mark.
+// CLI11 treats some arguments specially: "[a,b]" is a list if the option may be repeated,
+// "++" ends a command, and "--" ends the options only while the command expects an argument. Keys
+// may look like any of these. So every argument that must be taken literally gets a mark in front
+// of it, which is removed after parsing.
 constexpr char textMark = '\x01';
 
 bool needsMark(const std::string& argument) {
@@ -22,16 +23,16 @@ bool needsMark(const std::string& argument) {
     return first == '[' || first == '+' || first == textMark;
 }
 
-/// @return the arguments from the last to the first, as CLI11 wants them, without the program's name
+/// @return the arguments without the program's name, in the reverse order that CLI11 expects
 std::vector<std::string> markedBackwards(int argc, const char* const argv[]) {
     std::vector<std::string> marked;
-    bool onlyText = false;
+    bool onlyLiterals = false;
     for (int i = 1; i < argc; ++i) {
         const std::string argument = argv[i];
-        if (argument == "--" && !onlyText)
-            onlyText = true;
+        if (argument == "--" && !onlyLiterals)
+            onlyLiterals = true;
         else
-            marked.push_back(onlyText || needsMark(argument) ? textMark + argument : argument);
+            marked.push_back(onlyLiterals || needsMark(argument) ? textMark + argument : argument);
     }
     std::reverse(marked.begin(), marked.end());
     return marked;
@@ -41,7 +42,7 @@ std::string unmarked(const std::string& argument) {
     return !argument.empty() && argument.front() == textMark ? argument.substr(1) : argument;
 }
 
-/// The grammar of the command line.
+/// Declares the grammar of the command line to CLI11 and collects the results.
 class Parser {
 public:
     Parser() : app("", "connector-config") {
@@ -68,9 +69,9 @@ public:
         try {
             parseGrammar(argc, argv);
         } catch (const CLI::CallForHelp&) {
-            return withInformation(helpText());
+            return informationOnly(helpText());
         } catch (const CLI::CallForVersion&) {
-            return withInformation(versionText());
+            return informationOnly(versionText());
         }
         arguments.command = requireCommand();
         unmarkAll(arguments.secrets);
@@ -83,7 +84,7 @@ public:
     }
 
 private:
-    static Arguments withInformation(std::string text) {
+    static Arguments informationOnly(std::string text) {
         Arguments information;
         information.information = std::move(text);
         return information;
@@ -112,12 +113,12 @@ private:
 
     CLI::App* addCommand(const char* name, Command command) {
         CLI::App* const subcommand = app.add_subcommand(name);
-        subcommand->set_help_flag(); // so that --help is the program's wherever it stands
+        subcommand->set_help_flag(); // --help after a command is the program's own option
         commands[subcommand] = command;
         return subcommand;
     }
 
-    /// @throws CLI::Success, or what is derived from it, if the user asks for information
+    /// @throws CLI::Success, or a class derived from it, for --help and --version
     void parseGrammar(int argc, const char* const argv[]) {
         try {
             std::vector<std::string> rest = markedBackwards(argc, argv);
@@ -165,7 +166,7 @@ private:
             text = unmarked(*text);
     }
 
-    /// Sources of different kinds keep the order in which they stand on the command line.
+    /// Keeps the order of sources of different kinds on the command line.
     void collectSources() {
         const Secrets secrets(arguments.secrets);
         std::map<const CLI::Option*, std::size_t> seen;

@@ -1,4 +1,4 @@
-/// What the user asks for.
+/// The command line.
 #pragma once
 
 #include "arguments/Assignment.hpp"
@@ -23,7 +23,7 @@ using SourceArgument = std::variant<FileArgument, TableAssignment>;
 enum class Command { Get, Keys, Show, Explain, Watch, Serve };
 
 struct Arguments {
-    std::string information; ///< what --help or --version say; if there is any, the rest is unset
+    std::string information; ///< output of --help or --version; if not empty, the rest is unset
 
     Command command{};
     std::string key;                   ///< of get and explain
@@ -32,12 +32,13 @@ struct Arguments {
     std::optional<HttpArguments> http; ///< of serve; none for standard input
 
     std::vector<SourceArgument> sources; ///< in the order given
-    std::vector<std::string> secrets;    ///< globs of keys whose values are not shown
+    std::vector<std::string> secrets;    ///< globs of keys whose values are masked
     bool json = false;
     bool trace = false;
 };
 
-/// Checks everything that can be known without a configuration.
+/// Parses the command line and checks everything that does not depend on files or on a
+/// configuration.
 /// @throws WrongArguments
 Arguments parseArguments(int argc, const char* const argv[]);
 

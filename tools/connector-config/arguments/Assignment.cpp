@@ -14,14 +14,14 @@ Assignment parseAssignment(const std::string& text, const Secrets& secrets) {
     ValueType type = ValueType::String;
     const std::size_t colon = key.rfind(':');
     if (colon != std::string::npos) {
-        if (const auto named = typeNamed(std::string_view(key).substr(colon + 1))) {
+        if (const auto named = typeFromName(key.substr(colon + 1))) {
             type = *named;
             key.resize(colon);
         }
     }
     if (key.empty())
         throw WrongArguments("Not of the form KEY[:TYPE]=VALUE: " + text);
-    OptionValue value = readValue(type, text.substr(equalsSign + 1), secrets.hides(key));
+    OptionValue value = readValue(type, text.substr(equalsSign + 1), secrets.isSecret(key));
     return {std::move(key), std::move(value)};
 }
 

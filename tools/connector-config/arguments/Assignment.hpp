@@ -1,4 +1,4 @@
-/// KEY[:TYPE]=VALUE
+/// Parses KEY[:TYPE]=VALUE.
 #pragma once
 
 #include "values/ValueType.hpp"
@@ -15,9 +15,9 @@ struct Assignment {
     OptionValue value;
 };
 
-/// KEY ends at the first "=". Its part behind the last ":" is the type if it names one, and belongs to
-/// KEY if it does not; without a type the value is a string. KEY must not be empty.
-/// @param secrets  whose values a failure does not show
+/// KEY and TYPE end at the first "=". The text after the last ":" before it is the type if it names
+/// one; otherwise it belongs to KEY and the value is a string. KEY must not be empty.
+/// @param secrets  keys whose values are masked in failures
 /// @throws WrongArguments
 Assignment parseAssignment(const std::string& text, const Secrets& secrets);
 

@@ -1,4 +1,4 @@
-/// A property file, as the user names it.
+/// Parses the FILE of --file and of the add line.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,15 @@ namespace connector_config {
 
 struct FileArgument {
     std::string path;
-    std::string name; ///< of the source
+    std::string name; ///< name of the source
     std::string group;
     std::int32_t order = 100;
 };
 
-/// Reads a plain path, or "path=P[,name=N][,group=G][,order=O]": whatever begins with "path=" is the
-/// long form. Its members behind the path stand in any order, each at most once; each ends at the
-/// next comma. The path is the name where none is given.
+/// Accepts a plain path or, if the text begins with "path=", the long form
+///     path=P[,name=N][,group=G][,order=O]
+/// The members after the path may come in any order, each at most once. Each value ends at the next
+/// comma. The default name is the path.
 /// @throws WrongArguments
 FileArgument parseFileArgument(const std::string& text);
 

@@ -8,57 +8,58 @@ std::string usageLine() {
 
 std::string helpText() {
     return usageLine() + R"(
-What value has an option, and which source says so?
+Shows the value of an option, and which source supplies it.
 
 Commands:
-  get KEY                the value: text as it is, everything else as JSON
+  get KEY                the value: text unchanged, any other value as JSON
   keys [PREFIX]          all keys that begin with PREFIX, sorted
   show [PREFIX]          a table of key, type, value and source
-  explain KEY            what each source says, and where "set KEY" would go
-  watch KEY...           the values as they come, while changes are read from
-                         standard input, one a line:
+  explain KEY            the value in each source, and which source "set KEY"
+                         would write to
+  watch KEY...           the current values and every change of them, while
+                         changes are read from standard input, one per line:
                            set KEY[:TYPE]=VALUE [@SOURCE]
                            add FILE
                            remove NAME
                            quit
-  serve                  answers messages, JSON objects, one a line on standard
-                         input, with replies on standard output
+  serve                  reads messages from standard input, one JSON object
+                         per line, and writes replies to standard output
   serve --http HOST:PORT [HTTP OPTIONS]
-                         the same for other programs, until SIGINT or SIGTERM
-      --writable PREFIX  lets them set keys that begin with PREFIX; may be
-                         repeated; an empty one is for all keys
+                         the same over HTTP, until SIGINT or SIGTERM
+      --writable PREFIX  clients may set keys that begin with PREFIX; may be
+                         repeated; an empty PREFIX allows all keys
       --property-root DIR
-                         lets them add property files below DIR
-      --token-file FILE  lets in only those who show the token in FILE
+                         clients may add property files below DIR
+      --token-file FILE  clients must send the token in FILE
 
 Sources, added in the order given:
   -f, --file FILE        a property file, read-only; FILE is a path, or
-                         path=P[,name=N][,group=G][,order=O]; without these,
-                         the path is the name, there is no group, and the
-                         order is 100; smaller orders are consulted first
+                         path=P[,name=N][,group=G][,order=O]; by default the
+                         name is the path, there is no group, and the order
+                         is 100; smaller orders are consulted first
   -s, --set KEY[:TYPE]=VALUE
                          a value in "override", order 0
   -d, --default KEY[:TYPE]=VALUE
                          a value in "default", order 2147483647
-                         TYPE is string if left out, or bool, int, uint,
-                         double, ustring, boolArray, intArray, uintArray,
-                         doubleArray, stringArray, ustringArray; arrays are
-                         written as JSON arrays
+                         TYPE is bool, int, uint, double, ustring, string
+                         (the default), boolArray, intArray, uintArray,
+                         doubleArray, stringArray or ustringArray; arrays
+                         are written as JSON arrays
 
-For all commands, before or after them:
-      --json             one JSON document (watch: one JSON object a line)
-      --trace            diagnostic lines, to standard error
-      --secret GLOB      hides the values of keys that GLOB fits, as those of
-                         *password*, *secret* and *token* are, from all but get
-                         and messages; may be repeated
+For all commands, before or after the command:
+      --json             one JSON document (watch: one JSON object per line)
+      --trace            diagnostic lines on standard error
+      --secret GLOB      masks the values of keys that match GLOB, except in
+                         get and in messages; *password*, *secret* and *token*
+                         are always masked; may be repeated
   -h, --help             this text
       --version          the version
-  --                     everything that follows is no option
+  --                     no argument after this one is an option
 
 Exit status:
-  0  all went well
+  0  success
   1  no such option, a file that cannot be read, or another failure
-  2  wrong arguments
+  2  invalid arguments
 
 Examples:
   connector-config -f site.properties get net.port

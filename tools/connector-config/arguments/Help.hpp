@@ -1,14 +1,14 @@
-/// What the program says about itself.
+/// The texts of --help and --version.
 #pragma once
 
 #include <string>
 
 namespace connector_config {
 
-/// One line.
+/// @return the first line of the help text, which also follows a usage error
 std::string usageLine();
 
-/// Everything, with an example for each command.
+/// @return the whole help text, with an example of each command
 std::string helpText();
 
 std::string versionText();

@@ -1,4 +1,4 @@
-/// HOST:PORT, as the user writes it.
+/// Parses HOST:PORT.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 namespace connector_config {
 
 struct ListenAddress {
-    std::string host; ///< a name, or an address without brackets; the loopback one if none is given
-    std::uint16_t port = 0; ///< 0 for any that is free
+    std::string host;       ///< a name, or an address without brackets; 127.0.0.1 by default
+    std::uint16_t port = 0; ///< 0 for any free port
 };
 
 /// @param text  HOST:PORT, [ADDRESS]:PORT, :PORT or PORT

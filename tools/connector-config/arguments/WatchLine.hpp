@@ -1,4 +1,4 @@
-/// What watch reads from standard input.
+/// Parses the lines that watch reads from standard input.
 #pragma once
 
 #include "arguments/Assignment.hpp"
@@ -24,12 +24,12 @@ struct QuitLine {};
 
 using WatchLine = std::variant<SetLine, AddLine, RemoveLine, QuitLine>;
 
-/// Blanks, that is spaces and tabs, may stand before and between the words; what follows the blanks
-/// behind add and remove is the argument, to the end of the line. In
+/// Words are separated by spaces and tabs, which may also precede the first word. The argument of
+/// add and remove extends to the end of the line. In
 ///     set KEY[:TYPE]=VALUE [@SOURCE]
-/// a last word that begins with "@" is the source, and the blank before it is no part of VALUE. Every
-/// other "@" is, and so is every other blank.
-/// @param secrets  whose values a failure does not show
+/// a last word that begins with "@" is the source; the space or tab before it is not part of VALUE.
+/// VALUE includes every other "@", space and tab.
+/// @param secrets  keys whose values are masked in failures
 /// @throws WrongArguments
 WatchLine parseWatchLine(const std::string& line, const Secrets& secrets);
 

@@ -1,4 +1,4 @@
-/// What the program can do. All but watch and serveMessages return what goes to standard output.
+/// The commands of the program except serve. All except watch return the text for standard output.
 #pragma once
 
 #include "arguments/Arguments.hpp"
@@ -7,35 +7,31 @@
 #include <connector/configuration/ConfigurationImpl.hpp>
 
 #include <string>
+#include <vector>
 
 namespace connector_config {
 
 using connector::configuration::ConfigurationImpl;
 
-/// The value of an option.
-/// @throws std::runtime_error if there is none
+/// @return the value of an option
+/// @throws std::runtime_error if there is no such option
 std::string get(ConfigurationImpl& configuration, const Arguments& arguments);
 
-/// The keys that begin with the prefix, byte by byte.
+/// @return the keys that begin with the prefix, compared byte by byte
 std::string keys(ConfigurationImpl& configuration, const Arguments& arguments);
 
-/// The options whose keys begin with the prefix, and who supplies them.
+/// @return the options whose keys begin with the prefix, with types, values and sources
 std::string show(ConfigurationImpl& configuration, const Arguments& arguments,
                  const Terminal& terminal);
 
-/// What each source says about a key, and where a new value would go.
+/// @return the value of an option in each source, and which source a new value would be written to
 std::string explain(ConfigurationImpl& configuration, const Arguments& arguments,
                     const Terminal& terminal);
 
-/// Writes values as they come, while it reads changes from standard input. What is wrong with a
-/// change is said on standard error.
-/// @throws OutputFailure
+/// Writes the values of options as they change, while it reads changes from standard input. Reports
+/// invalid changes on standard error.
+/// @throws OutputError
 void watch(ConfigurationImpl& configuration, const Arguments& arguments);
-
-/// Answers messages, on standard input or over HTTP.
-/// @throws OutputFailure
-/// @throws std::runtime_error for HTTP arguments that are no good
-void serveMessages(ConfigurationImpl& configuration, const Arguments& arguments);
 
 /// @return all keys that begin with the prefix, sorted
 std::vector<std::string> keysWithPrefix(ConfigurationImpl& configuration,

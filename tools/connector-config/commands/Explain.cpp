@@ -1,10 +1,12 @@
-#include "Commands.hpp"
+#include "commands/Commands.hpp"
 
-#include "display/Table.hpp"
+#include "display/TextTable.hpp"
 #include "values/ValueText.hpp"
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
 #include <connector/service/text/Secrets.hpp>
+
+#include <connector/configuration/json/OptionValueJson.hpp>
 
 #include <Poco/JSON/Array.h>
 
@@ -13,17 +15,15 @@
 namespace connector_config {
 
 using connector::service::escaped;
+using connector::service::jsonText;
 using connector::service::makeObject;
-using connector::service::repaired;
 using connector::service::Secrets;
-using connector::service::toJson;
-using connector::service::toText;
 
 namespace {
 
 using connector::configuration::SourceAnswer;
 
-/// What follows from the answers of all sources.
+/// The answers of all sources, and the conclusions from them.
 class Explanation {
 public:
     Explanation(std::string newKey, std::vector<SourceAnswer> newAnswers)
@@ -45,7 +45,7 @@ private:
 
     std::string verdictOn(const SourceAnswer& answer) const;
 
-    /// A new value is seen unless a source before the one that takes it has the key.
+    /// A new value takes effect unless a source consulted before the target has the key.
     bool wouldTakeEffect() const { return target <= supplier; }
     std::string verdictOnSet() const;
 
@@ -56,7 +56,7 @@ private:
     const std::string key;
     const std::vector<SourceAnswer> answers; // in the order of consultation
     const Position supplier;                 // the end if no source has the key
-    const Position target;                   // of set; "override" at least takes every key
+    const Position target;                   // of set; never the end: "override" accepts every key
 };
 
 std::string Explanation::verdictOn(const SourceAnswer& answer) const {
@@ -76,15 +76,15 @@ std::string Explanation::verdictOnSet() const {
 std::vector<Cell> Explanation::rowOf(const SourceAnswer& answer) const {
     const bool supplies = answer.value && &answer == &*supplier;
     return {{escaped(answer.name)},
-            {"order " + std::to_string(answer.order), Style::Quiet},
-            {answer.group.empty() ? "" : "group " + escaped(answer.group), Style::Quiet},
-            {answer.readOnly ? "read-only" : "", Style::Quiet},
-            {escaped(verdictOn(answer)), supplies ? Style::Strong : Style::Plain},
-            {answer.value ? shownText(*answer.value) : ""}};
+            {"order " + std::to_string(answer.order), Style::Secondary},
+            {answer.group.empty() ? "" : "group " + escaped(answer.group), Style::Secondary},
+            {answer.readOnly ? "read-only" : "", Style::Secondary},
+            {escaped(verdictOn(answer)), supplies ? Style::Bold : Style::Plain},
+            {answer.value ? displayText(*answer.value) : ""}};
 }
 
 std::string Explanation::asText(const Terminal& terminal) const {
-    Table table;
+    TextTable table;
     for (const SourceAnswer& answer : answers)
         table.add(rowOf(answer));
     return table.text(terminal) + "set " + escaped(key) + " would go to " + escaped(target->name) +
@@ -93,20 +93,20 @@ std::string Explanation::asText(const Terminal& terminal) const {
 
 Poco::JSON::Object::Ptr Explanation::jsonOf(const SourceAnswer& answer) const {
     Poco::JSON::Object::Ptr object = makeObject();
-    object->set("name", repaired(answer.name));
+    object->set("name", answer.name);
     object->set("order", answer.order);
-    object->set("group", repaired(answer.group));
+    object->set("group", answer.group);
     object->set("readOnly", answer.readOnly);
-    object->set("verdict", repaired(verdictOn(answer)));
+    object->set("verdict", verdictOn(answer));
     if (answer.value)
-        object->set("value", toJson(*answer.value));
+        object->set("value", connector::configuration::fromOptionValue(*answer.value));
     return object;
 }
 
 Poco::JSON::Object::Ptr Explanation::jsonOfSet() const {
     Poco::JSON::Object::Ptr object = makeObject();
-    object->set("source", repaired(target->name));
-    object->set("verdict", repaired(verdictOnSet()));
+    object->set("source", target->name);
+    object->set("verdict", verdictOnSet());
     return object;
 }
 
@@ -115,10 +115,10 @@ std::string Explanation::asJson() const {
     for (const SourceAnswer& answer : answers)
         sources->add(jsonOf(answer));
     Poco::JSON::Object::Ptr object = makeObject();
-    object->set("key", repaired(key));
+    object->set("key", key);
     object->set("sources", sources);
     object->set("set", jsonOfSet());
-    return toText(object) + '\n';
+    return jsonText(object) + '\n';
 }
 
 } // namespace
@@ -129,7 +129,7 @@ std::string explain(ConfigurationImpl& configuration, const Arguments& arguments
     const Secrets secrets(arguments.secrets);
     for (SourceAnswer& answer : answers) {
         if (answer.value)
-            answer.value = secrets.shown(arguments.key, *answer.value);
+            answer.value = secrets.masked(arguments.key, *answer.value);
     }
     const Explanation explanation(arguments.key, std::move(answers));
     return arguments.json ? explanation.asJson() : explanation.asText(terminal);

@@ -1,4 +1,4 @@
-#include "Commands.hpp"
+#include "commands/Commands.hpp"
 
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
@@ -7,9 +7,23 @@
 
 namespace connector_config {
 
-using connector::service::escaped;
-using connector::service::repaired;
-using connector::service::toText;
+namespace {
+
+std::string asJson(const std::vector<std::string>& keys) {
+    Poco::JSON::Array::Ptr array = new Poco::JSON::Array;
+    for (const std::string& key : keys)
+        array->add(key);
+    return connector::service::jsonText(array) + '\n';
+}
+
+std::string asLines(const std::vector<std::string>& keys) {
+    std::string lines;
+    for (const std::string& key : keys)
+        lines += connector::service::escaped(key) + '\n';
+    return lines;
+}
+
+} // namespace
 
 std::vector<std::string> keysWithPrefix(ConfigurationImpl& configuration,
                                         const std::string& prefix) {
@@ -17,29 +31,11 @@ std::vector<std::string> keysWithPrefix(ConfigurationImpl& configuration,
     std::vector<std::string> matching;
     for (auto key = all.lower_bound(prefix); key != all.end(); ++key) {
         if (key->compare(0, prefix.size(), prefix) != 0)
-            break; // sorted byte by byte, all that match stand together
+            break; // the set is sorted, so all matching keys are adjacent
         matching.push_back(*key);
     }
     return matching;
 }
-
-namespace {
-
-std::string asJson(const std::vector<std::string>& keys) {
-    Poco::JSON::Array::Ptr array = new Poco::JSON::Array;
-    for (const std::string& key : keys)
-        array->add(repaired(key));
-    return toText(array) + '\n';
-}
-
-std::string asLines(const std::vector<std::string>& keys) {
-    std::string lines;
-    for (const std::string& key : keys)
-        lines += escaped(key) + '\n';
-    return lines;
-}
-
-} // namespace
 
 std::string keys(ConfigurationImpl& configuration, const Arguments& arguments) {
     const std::vector<std::string> keys = keysWithPrefix(configuration, arguments.prefix);

@@ -1,7 +1,7 @@
 #include "commands/ServeHttp.hpp"
 
 #include "display/Output.hpp"
-#include <connector/service/http/HttpDoor.hpp>
+#include <connector/service/http/HttpService.hpp>
 
 #include <Poco/Exception.h>
 #include <Poco/Net/ServerSocket.h>
@@ -16,24 +16,25 @@
 namespace connector_config {
 
 using connector::configuration::ConfigurationImpl;
-using connector::service::HttpDoor;
+using connector::service::HttpService;
 using connector::service::Policy;
 using connector::service::PropertyRoot;
 using connector::service::readToken;
 using connector::service::RequestGuard;
+using connector::service::Secrets;
 using connector::service::Token;
 using Poco::Net::ServerSocket;
 using Poco::Net::SocketAddress;
 
 namespace {
 
-constexpr rlim_t mostDescriptors = 16384;
+constexpr rlim_t maxDescriptors = 16384;
 
-/// SIGINT and SIGTERM, which from now on nobody gets but who waits for them here. Threads that are
-/// made later do as this one, so this comes before the first.
-class EndSignals {
+/// Blocks SIGINT and SIGTERM, to wait for them later. Must be constructed before the first thread
+/// is created, because threads inherit the signal mask.
+class TerminationSignals {
 public:
-    EndSignals() {
+    TerminationSignals() {
         sigemptyset(&signals);
         sigaddset(&signals, SIGINT);
         sigaddset(&signals, SIGTERM);
@@ -50,20 +51,20 @@ private:
     sigset_t signals{};
 };
 
-/// Every client takes a descriptor, and the usual limit is low.
+/// Each client needs a descriptor, and the default limit is low.
 void raiseDescriptorLimit() {
     rlimit limit{};
     if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
         return;
-    limit.rlim_cur = std::max(limit.rlim_cur, std::min(limit.rlim_max, mostDescriptors));
-    ::setrlimit(RLIMIT_NOFILE, &limit); // if not, then fewer clients
+    limit.rlim_cur = std::max(limit.rlim_cur, std::min(limit.rlim_max, maxDescriptors));
+    ::setrlimit(RLIMIT_NOFILE, &limit); // on failure, fewer clients can connect
 }
 
 ServerSocket listen(const ListenAddress& address) {
     constexpr int backlog = 1024;
     try {
         ServerSocket socket;
-        // Not SO_REUSEPORT, with which somebody else could listen there, too.
+        // Without SO_REUSEPORT, which would let other processes listen on the same port.
         socket.bind(SocketAddress(address.host, address.port), true, false);
         socket.listen(backlog);
         return socket;
@@ -93,14 +94,15 @@ void serveHttp(ConfigurationImpl& configuration, const HttpArguments& arguments,
     RequestGuard guard(arguments.address.host, tokenOf(arguments));
     Policy policy = policyOf(arguments, secrets);
     const ServerSocket socket = listen(arguments.address);
-    // Not before: a token may come through a pipe, and a name from far away.
-    const EndSignals signals;
+    // Only now, because reading the token and resolving the host can block, and the signals must
+    // interrupt that.
+    const TerminationSignals signals;
     raiseDescriptorLimit();
-    HttpDoor door(configuration, std::move(guard), std::move(policy), secrets, socket);
+    HttpService service(configuration, std::move(guard), std::move(policy), secrets, socket);
 
     writeOutput("listening on http://" + socket.address().toString() + '\n');
     signals.wait();
-    door.close();
+    service.close();
 }
 
 } // namespace connector_config

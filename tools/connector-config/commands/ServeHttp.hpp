@@ -1,20 +1,18 @@
-/// The service for other programs, over HTTP.
+/// serve --http
 #pragma once
 
 #include "arguments/HttpArguments.hpp"
-#include <connector/service/text/Secrets.hpp>
 
 #include <connector/configuration/ConfigurationImpl.hpp>
+#include <connector/service/text/Secrets.hpp>
 
 namespace connector_config {
 
-using connector::service::Secrets;
-
-/// Says where it listens, on standard output, and serves until SIGINT or SIGTERM. To be called before
-/// there is any other thread.
-/// @throws std::runtime_error for a token file, a directory or an address that is no good
-/// @throws OutputFailure
+/// Writes the listening address to standard output and serves clients until SIGINT or SIGTERM. Must
+/// be called before the process creates another thread, because it blocks these signals.
+/// @throws std::runtime_error  the token file, the property root or the address cannot be used
+/// @throws OutputError
 void serveHttp(connector::configuration::ConfigurationImpl& configuration,
-               const HttpArguments& arguments, const Secrets& secrets);
+               const HttpArguments& arguments, const connector::service::Secrets& secrets);
 
 } // namespace connector_config

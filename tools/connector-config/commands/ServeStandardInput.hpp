@@ -1,4 +1,4 @@
-/// The service for whoever started the program: a request a line, a reply a line.
+/// serve without --http.
 #pragma once
 
 #include <connector/configuration/Configuration.hpp>
@@ -7,9 +7,9 @@
 
 namespace connector_config {
 
-/// Answers the lines of standard input on standard output, in order, until the input ends. Blank
-/// lines are ignored. Everything is allowed.
-/// @throws OutputFailure
+/// Reads one request per line from standard input and writes one reply per line to standard output,
+/// in order, until the end of the input. Skips blank lines. Every request is allowed.
+/// @throws OutputError
 void serveStandardInput(
     const std::shared_ptr<connector::configuration::Configuration>& configuration);
 

@@ -1,6 +1,6 @@
-#include "Commands.hpp"
+#include "commands/Commands.hpp"
 
-#include "display/Table.hpp"
+#include "display/TextTable.hpp"
 #include "values/ValueText.hpp"
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
@@ -11,9 +11,9 @@
 namespace connector_config {
 
 using connector::service::escaped;
+using connector::service::jsonText;
 using connector::service::Secrets;
 using connector::service::toJson;
-using connector::service::toText;
 
 namespace {
 
@@ -23,7 +23,7 @@ std::vector<Option> optionsToShow(ConfigurationImpl& configuration, const Argume
     const Secrets secrets(arguments.secrets);
     std::vector<Option> options;
     for (const std::string& key : keysWithPrefix(configuration, arguments.prefix))
-        options.push_back(secrets.shown(configuration.getOption(key).get()));
+        options.push_back(secrets.masked(configuration.getOption(key).get()));
     return options;
 }
 
@@ -31,24 +31,24 @@ std::string asJson(const std::vector<Option>& options) {
     Poco::JSON::Array::Ptr array = new Poco::JSON::Array;
     for (const Option& option : options)
         array->add(toJson(option));
-    return toText(array) + '\n';
+    return jsonText(array) + '\n';
 }
 
 std::string asTable(const std::vector<Option>& options, const Terminal& terminal) {
     if (options.empty())
         return "";
     constexpr std::size_t valueColumn = 2;
-    Table table;
-    table.add({{"KEY", Style::Strong},
-               {"TYPE", Style::Strong},
-               {"VALUE", Style::Strong},
-               {"SOURCE", Style::Strong}});
+    TextTable table;
+    table.add({{"KEY", Style::Bold},
+               {"TYPE", Style::Bold},
+               {"VALUE", Style::Bold},
+               {"SOURCE", Style::Bold}});
     for (const Option& option : options)
         table.add({{escaped(option.key)},
-                   {nameOf(typeOf(option.value)), Style::Quiet},
-                   {shownText(option.value)},
-                   {escaped(option.source), Style::Quiet}});
-    return table.textCutToWidth(terminal, valueColumn);
+                   {typeName(typeOf(option.value)), Style::Secondary},
+                   {displayText(option.value)},
+                   {escaped(option.source), Style::Secondary}});
+    return table.fittedText(terminal, valueColumn);
 }
 
 } // namespace

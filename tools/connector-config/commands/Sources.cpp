@@ -1,8 +1,11 @@
 #include "commands/Sources.hpp"
 
 #include <connector/service/text/LoadingGroup.hpp>
+#include <connector/service/text/Utf8.hpp>
 
 #include <fl/i18n/codecvt.hpp>
+
+#include <stdexcept>
 
 namespace connector_config {
 
@@ -23,6 +26,8 @@ struct Adder {
 } // namespace
 
 void addFile(Configuration& configuration, const FileArgument& file) {
+    if (!connector::service::isUtf8(file.path))
+        throw std::runtime_error("Path is not valid UTF-8: " + file.path);
     const fl::i18n::codecvt_string_to_ustring fromUtf8("UTF-8", true);
     const bool readOnly = true;
     const connector::service::LoadingGroup loading(file.group);

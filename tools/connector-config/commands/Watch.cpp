@@ -1,4 +1,4 @@
-#include "Commands.hpp"
+#include "commands/Commands.hpp"
 
 #include "arguments/WatchLine.hpp"
 #include "commands/Sources.hpp"
@@ -17,21 +17,21 @@
 namespace connector_config {
 
 using connector::service::escaped;
+using connector::service::jsonText;
 using connector::service::Secrets;
 using connector::service::toJson;
-using connector::service::toText;
 
 namespace {
 
 using connector::configuration::Option;
 using connector::reactive_streams::Subscription;
 
-std::string lineOf(const Option& option) {
-    return escaped(option.key) + " = " + shownText(option.value) + "  (" + escaped(option.source) +
-           ")\n";
+std::string formatLine(const Option& option) {
+    return escaped(option.key) + " = " + displayText(option.value) + "  (" +
+           escaped(option.source) + ")\n";
 }
 
-/// Writes the values of one option, asking for the next when one is written.
+/// Writes the values of one option. Requests the next one when one has been written.
 class Printer : public connector::reactive_streams::Subscriber<OptionValue> {
 public:
     Printer(ConfigurationImpl& newConfiguration, const Secrets& newSecrets, std::string newKey,
@@ -44,7 +44,7 @@ public:
         requestOne();
     }
 
-    // What goes wrong here is none of the library's business: it is kept for whoever runs the loop.
+    // The library must not see a failure to write; watch() rethrows it.
     void onNext(const OptionValue& value) override {
         try {
             print(value);
@@ -65,8 +65,8 @@ public:
 private:
     void print(const OptionValue& value) const {
         const Option option =
-            secrets.shown(Option{key, configuration.getOption(key).get().source, value});
-        writeOutput(json ? toText(toJson(option)) + '\n' : lineOf(option));
+            secrets.masked(Option{key, configuration.getOption(key).get().source, value});
+        writeOutput(json ? jsonText(toJson(option)) + '\n' : formatLine(option));
     }
 
     void requestOne() const {
@@ -82,8 +82,8 @@ private:
     std::exception_ptr failure;
 };
 
-/// Does what a line asks for. @return whether to go on
-struct Change {
+/// Executes a line. Each overload returns whether to read on.
+struct LineExecutor {
     ConfigurationImpl& configuration;
 
     bool operator()(const SetLine& line) const {
@@ -106,12 +106,13 @@ struct Change {
     bool operator()(const QuitLine&) const { return false; }
 };
 
-/// @return whether to go on
-bool obey(ConfigurationImpl& configuration, const std::string& line, const Secrets& secrets) {
+/// @return whether to read on
+bool executeLine(ConfigurationImpl& configuration, const std::string& line,
+                 const Secrets& secrets) {
     try {
-        return std::visit(Change{configuration}, parseWatchLine(line, secrets));
+        return std::visit(LineExecutor{configuration}, parseWatchLine(line, secrets));
     } catch (const std::exception& error) {
-        complain(error.what());
+        printError(error.what());
         return true;
     }
 }
@@ -132,7 +133,7 @@ void watch(ConfigurationImpl& configuration, const Arguments& arguments) {
     }
     rethrowFailures();
     for (std::string line; std::getline(std::cin, line);) {
-        if (!obey(configuration, line, secrets))
+        if (!executeLine(configuration, line, secrets))
             return;
         rethrowFailures();
     }

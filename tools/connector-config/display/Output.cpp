@@ -11,11 +11,11 @@ namespace connector_config {
 
 using connector::service::escaped;
 
-OutputFailure::OutputFailure(int error)
+OutputError::OutputError(int error)
     : system_error(error, std::generic_category(), "Standard output could not be written") {
 }
 
-bool OutputFailure::readerLeft() const {
+bool OutputError::isBrokenPipe() const {
     return code() == std::errc::broken_pipe;
 }
 
@@ -26,11 +26,11 @@ void writeOutput(const std::string& text) {
         if (written >= 0)
             rest.remove_prefix(static_cast<std::size_t>(written));
         else if (errno != EINTR)
-            throw OutputFailure(errno);
+            throw OutputError(errno);
     }
 }
 
-void complain(const std::string& message) {
+void printError(const std::string& message) {
     std::cerr << "connector-config: " + escaped(message) + '\n' << std::flush;
 }
 

@@ -1,4 +1,4 @@
-/// The two ways out.
+/// Standard output and standard error.
 #pragma once
 
 #include <string>
@@ -6,20 +6,20 @@
 
 namespace connector_config {
 
-/// Standard output takes no more.
-class OutputFailure : public std::system_error {
+/// Standard output could not be written.
+class OutputError : public std::system_error {
 public:
-    explicit OutputFailure(int error);
+    explicit OutputError(int error);
 
-    /// @return whether nobody reads any more, which is no news to whoever stopped reading
-    bool readerLeft() const;
+    /// @return whether the reader has closed the pipe; it does not need a message about that
+    bool isBrokenPipe() const;
 };
 
-/// Writes the whole text, at once.
-/// @throws OutputFailure
+/// Writes the whole text to standard output, unbuffered.
+/// @throws OutputError
 void writeOutput(const std::string& text);
 
-/// Writes "connector-config: " and the message, escaped, as a line to standard error.
-void complain(const std::string& message);
+/// Writes "connector-config: " and the escaped message to standard error, as one line.
+void printError(const std::string& message);
 
 } // namespace connector_config

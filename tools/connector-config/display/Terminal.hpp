@@ -1,4 +1,4 @@
-/// What standard output leads to.
+/// The terminal that standard output writes to, if any.
 #pragma once
 
 #include <cstddef>
@@ -7,12 +7,12 @@
 namespace connector_config {
 
 struct Terminal {
-    bool colour = false;              ///< whether colours are wanted
-    std::optional<std::size_t> width; ///< in columns; none if it is no terminal or does not tell
+    bool colour = false;              ///< whether to use colours
+    std::optional<std::size_t> width; ///< in columns; none if unknown or not a terminal
 };
 
-/// Colours are wanted on a terminal, unless the environment variable NO_COLOR is set to a text, or
-/// the terminal is a dumb one.
+/// Colours are used on a terminal unless the environment variable NO_COLOR is set and not empty, or
+/// TERM is "dumb".
 Terminal terminalOfOutput();
 
 } // namespace connector_config

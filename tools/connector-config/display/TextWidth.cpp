@@ -15,10 +15,10 @@ using connector::service::forEachCharacter;
 
 namespace {
 
-constexpr std::string_view cutMark = "…";
+constexpr std::string_view ellipsis = "…";
 
-/// Makes the thread's characters Unicode while it lives. Keys and values are UTF-8 whatever locale
-/// the user has.
+/// Sets a UTF-8 locale for the calling thread during its lifetime, because keys and values are
+/// UTF-8 whatever the user's locale is.
 class Utf8Locale {
 public:
     Utf8Locale() : previous(uselocale(utf8())) {}
@@ -27,7 +27,7 @@ public:
     Utf8Locale& operator=(const Utf8Locale&) = delete;
 
 private:
-    /// @return null, which uselocale takes for "leave it", where there is none
+    /// @return null if the system has no such locale; uselocale then changes nothing
     static locale_t utf8() {
         static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", locale_t());
         return locale;
@@ -38,7 +38,9 @@ private:
 
 std::size_t widthOfCharacter(const Character& character) {
     const int width = wcwidth(static_cast<wchar_t>(character.codePoint));
-    return width < 0 ? 1 : static_cast<std::size_t>(width); // an unknown one shows as a box
+    return width < 0
+               ? 1
+               : static_cast<std::size_t>(width); // an unknown character is usually shown as a box
 }
 
 } // namespace
@@ -57,13 +59,13 @@ std::string cutToWidth(std::string_view text, std::size_t width) {
     if (width == 0)
         return "";
     const Utf8Locale unicode;
-    std::size_t left = width - 1; // one for the mark
+    std::size_t left = width - 1; // one column for the ellipsis
     std::size_t kept = 0;
     while (true) {
         const Character character = firstCharacter(text.substr(kept));
         const std::size_t needed = widthOfCharacter(character);
         if (needed > left)
-            return std::string(text.substr(0, kept)) + std::string(cutMark);
+            return std::string(text.substr(0, kept)) + std::string(ellipsis);
         left -= needed;
         kept += character.bytes.size();
     }

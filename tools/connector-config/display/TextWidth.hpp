@@ -1,4 +1,4 @@
-/// Text in columns of a terminal. The text is escaped: see Escaping.hpp.
+/// The width of text on a terminal. The text must be escaped, see Escaping.hpp.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,10 @@
 
 namespace connector_config {
 
-/// @return how many columns the text takes
+/// @return the number of columns that the text occupies
 std::size_t widthOf(std::string_view text);
 
-/// @return the text, or as much of it as fits with a mark of the cut, "…", behind it; never a part of
-///         a character
+/// @return the text if it fits; otherwise as many whole characters as fit, followed by "…"
 std::string cutToWidth(std::string_view text, std::size_t width);
 
 } // namespace connector_config

@@ -21,7 +21,7 @@ using connector::service::LoadingGroup;
 
 namespace {
 
-/// @return where the key begins in a line that tells a parsed property; npos in others
+/// @return the position of the key in a line about a parsed property; npos for other lines
 std::size_t startOfKey(const std::string& line) {
     for (const std::string_view beginning : {"Parsed property: ", "Parsed final property: "}) {
         if (line.compare(0, beginning.size(), beginning) == 0)
@@ -37,32 +37,37 @@ public:
 
     void consume(const boost::log::record_view& record) {
         const std::string& line = boost::log::extract_or_throw<std::string>("Message", record);
-        std::cerr << escaped(withoutSecret(line)) + '\n' << std::flush;
+        std::cerr << escaped(masked(line)) + '\n' << std::flush;
     }
 
 private:
-    std::string withoutSecret(const std::string& line) const;
+    std::string masked(const std::string& line) const;
 
     const Secrets secrets;
 };
 
-/// The lines that tell a value are those of parsed properties. A key can hold " = ", too; what might be
-/// secret is masked.
-std::string LineWriter::withoutSecret(const std::string& line) const {
+/// Only lines about parsed properties contain values. A key may contain " = ", too, so the line
+/// does not tell where the key ends. If any of the possible keys is secret, everything after the
+/// shortest such key is masked.
+std::string LineWriter::masked(const std::string& line) const {
     constexpr std::string_view separator = " = ";
-    const std::size_t key = startOfKey(line);
-    if (key == line.npos)
+    std::size_t start = startOfKey(line);
+    if (start == line.npos)
         return line;
-    for (std::size_t end = line.find(separator, key); end != line.npos;
+    Secrets::KeyMatcher key(secrets);
+    key.append(LoadingGroup::prefix());
+    for (std::size_t end = line.find(separator, start); end != line.npos;
          end = line.find(separator, end + 1)) {
-        if (secrets.hides(LoadingGroup::prefix() + line.substr(key, end - key)))
+        key.append(std::string_view(line).substr(start, end - start));
+        start = end;
+        if (key.isSecret())
             return line.substr(0, end + separator.size()) + Secrets::mask;
     }
     return line;
 }
 
-/// @param coreMask          of the severities of the configuration itself
-/// @param propertyFileMask  of those of the property file parser
+/// @param coreMask          enabled severities of the configuration
+/// @param propertyFileMask  enabled severities of the property file parser
 void setMasks(unsigned coreMask, unsigned propertyFileMask) {
     foundation::log::set_diagnostic_mask("connector::configuration", coreMask);
     foundation::log::set_diagnostic_mask("connector::configuration::property_file",

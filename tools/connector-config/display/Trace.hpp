@@ -1,4 +1,4 @@
-/// The library's diagnostic lines on standard error.
+/// Writes the library's diagnostic lines to standard error.
 #pragma once
 
 #include <connector/service/text/Secrets.hpp>
@@ -9,10 +9,10 @@ namespace connector_config {
 
 using connector::service::Secrets;
 
-/// Switches the lines on while it lives.
+/// Enables the lines during its lifetime.
 class Trace {
 public:
-    /// @param secrets  whose values are masked
+    /// @param secrets  keys whose values are masked
     explicit Trace(const Secrets& secrets);
     ~Trace();
     Trace(const Trace&) = delete;

@@ -43,7 +43,7 @@ std::optional<std::u16string> readUtf16(const std::string& text) {
     return fl::i18n::to_ustring(text, fl::i18n::codecvt_string_to_ustring("UTF-8", true));
 }
 
-/// @return the element, if that is its very type: nothing is converted
+/// @return the element if it has exactly this type; nothing is converted
 template <typename T>
 std::optional<T> exactly(const Var& element) {
     if (element.isEmpty() || element.type() != typeid(T))
@@ -77,7 +77,7 @@ struct Element<std::u16string> {
 template <>
 struct Element<double> {
     static std::optional<double> read(const Var& element) {
-        // The parser makes integers of numbers without a fraction, unsigned ones where they are big.
+        // The parser reads a number without a fraction as an integer, a large one as unsigned.
         if (const auto number = exactly<Poco::Int64>(element))
             return static_cast<double>(*number);
         if (const auto number = exactly<Poco::UInt64>(element))
@@ -103,7 +103,7 @@ struct Element<unsigned int> : Integer<unsigned int> {};
 
 Array::Ptr parseArray(const std::string& text) {
     Poco::JSON::Parser parser;
-    parser.setDepth(2); // the array and nothing in it that nests
+    parser.setDepth(2); // rejects nested arrays early, before they can exhaust the stack
     const Var document = parser.parse(text);
     return document.type() == typeid(Array::Ptr) ? document.extract<Array::Ptr>() : Array::Ptr();
 }
@@ -157,7 +157,7 @@ std::optional<OptionValue> tryRead(ValueType type, const std::string& text) {
     case ValueType::UstringArray:
         return asValue(readArray<std::u16string>(text));
     }
-    return std::nullopt; // no such type
+    return std::nullopt; // unreachable
 }
 
 } // namespace
@@ -167,9 +167,9 @@ OptionValue readValue(ValueType type, const std::string& text, bool isSecret) {
         if (std::optional<OptionValue> value = tryRead(type, text))
             return std::move(*value);
     } catch (const Poco::Exception&) {
-        // The text is no JSON. What the parser says of it counts bytes nobody sees.
+        // Not JSON. The failure below is clearer than the parser's, which is about byte positions.
     }
-    throw WrongArguments(std::string("Value does not convert to ") + nameOf(type) + ": " +
+    throw WrongArguments("Value does not convert to " + typeName(type) + ": " +
                          (isSecret ? Secrets::mask : text));
 }
 

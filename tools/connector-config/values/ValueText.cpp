@@ -3,24 +3,23 @@
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
 
+#include <connector/configuration/json/OptionValueJson.hpp>
+
 #include <fl/i18n/codecvt.hpp>
 
 namespace connector_config {
-
-using connector::service::escaped;
-using connector::service::toJson;
-using connector::service::toText;
 
 std::string plainText(const OptionValue& value) {
     if (const auto* const text = boost::get<std::string>(&value))
         return *text;
     if (const auto* const text = boost::get<std::u16string>(&value))
         return fl::i18n::to_string(*text, fl::i18n::codecvt_ustring_to_string("UTF-8", true));
-    return toText(toJson(value)->get("value"));
+    return connector::service::jsonText(
+        connector::configuration::fromOptionValue(value)->get("value"));
 }
 
-std::string shownText(const OptionValue& value) {
-    return escaped(plainText(value));
+std::string displayText(const OptionValue& value) {
+    return connector::service::escaped(plainText(value));
 }
 
 } // namespace connector_config

@@ -1,4 +1,4 @@
-/// From a value to what the user reads.
+/// Converts a value to the text that the user reads.
 #pragma once
 
 #include "values/ValueType.hpp"
@@ -7,10 +7,10 @@
 
 namespace connector_config {
 
-/// @return text as it is, everything else as its JSON
+/// @return text unchanged, any other value as JSON
 std::string plainText(const OptionValue& value);
 
-/// @return the same, escaped: on one line, with nothing in it that a terminal obeys
-std::string shownText(const OptionValue& value);
+/// @return the same, escaped: one line without control characters
+std::string displayText(const OptionValue& value);
 
 } // namespace connector_config

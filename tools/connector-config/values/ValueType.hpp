@@ -1,10 +1,10 @@
-/// The names of the types that a value can have.
+/// The types of option values, and the names by which the user refers to them.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>
 
 #include <optional>
-#include <string_view>
+#include <string>
 
 namespace connector_config {
 
@@ -26,11 +26,11 @@ enum class ValueType {
     UstringArray,
 };
 
-/// @return the name that the user reads and writes, the same as in the JSON form of values
-const char* nameOf(ValueType type);
+/// @return the type tag in the JSON form of such a value
+const std::string& typeName(ValueType type);
 
-/// @return the type with exactly that name, if there is one
-std::optional<ValueType> typeNamed(std::string_view name);
+/// @return the type with exactly this name, or nothing if there is none
+std::optional<ValueType> typeFromName(const std::string& name);
 
 ValueType typeOf(const OptionValue& value);
 

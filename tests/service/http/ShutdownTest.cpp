@@ -1,0 +1,129 @@
+/// How the server stops.
+#include "service/support/HttpClient.hpp"
+#include "service/support/InProcessServer.hpp"
+#include "service/support/ServerProcess.hpp"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using connector::configuration::OptionValue;
+using connector::service::HttpLimits;
+using test::get;
+using test::getMessage;
+using test::HttpClient;
+using test::InProcessServer;
+using test::Result;
+using test::ServerProcess;
+
+TEST(Shutdown, SucceedsWithoutRequests) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        SCOPED_TRACE(signal);
+        ServerProcess server;
+        EXPECT_EQ((Result{0, "", ""}), server.stop(signal));
+    }
+}
+
+TEST(Shutdown, SucceedsAfterRequests) {
+    ServerProcess server({}, {"-s", "k=1"});
+    EXPECT_EQ(200, get(server.port(), "/options").status);
+    EXPECT_EQ((Result{0, "", ""}), server.stop());
+}
+
+TEST(Shutdown, CompletesEventStreams) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        SCOPED_TRACE(signal);
+        ServerProcess server({}, {"-s", "k=1"});
+        std::vector<HttpClient> watchers;
+        for (int i = 0; i < 10; ++i) {
+            watchers.emplace_back(server.port());
+            watchers.back().get("/watch?key=k");
+            EXPECT_NE("", watchers.back().readLineStartingWith("data: "));
+        }
+        EXPECT_EQ((Result{0, "", ""}), server.stop(signal));
+        for (HttpClient& watcher : watchers)
+            EXPECT_EQ(std::string::npos, watcher.readToEnd().find("data"));
+    }
+}
+
+/// So that the tests do not wait for the default timeout.
+HttpLimits shortShutdown() {
+    HttpLimits limits;
+    limits.timeouts.shutdown = std::chrono::milliseconds(50);
+    return limits;
+}
+
+TEST(Shutdown, DoesNotWaitForAClientThatStopsReading) {
+    InProcessServer server(shortShutdown());
+    server.configuration->set("k", OptionValue(std::string("1")));
+    HttpClient watcher(server.port(), 4096);
+    watcher.get("/watch?key=k");
+    EXPECT_NE("", watcher.readLineStartingWith("data: "));
+    for (int i = 0; i < 20; ++i)
+        server.configuration->set("k", OptionValue(std::string(500000, 'x')));
+    server.close();
+}
+
+TEST(Shutdown, RespondsToIncompleteRequestsWithStatus408) {
+    InProcessServer server(shortShutdown());
+    HttpClient head(server.port());
+    head.send("GET /opt");
+    HttpClient body(server.port());
+    body.send("POST /messages HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
+              "\r\nExpect: 100-continue\r\nContent-Length: 10\r\n\r\n");
+    EXPECT_EQ("HTTP/1.1 100 Continue",
+              body.readLine()); // so the server has probably read the first one, too
+    EXPECT_EQ("", body.readLine());
+    server.close();
+    for (HttpClient* const client : {&head, &body}) {
+        const test::HttpResponse response = client->response();
+        EXPECT_EQ(408, response.status);
+        EXPECT_EQ("Request did not arrive in time", test::errorOf(response.body));
+    }
+}
+
+TEST(Shutdown, RespondsToRequestsInProgressWithStatus503) {
+    ServerProcess server({}, {"-s", "k=1"});
+    const std::string body = getMessage("k");
+    std::optional<HttpClient> late(server.port());
+    late->send("POST /messages HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
+               "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n");
+    HttpClient watcher(server.port());
+    watcher.get("/watch?key=k"); // its stream ends only after the message service has stopped
+    EXPECT_NE("", watcher.readLineStartingWith("data: "));
+    server.process().signal(SIGTERM);
+    watcher.readToEnd();
+    late->send(body);
+    EXPECT_EQ(503, late->response().status);
+    late.reset(); // otherwise the server would wait for the client to close the connection
+    EXPECT_EQ((test::Result{0, "", ""}), server.stop());
+}
+
+TEST(Shutdown, DoesNotWaitForClientsThatHaveSentNothing) {
+    HttpLimits longTimeouts;
+    longTimeouts.timeouts.request = std::chrono::hours(1);
+    longTimeouts.timeouts.shutdown = std::chrono::hours(1);
+    InProcessServer server(longTimeouts);
+    std::vector<HttpClient> silent;
+    for (int i = 0; i < 20; ++i)
+        silent.emplace_back(server.port());
+    EXPECT_EQ(200, get(server.port(), "/options").status);
+    server.close();
+    for (HttpClient& client : silent)
+        EXPECT_EQ("", client.readToEnd());
+}
+
+TEST(HttpServing, DoesNotReadStandardInput) {
+    ServerProcess server;
+    server.process().write("quit\n");
+    EXPECT_EQ(200, get(server.port(), "/options").status);
+    EXPECT_EQ((Result{0, "", ""}), server.stop());
+}
+
+} // namespace

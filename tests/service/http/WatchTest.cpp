@@ -1,0 +1,167 @@
+/// GET /watch
+#include "service/support/HttpClient.hpp"
+#include "service/support/InProcessServer.hpp"
+#include "service/support/ServerProcess.hpp"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+namespace {
+
+using connector::configuration::OptionValue;
+using connector::service::HttpLimits;
+using test::get;
+using test::HttpClient;
+using test::HttpResponse;
+using test::InProcessServer;
+using test::post;
+using test::ServerProcess;
+using test::setMessage;
+
+std::string event(const std::string& key, const std::string& value) {
+    return R"(data: {"key":")" + key +
+           R"(","source":"override","value":{"type":"string","value":")" + value + "\"}}";
+}
+
+/// @return a client whose watch request the server has accepted
+HttpClient watcher(std::uint16_t port, const std::string& key, int receiveBuffer = 0) {
+    HttpClient client(port, receiveBuffer);
+    client.get("/watch?key=" + key);
+    EXPECT_EQ("HTTP/1.1 200 OK", client.readLine());
+    while (!client.readLine().empty()) {
+    }
+    return client;
+}
+
+TEST(WatchRoute, RespondsWithAnEventStream) {
+    const ServerProcess server;
+    HttpClient client(server.port());
+    client.get("/watch?key=k");
+    EXPECT_EQ("HTTP/1.1 200 OK", client.readLine());
+    EXPECT_EQ("Content-Type: text/event-stream", client.readLineStartingWith("Content-Type"));
+}
+
+TEST(WatchRoute, SendsTheCurrentValueFirst) {
+    const ServerProcess server({}, {"-s", "k=1"});
+    HttpClient client = watcher(server.port(), "k");
+    EXPECT_EQ(event("k", "1"), client.readLine());
+    EXPECT_EQ("", client.readLine());
+}
+
+TEST(WatchRoute, SendsAnEventForEachChange) {
+    const ServerProcess server({"--writable", ""});
+    HttpClient client = watcher(server.port(), "k");
+    for (const char* value : {"1", "2", "2"}) {
+        EXPECT_EQ(200, post(server.port(), setMessage("other", "0")).status);
+        EXPECT_EQ(200, post(server.port(), setMessage("k", value)).status);
+        EXPECT_EQ(event("k", value), client.readLineStartingWith("data: "));
+    }
+}
+
+TEST(WatchRoute, DecodesTheKey) {
+    const ServerProcess server({}, {"-s", "a b&c=1"});
+    EXPECT_EQ(event("a b&c", "1"), watcher(server.port(), "a%20b%26c").readLine());
+    EXPECT_EQ(event("a b&c", "1"), watcher(server.port(), "a+b%26c&x=y").readLine());
+}
+
+TEST(WatchRoute, MasksSecrets) {
+    const ServerProcess server({"--writable", ""}, {"-s", "my.token=hush"});
+    HttpClient client = watcher(server.port(), "my.token");
+    EXPECT_EQ(event("my.token", "******"), client.readLine());
+    post(server.port(), setMessage("my.token", "more"));
+    EXPECT_EQ(event("my.token", "******"), client.readLineStartingWith("data: "));
+}
+
+TEST(WatchRoute, MasksKeysThatMatchTheSecretOption) {
+    const ServerProcess server({"--secret", "NET.*"}, {"-s", "net.port=80"});
+    EXPECT_EQ(event("net.port", "******"), watcher(server.port(), "net.port").readLine());
+}
+
+TEST(WatchRoute, RequiresExactlyOneKey) {
+    const ServerProcess server;
+    for (const char* path : {"/watch", "/watch?", "/watch?Key=a", "/watch?key=a&key=b"}) {
+        SCOPED_TRACE(path);
+        const HttpResponse response = get(server.port(), path);
+        EXPECT_EQ(400, response.status);
+        EXPECT_EQ("One key must be given, as in /watch?key=net.port", test::errorOf(response.body));
+    }
+    EXPECT_EQ(400, get(server.port(), "/watch?key=%zz").status);
+}
+
+TEST(WatchRoute, ASlowClientReceivesTheNewestValueInsteadOfABacklog) {
+    constexpr int changes = 2000;
+    const InProcessServer server;
+    HttpClient client = watcher(server.port(), "k", 4096);
+    const std::string padding(4096, 'x');
+    for (int i = 0; i <= changes; ++i)
+        server.configuration->set("k", OptionValue(padding + std::to_string(i)));
+    int events = 0;
+    std::string line;
+    do {
+        line = client.readLineStartingWith("data: ");
+        ASSERT_NE("", line);
+        ++events;
+    } while (line.find("x" + std::to_string(changes) + '"') == line.npos);
+    EXPECT_LT(events, changes / 2);
+}
+
+TEST(WatchRoute, AFastClientReceivesEveryValue) {
+    const InProcessServer server;
+    HttpClient client = watcher(server.port(), "k");
+    for (int i = 0; i < 1000; ++i) {
+        const std::string value = std::to_string(i);
+        server.configuration->set("k", OptionValue(value));
+        ASSERT_EQ(event("k", value), client.readLineStartingWith("data: "));
+    }
+}
+
+TEST(WatchRoute, SendsALargeValueCompletely) {
+    const InProcessServer server;
+    HttpClient client = watcher(server.port(), "k");
+    const std::string value(1000000, 'x');
+    server.configuration->set("k", OptionValue(value));
+    EXPECT_EQ(event("k", value), client.readLineStartingWith("data: "));
+}
+
+TEST(WatchRoute, SendsCommentsToKeepTheConnectionOpen) {
+    HttpLimits limits;
+    limits.commentInterval = std::chrono::milliseconds(1);
+    const InProcessServer server(limits);
+    HttpClient client = watcher(server.port(), "k");
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(":", client.readLine());
+        EXPECT_EQ("", client.readLine());
+    }
+    server.configuration->set("k", OptionValue(std::string("1")));
+    EXPECT_EQ(event("k", "1"), client.readLineStartingWith("data: "));
+}
+
+TEST(WatchRoute, AClientThatDisconnectsMakesRoomForAnother) {
+    HttpLimits limits;
+    limits.maxWatchers = 1;
+    const InProcessServer server(limits);
+    watcher(server.port(), "k"); // disconnects at once
+    std::string line;
+    do { // until the server has noticed
+        HttpClient next(server.port());
+        next.get("/watch?key=k");
+        line = next.readLine();
+    } while (line == "HTTP/1.1 503 Service Unavailable");
+    EXPECT_EQ("HTTP/1.1 200 OK", line);
+}
+
+TEST(WatchRoute, RespondsWithStatus503IfThereAreTooManyWatchers) {
+    HttpLimits limits;
+    limits.maxWatchers = 2;
+    const InProcessServer server(limits);
+    HttpClient first = watcher(server.port(), "k");
+    HttpClient second = watcher(server.port(), "k");
+    EXPECT_EQ(503, get(server.port(), "/watch?key=k").status);
+    server.configuration->set("k", OptionValue(std::string("1")));
+    EXPECT_EQ(event("k", "1"), first.readLine());
+    EXPECT_EQ(event("k", "1"), second.readLine());
+}
+
+} // namespace

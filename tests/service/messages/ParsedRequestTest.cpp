@@ -1,0 +1,190 @@
+#include <connector/service/messages/ParsedRequest.hpp>
+
+#include "support/Expect.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using connector::service::maxNesting;
+using connector::service::parseRequest;
+
+TEST(ParsedRequest, RejectsInvalidJson) {
+    const struct {
+        int line;
+        std::string text;
+    } rows[] = {
+        {__LINE__, "{"},
+        {__LINE__, "{\"a\":1"},
+        {__LINE__, "{\"a\":1} x"},
+        {__LINE__, "{\"a\":1}{\"b\":2}"},
+        {__LINE__, std::string("{}\0", 3)},
+        {__LINE__, "{\"a\":1,}"},
+        {__LINE__, "{\"a\":[1,]}"},
+        {__LINE__, "{\"a\" 1}"},
+        {__LINE__, "{a:1}"},
+        {__LINE__, "{'a':1}"},
+        {__LINE__, "{1:1}"},
+        {__LINE__, "{1e400:1}"},
+        {__LINE__, "{\"a\":01}"},
+        {__LINE__, "{\"a\":+1}"},
+        {__LINE__, "{\"a\":.5}"},
+        {__LINE__, "{\"a\":1.}"},
+        {__LINE__, "{\"a\":1e}"},
+        {__LINE__, "{\"a\":-}"},
+        {__LINE__, "{\"a\":099999999999999999999999}"},
+        {__LINE__, "{\"a\":1e400x}"},
+        {__LINE__, "{\"a\":0x10}"},
+        {__LINE__, "{\"a\":NaN}"},
+        {__LINE__, "{\"a\":Infinity}"},
+        {__LINE__, "{\"a\":True}"},
+        {__LINE__, "{\"a\":nul}"},
+        {__LINE__, "{\"a\":\"b}"},
+        {__LINE__, "{\"a\":\"\\x\"}"},
+        {__LINE__, "{\"a\":\"\\"},
+        {__LINE__, "{\"a\":\"\\u12\"}"},
+        {__LINE__, "{\"a\":\"\\ud800\"}"},
+        {__LINE__, "{\"a\":\"\\ud800\\u0041\"}"},
+        {__LINE__, "{\"a\":\"\\udc00\"}"},
+        {__LINE__, "{\"a\":\"\t\"}"},
+        {__LINE__, "{\"a\":\"\n\"}"},
+        {__LINE__, std::string("{\"a\":\"\0\"}", 9)},
+        {__LINE__, "{} // comment"},
+        {__LINE__, "{/* comment */}"},
+        {__LINE__, "{\"id\":}"},
+        {__LINE__, "{\"id\":[}"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        try {
+            parseRequest(row.text);
+            ADD_FAILURE() << "was read: " << row.text;
+        } catch (const std::invalid_argument& error) {
+            EXPECT_EQ(typeid(std::invalid_argument).name(), std::string(typeid(error).name()));
+            EXPECT_EQ(0u, std::string(error.what()).find("Text is not valid JSON: "))
+                << error.what();
+        }
+    }
+}
+
+TEST(ParsedRequest, RejectsInvalidUtf8) {
+    for (const char* text : {"\xff", "{\"a\":\"\xc3\"}", "{\"a\":\"\xed\xa0\x80\"}",
+                             "{\"a\":\"\xc0\x80\"}", "{\"a\":\"\xf4\x90\x80\x80\"}"})
+        test::expectThrows<std::invalid_argument>("Text is not valid UTF-8",
+                                                  [text] { parseRequest(text); });
+}
+
+TEST(ParsedRequest, RejectsEverythingButObjects) {
+    for (const char* text :
+         {"", " ", "[]", "[{}]", "1", "\"a\"", "null", "x", "}", "\xEF\xBB\xBF{}"})
+        test::expectThrows<std::invalid_argument>("A request is a JSON object",
+                                                  [text] { parseRequest(text); });
+}
+
+TEST(ParsedRequest, IgnoresSurroundingWhitespace) {
+    EXPECT_TRUE(parseRequest(" \t\r\n{ }\n ").object->getNames().empty());
+}
+
+TEST(ParsedRequest, TheLastMemberOfANameCounts) {
+    EXPECT_EQ(2, parseRequest(R"({"a":1,"a":2})").object->getValue<int>("a"));
+}
+
+TEST(ParsedRequest, AStringMayContainNul) {
+    EXPECT_EQ(std::string("x\0y", 3),
+              parseRequest(R"({"a":"x\u0000y"})").object->getValue<std::string>("a"));
+}
+
+TEST(ParsedRequest, ReadsNumbersThatFitNoTypeAsText) {
+    for (const std::string number : {"1e400", "-1e400", "1.5E+999", "99999999999999999999",
+                                     "-9223372036854775809", "18446744073709551616"}) {
+        SCOPED_TRACE(number);
+        const auto object = parseRequest("{\"a\":" + number + ",\"b\":[" + number + "]}").object;
+        EXPECT_EQ(number, object->getValue<std::string>("a"));
+        EXPECT_EQ(number, object->getArray("b")->getElement<std::string>(0));
+    }
+}
+
+TEST(ParsedRequest, ReadsOtherNumbersAsNumbers) {
+    for (const char* number : {"0", "-1", "-9223372036854775808", "9223372036854775807",
+                               "9223372036854775808", "18446744073709551615", "1.5", "1e+300"}) {
+        SCOPED_TRACE(number);
+        const auto object = parseRequest(std::string("{\"a\":") + number + "}").object;
+        EXPECT_EQ(number, object->getValue<std::string>("a"));
+        EXPECT_TRUE(object->get("a").isNumeric());
+        EXPECT_FALSE(object->get("a").isString());
+    }
+}
+
+TEST(ParsedRequest, LeavesDigitsInStringsUnchanged) {
+    EXPECT_EQ(
+        "\"1e400 99999999999999999999",
+        parseRequest(R"({"a":"\"1e400 99999999999999999999"})").object->getValue<std::string>("a"));
+}
+
+TEST(ParsedRequest, LimitsNesting) {
+    const auto nested = [](std::size_t depth) {
+        return "{\"a\":" + std::string(depth - 1, '[') + std::string(depth - 1, ']') + "}";
+    };
+    EXPECT_NO_THROW(parseRequest(nested(maxNesting)));
+    EXPECT_NO_THROW(parseRequest(nested(maxNesting)).content());
+    for (const std::size_t depth : {maxNesting + 1, std::size_t(500000)})
+        test::expectThrows<std::invalid_argument>("A request has at most 64 levels of nesting",
+                                                  [&] { parseRequest(nested(depth)).content(); });
+}
+
+TEST(ParsedRequest, HasItsIdEvenIfNestedTooDeeply) {
+    const std::string brackets = std::string(100, '[') + std::string(100, ']');
+    const std::string members = std::string(R"({"a":)") + brackets;
+    EXPECT_EQ("1", parseRequest(members + R"(,"id":1})").id);
+    EXPECT_EQ("1", parseRequest(R"({"id":1,"a":)" + brackets + "}").id);
+    EXPECT_EQ(brackets, parseRequest(R"({"\u0069d": )" + brackets + "}").id);
+    EXPECT_FALSE(parseRequest(members + R"(,"b":{"id":1}})").id);
+}
+
+/// @return the text inside alternating objects and arrays
+std::string wrapped(int depth, const std::string& inside) {
+    std::string text;
+    for (int i = 0; i < depth; ++i)
+        text += i % 2 == 0 ? "{\"a\":" : "[1e400,";
+    text += inside;
+    for (int i = depth; i-- > 0;)
+        text += i % 2 == 0 ? "}" : "]";
+    return text;
+}
+
+TEST(ParsedRequest, IsValidatedAtAnyDepth) {
+    const char* const wrong[] = {"",      "x",         "[1,]",   "{\"a\":}", "[}",    "]",
+                                 "[1 2]", "[1][2]",    "1[2]",   "[01]",     "{1:2}", "{[]:1}",
+                                 "[",     "[\"\\x\"]", "[[1]2]", "{\"a\"}",  "\"",    "[-[]]"};
+    const char* const right[] = {"1", "[]", "{}", "[[1],[2],{\"b\":[]}]", R"("]}[{\"")", "-0.5"};
+    for (const int depth : {62, 63, 64, 65, 94, 95, 96, 97, 98, 127, 128, 129, 130, 1000}) {
+        SCOPED_TRACE(depth);
+        for (const char* inside : wrong)
+            EXPECT_THROW(parseRequest(wrapped(depth, inside)), std::invalid_argument) << inside;
+        for (const char* inside : right)
+            EXPECT_NO_THROW(parseRequest(wrapped(depth, inside))) << inside;
+    }
+}
+
+TEST(ParsedRequest, AMegabyteOfBracketsIsInvalid) {
+    for (const char* bracket : {"[", "{\"a\":", "{\"a\":[", "[[],", "{\"a\":1,\"b\":"}) {
+        std::string text = "{\"a\":";
+        while (text.size() < 1000000)
+            text += bracket;
+        EXPECT_THROW(parseRequest(text), std::invalid_argument) << bracket;
+    }
+}
+
+TEST(ParsedRequest, IgnoresIdsOfInnerObjects) {
+    EXPECT_FALSE(parseRequest(R"({"a":{"id":1},"b":["id",{"id":2}],"c":"id"})").id);
+    EXPECT_EQ("3", parseRequest(R"({"a":{"id":1},"id":3,"b":{"id":4}})").id);
+}
+
+TEST(ParsedRequest, TheNameOfTheIdMayBeEscaped) {
+    EXPECT_EQ("1", parseRequest(R"({"\u0069\u0064":1})").id);
+    EXPECT_FALSE(parseRequest(R"({"\\u0069d":1,"ID":2,"i\u0064 ":3})").id);
+}
+
+} // namespace
