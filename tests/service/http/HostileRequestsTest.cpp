@@ -2,6 +2,7 @@
 #include "service/support/HttpClient.hpp"
 #include "service/support/Mutations.hpp"
 #include "service/support/ServerProcess.hpp"
+
 #include <connector/service/messages/ParsedRequest.hpp>
 
 #include <gtest/gtest.h>

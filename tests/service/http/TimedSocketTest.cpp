@@ -1,4 +1,5 @@
 #include "service/support/HttpClient.hpp"
+
 #include <connector/service/http/TimedSocket.hpp>
 
 #include <Poco/Net/ServerSocket.h>

@@ -1,6 +1,7 @@
 /// serve with ten thousand corrupted requests.
 #include "service/support/Mutations.hpp"
 #include "tools/support/Program.hpp"
+
 #include <connector/service/messages/ParsedRequest.hpp>
 
 #include <gtest/gtest.h>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "values/ValueType.hpp"
+
 #include <connector/service/text/Secrets.hpp>
 
 #include <string>

@@ -1,6 +1,7 @@
 #include "arguments/FileArgument.hpp"
 
 #include "values/WrongArguments.hpp"
+
 #include <connector/service/text/Number.hpp>
 
 #include <map>

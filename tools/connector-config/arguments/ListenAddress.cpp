@@ -1,6 +1,7 @@
 #include "arguments/ListenAddress.hpp"
 
 #include "values/WrongArguments.hpp"
+
 #include <connector/service/text/Number.hpp>
 
 namespace connector_config {

@@ -1,6 +1,7 @@
 #include "commands/ServeHttp.hpp"
 
 #include "display/Output.hpp"
+
 #include <connector/service/http/HttpService.hpp>
 
 #include <Poco/Exception.h>

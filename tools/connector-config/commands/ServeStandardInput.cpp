@@ -1,6 +1,7 @@
 #include "commands/ServeStandardInput.hpp"
 
 #include "display/Output.hpp"
+
 #include <connector/service/messages/LineReader.hpp>
 #include <connector/service/messages/MessageService.hpp>
 #include <connector/service/messages/ParsedRequest.hpp>

@@ -2,6 +2,7 @@
 
 #include "display/TextTable.hpp"
 #include "values/ValueText.hpp"
+
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
 #include <connector/service/text/Secrets.hpp>

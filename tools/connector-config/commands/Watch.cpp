@@ -5,6 +5,7 @@
 #include "display/Output.hpp"
 #include "values/ValueText.hpp"
 #include "values/WrongArguments.hpp"
+
 #include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Json.hpp>
 #include <connector/service/text/Secrets.hpp>

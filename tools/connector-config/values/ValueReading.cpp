@@ -1,6 +1,7 @@
 #include "values/ValueReading.hpp"
 
 #include "values/WrongArguments.hpp"
+
 #include <connector/service/text/Number.hpp>
 #include <connector/service/text/Secrets.hpp>
 #include <connector/service/text/Utf8.hpp>
