@@ -1,7 +1,7 @@
 /// What diagnostics cost while they are off. This program counts its allocations, those of the
 /// libraries included; therefore it is a program of its own.
-#include "support/AllocationCount.hpp"
 #include "configuration/Answers.hpp"
+#include "support/AllocationCount.hpp"
 #include "support/LogCapture.hpp"
 
 #include <connector/async/Future.hpp>

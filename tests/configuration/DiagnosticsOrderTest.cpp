@@ -2,18 +2,18 @@
 /// A sink that throws shows the second, since what comes later does not happen.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "support/Expect.hpp"
 #include "support/LogCapture.hpp"
+#include "support/ObservedThread.hpp"
 
 #include <foundation/log/basic_diagnostic_logger.hpp>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <functional>
-#include <future>
 #include <memory>
 #include <string>
 
@@ -28,6 +28,8 @@ using test::LogCapture;
 using test::LogRecord;
 using test::makeConfiguration;
 using test::MutexHolder;
+using test::MutexProbe;
+using test::ObservedThread;
 using test::sourcesOf;
 using testing::ElementsAre;
 
@@ -67,41 +69,33 @@ std::shared_ptr<ConfigurationImpl> withY() {
     return configuration;
 }
 
-TEST(DiagnosticsOrder, TheFirstLineOfAnOperationComesBeforeTheMutex) {
+TEST(DiagnosticsOrder, TheFirstLineOfAnOperationIsWrittenBeforeTheMutexIsTaken) {
     for (const Operation& operation : writtenBeforeTheMutex) {
         SCOPED_TRACE(operation.line);
         const auto configuration = withY();
         MutexHolder holder(*configuration);
-        std::promise<void> written;
-        const LogCapture log([&](const LogRecord& record) {
-            if (record.message == operation.text)
-                written.set_value();
-        });
-        set_diagnostic_mask(logger, 8);
-        auto over = std::async(std::launch::async, [&] { operation.run(*configuration); });
-        EXPECT_EQ(std::future_status::ready, written.get_future().wait_for(test::patience));
-        set_diagnostic_mask(logger, 0);
+        const test::CoreLog log;
+        ObservedThread thread([&] { operation.run(*configuration); });
+        EXPECT_TRUE(thread.blocksOn(*configuration));
+        EXPECT_THAT(log.lines(), ElementsAre(operation.text));
         holder.release();
-        over.get();
+        thread.join();
     }
 }
 
-TEST(DiagnosticsOrder, TheLaterLinesComeUnderTheMutex) {
+TEST(DiagnosticsOrder, TheLaterLinesAreWrittenUnderTheMutex) {
     for (const Operation& operation : writtenUnderTheMutex) {
         SCOPED_TRACE(operation.line);
         const auto configuration = withY();
-        std::future<void> intruder;
-        bool gotIn = true;
+        MutexProbe probe(*configuration);
+        bool held = false;
         const LogCapture log([&](const LogRecord& record) {
-            if (record.message != operation.text)
-                return;
-            intruder = std::async(std::launch::async, [&] { configuration->has("x"); });
-            // Nobody gets in, so this is a wait for nothing, and short.
-            gotIn = intruder.wait_for(std::chrono::milliseconds(20)) == std::future_status::ready;
+            if (record.message == operation.text)
+                held = probe.isHeld();
         });
         set_diagnostic_mask(logger, 8);
         operation.run(*configuration);
-        EXPECT_FALSE(gotIn);
+        EXPECT_TRUE(held);
     }
 }
 
@@ -120,7 +114,7 @@ TEST(FailingSink, BeforeASetPreventsIt) {
     for (const std::string line : {"set: x", "set: x@override"}) {
         runWithFailingSink(line, [&] { configuration->set("x", 1); });
         EXPECT_FALSE(has(*configuration, "x"));
-        EXPECT_TRUE(test::isFree(*configuration));
+        EXPECT_TRUE(test::mutexIsFree(*configuration));
     }
 }
 
@@ -129,7 +123,7 @@ TEST(FailingSink, BeforeASetOfANamedSourcePreventsIt) {
     for (const std::string line : {"set: x, default", "set: x@default"}) {
         runWithFailingSink(line, [&] { configuration->set("x", 1, "default"); });
         EXPECT_FALSE(has(*configuration, "x"));
-        EXPECT_TRUE(test::isFree(*configuration));
+        EXPECT_TRUE(test::mutexIsFree(*configuration));
     }
 }
 
@@ -139,14 +133,14 @@ TEST(FailingSink, BeforeAnUpdateLeavesTheValueWritten) {
     runWithFailingSink("updatePublishers: x", [&] { configuration->set("x", 1); });
     EXPECT_EQ(1, intOf(*configuration, "x"));
     EXPECT_THAT(subscriber->values(), ElementsAre());
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST(FailingSink, BeforeALookupPreventsIt) {
     const auto configuration = withY();
     runWithFailingSink("get: y from default", [&] { configuration->get("y"); });
     runWithFailingSink("get option: y from default", [&] { configuration->getOption("y"); });
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
     EXPECT_EQ(2, intOf(*configuration, "y"));
 }
 
@@ -163,7 +157,7 @@ TEST(FailingSink, DuringAnAdditionLeavesTheSourceRegistered) {
         configuration->addInMemorySource("a", "", 5, false, {{"x", 1}});
     });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "a", "default"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST(FailingSink, BeforeARemovalPreventsIt) {
@@ -176,7 +170,7 @@ TEST(FailingSink, DuringARemovalLeavesTheSourceRemoved) {
     const auto configuration = withY();
     runWithFailingSink("updatePublishers: y", [&] { configuration->removeSource("default"); });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST(FailingSink, BeforeWatchingTakesNoId) {
@@ -190,7 +184,7 @@ TEST(FailingSink, BeforeWatchingTakesNoId) {
 TEST(FailingSink, DuringWatchingLeavesTheStreamInTheList) {
     const auto configuration = withY();
     runWithFailingSink("get: y from default", [&] { configuration->watchOption("y"); });
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
     test::CoreLog log;
     configuration->set("y", 3, "default");
     EXPECT_THAT(log.lines(), ElementsAre("set: y, default", "set: y@default", "updatePublishers: y",

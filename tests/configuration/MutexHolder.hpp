@@ -1,11 +1,11 @@
-/// Ways to see whether an operation takes a configuration's mutex.
+/// Holds a configuration's mutex on another thread.
 #pragma once
 
 #include "configuration/ScriptedSource.hpp"
+#include "support/ObservedThread.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
-#include <chrono>
 #include <functional>
 #include <future>
 #include <limits>
@@ -15,11 +15,8 @@
 
 namespace test {
 
-/// Longer than anything that is not stuck takes, on a loaded machine, too.
-inline constexpr std::chrono::seconds patience{20};
-
-/// Holds a configuration's mutex, on a thread of its own, from its construction to release(): inside
-/// the `has` of a source "holder", which nobody else asks, because it has a group of its own.
+/// Holds the mutex from construction to release(). Its thread sits inside the `has` of a source named
+/// "holder", whose group no other lookup matches.
 class MutexHolder {
 public:
     explicit MutexHolder(connector::configuration::ConfigurationImpl& newConfiguration)
@@ -57,24 +54,16 @@ private:
     std::thread thread;
 };
 
-/// @return whether the operation is over while another thread holds the mutex. An operation that
-///         waits for the mutex is given `limit`, and ends afterwards.
-inline bool endsWithoutTheMutex(connector::configuration::ConfigurationImpl& configuration,
-                                const std::function<void()>& operation,
-                                std::chrono::milliseconds limit = patience) {
+/// Runs an operation while another thread holds the mutex.
+/// @return whether the operation waits for the mutex
+inline bool waitsForMutex(connector::configuration::ConfigurationImpl& configuration,
+                          std::function<void()> operation) {
     MutexHolder holder(configuration);
-    std::future<void> over = std::async(std::launch::async, operation);
-    const bool inTime = over.wait_for(limit) == std::future_status::ready;
+    ObservedThread thread(std::move(operation));
+    const bool waits = thread.blocksOn(configuration);
     holder.release();
-    over.get();
-    return inTime;
-}
-
-/// @return whether another thread gets into the configuration
-inline bool isFree(connector::configuration::Configuration& configuration) {
-    std::future<void> over =
-        std::async(std::launch::async, [&configuration] { configuration.has("some key"); });
-    return over.wait_for(patience) == std::future_status::ready;
+    thread.join();
+    return waits;
 }
 
 } // namespace test

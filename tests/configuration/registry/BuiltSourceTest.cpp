@@ -109,7 +109,7 @@ TEST(AddPropertyFileSource, ReadsTheFileBeforeItLooksAtTheName) {
 
 TEST(AddPropertyFileSource, FailsToReadWithoutTheMutex) {
     const auto configuration = makeConfiguration();
-    EXPECT_TRUE(test::endsWithoutTheMutex(*configuration, [&] {
+    EXPECT_FALSE(test::waitsForMutex(*configuration, [&] {
         EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, nowhere));
     }));
 }
@@ -140,7 +140,7 @@ TEST(AddEnvironmentSource, DoesNotMindANameThatIsTaken) {
 
 TEST(AddEnvironmentSource, TakesNoMutex) {
     const auto configuration = makeConfiguration();
-    EXPECT_TRUE(test::endsWithoutTheMutex(
+    EXPECT_FALSE(test::waitsForMutex(
         *configuration, [&] { configuration->addEnvironmentSource("environment", "", 5); }));
 }
 

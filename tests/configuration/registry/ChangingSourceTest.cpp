@@ -1,6 +1,6 @@
 /// A source that answers has differently from one question to the next.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/ScriptedSource.hpp"
 #include "support/Expect.hpp"
 #include "support/LogCapture.hpp"
@@ -37,7 +37,7 @@ TEST_F(ChangingSource, MakesGetThrowWithATextOfItsOwn) {
     expectThrows<std::runtime_error>("No option value for key: net.x",
                                      [&] { configuration->get("net.x"); });
     EXPECT_THAT(journal, ElementsAre("changing has x", "changing has x"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(ChangingSource, MakesGetOptionThrowWithATextOfItsOwn) {
@@ -45,7 +45,7 @@ TEST_F(ChangingSource, MakesGetOptionThrowWithATextOfItsOwn) {
     expectThrows<std::runtime_error>("No option for key: net.x",
                                      [&] { configuration->getOption("net.x"); });
     EXPECT_THAT(journal, ElementsAre("changing has x", "changing has x"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(ChangingSource, ThatSaysNoAtFirstIsNotAskedAgain) {
@@ -73,14 +73,14 @@ TEST_F(ChangingSource, SuppliesTheValueWhenItHasTheKeyInTime) {
 TEST_F(ChangingSource, ThatFailsToGiveWhatItHasThrowsItsOwnException) {
     source->answersOfHas = {true, true};
     EXPECT_THROW(configuration->get("net.missing"), std::out_of_range);
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(ChangingSource, MakesWatchOptionThrowAndLeavesTheStreamInTheList) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",
                                      [&] { configuration->watchOption("net.x"); });
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 
     const test::CoreLog log; // the only witness: nobody has a pointer to that stream
     source->report("x");
@@ -92,14 +92,14 @@ TEST_F(ChangingSource, MakesSetThrowAfterTheValueWasWritten) {
     expectThrows<std::runtime_error>("No option value for key: net.x",
                                      [&] { configuration->set("net.x", 5, "changing"); });
     EXPECT_EQ(5, test::intOf(*configuration, "net.x"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(ChangingSource, MakesAReportedChangeThrowToTheSource) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",
                                      [&] { source->report("x"); });
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(ChangingSource, MakesARemovalOfAnotherThrowAfterItIsRemoved) {

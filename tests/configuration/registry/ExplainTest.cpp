@@ -1,6 +1,6 @@
 /// What every source says about a key.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/ScriptedSource.hpp"
 #include "support/LogCapture.hpp"
 
@@ -119,7 +119,7 @@ TEST(Explain, LetsTheExceptionOfASourceThrough) {
     source->onHas = [](const std::string&) { throw std::range_error("no answer"); };
     EXPECT_THROW(configuration->explain("x"), std::range_error);
     source->onHas = nullptr;
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST(Explain, ChangesNothingAndWritesNoLine) {

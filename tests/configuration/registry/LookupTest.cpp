@@ -1,6 +1,6 @@
 /// Reading, testing and listing options.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/ScriptedSource.hpp"
 #include "support/Expect.hpp"
 
@@ -219,20 +219,20 @@ TEST_F(LookupCalls, WithAFailingSourceThrowAndLeaveNoFuture) {
     EXPECT_THROW(configuration->getOption("x"), std::range_error);
     EXPECT_THROW(configuration->has("x"), std::range_error);
     all->onHas = nullptr;
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(LookupCalls, WithASourceThatFailsToGiveItsValueThrow) {
     all->onGet = [](const std::string&) { throw std::range_error("no value"); };
     EXPECT_THROW(configuration->get("x"), std::range_error);
     EXPECT_THROW(configuration->getOption("x"), std::range_error);
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(LookupCalls, WithASourceThatFailsToListItsKeysThrow) {
     all->onKeys = [](const std::string&) { throw std::range_error("no keys"); };
     EXPECT_THROW(configuration->keys(), std::range_error);
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 /// What a source sees while it is registered, and what becomes of it when it fails.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
 #include "support/Expect.hpp"
@@ -123,7 +123,7 @@ TEST_F(SourceRegistration, KeepsASourceWhoseKeysCannotBeListed) {
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("a", "override", "default"));
     EXPECT_EQ(1, test::intOf(*configuration, "x"));
     EXPECT_FALSE(source->isWatched());
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(SourceRegistration, KeepsASourceThatTakesNoWatcher) {
@@ -132,7 +132,7 @@ TEST_F(SourceRegistration, KeepsASourceThatTakesNoWatcher) {
     EXPECT_THROW(add(source), SourceFailure);
     source->onSetWatcher = nullptr;
     EXPECT_EQ(1, test::intOf(*configuration, "x"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(SourceRegistration, KeepsASourceThatFailsToAnswerWhetherItHasAKey) {

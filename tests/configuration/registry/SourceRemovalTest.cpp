@@ -1,6 +1,6 @@
 /// What a source sees when it is removed and when its configuration goes.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
 
@@ -128,7 +128,7 @@ TEST_F(SourceRemoval, OfASourceWhoseKeysCannotBeListedThrowsAndKeepsIt) {
     source->onKeys = [](const std::string&) { throw std::range_error("no keys"); };
     EXPECT_THROW(remove("a"), std::range_error);
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("a", "override", "default"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(SourceRemoval, StandsAlthoughAnotherSourceFailsAfterwards) {
@@ -138,7 +138,7 @@ TEST_F(SourceRemoval, StandsAlthoughAnotherSourceFailsAfterwards) {
     EXPECT_THROW(remove("a"), std::range_error);
     other->onHas = nullptr;
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "other", "default"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(SourceRemoval, GoesOnWithTheRegistryAsASubscriberLeftIt) {

@@ -1,6 +1,6 @@
 /// Writing options.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
 #include "support/Expect.hpp"
@@ -222,7 +222,7 @@ TEST_F(SetCalls, LetTheExceptionOfASourceThrough) {
     expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80); });
     expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80, "net"); });
     EXPECT_FALSE(test::has(*configuration, "net.port"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(SetCalls, KeepASourceThatItsWatcherRemovesUntilTheyAreOver) {
@@ -272,7 +272,7 @@ TEST_F(SetBesidePropertyFile, ThrowsWhenItIsRegisteredAsWritable) {
     expectThrows<std::runtime_error>("PropertyFileSource does not support writing",
                                      [&] { configuration->set("port", 81, "file"); });
     EXPECT_EQ("80", boost::get<std::string>(configuration->get("port").get()));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 /// Subscribers that throw: who is told, and who is not harmed.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "support/LogCapture.hpp"
 
@@ -136,7 +136,7 @@ TEST(FailingSubscriber, DoesNotHarmWhoeverChangesTheOption) {
     watch(*configuration, "x", throwException);
     EXPECT_EQ(1, test::intIn(configuration->set("x", 1)));
     EXPECT_EQ(1, test::intOf(*configuration, "x"));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST(FailingSubscriber, IsServedAgainByTheNextChange) {

@@ -1,6 +1,6 @@
 /// Which values reach the watchers of an option, and when.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
 #include "support/Expect.hpp"
@@ -191,7 +191,7 @@ TEST(WatchOption, NeverUsesTheIdOfAStreamAgain) {
 TEST(WatchOption, OnTheStackThrows) {
     connector::configuration::ConfigurationImpl configuration;
     EXPECT_THROW(configuration.watchOption("x"), std::bad_weak_ptr);
-    EXPECT_TRUE(test::isFree(configuration));
+    EXPECT_TRUE(test::mutexIsFree(configuration));
 }
 
 TEST(WatchOption, WithoutAnOwnerConsumesAnId) {
@@ -213,7 +213,7 @@ TEST(WatchOption, ThrowsWhatASourceThrowsAndKeepsTheStream) {
     source->onHas = [](const std::string&) { throw std::range_error("no answer"); };
     expectThrows<std::range_error>("no answer", [&] { configuration->watchOption("x"); });
     source->onHas = nullptr;
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 
     const test::CoreLog log; // the only witness: nobody has a pointer to that stream
     configuration->set("x", 1);

@@ -1,27 +1,23 @@
 /// Subscribers that call back into the configuration, and the locks that are held meanwhile.
 #include "configuration/Answers.hpp"
-#include "configuration/MutexHolder.hpp"
+#include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <condition_variable>
-#include <future>
 #include <memory>
 #include <string>
 
 namespace {
 
-using connector::configuration::ConfigurationImpl;
 using connector::configuration::OptionValue;
 using test::has;
 using test::intOf;
 using test::Journal;
 using test::makeConfiguration;
-using test::patience;
+using test::MutexProbe;
 using test::RecordingSubscriber;
 using test::ScriptedSource;
 using test::sourcesOf;
@@ -149,30 +145,13 @@ TEST(WatchReentrancy, ASubscriberMayUseTheConfigurationWhenItsStreamCompletes) {
     EXPECT_FALSE(found);
 }
 
-/// Makes another thread ask the configuration, from inside a subscriber.
-class Intruder {
-public:
-    explicit Intruder(ConfigurationImpl& newConfiguration) : configuration(newConfiguration) {}
-
-    /// @return whether another thread gets in within the time
-    bool getsIn(std::chrono::milliseconds limit) {
-        visit = std::async(std::launch::async, [this] { configuration.has("intruder"); });
-        return visit.wait_for(limit) == std::future_status::ready;
-    }
-
-private:
-    ConfigurationImpl& configuration;
-    std::future<void> visit; // ends at the latest when everything is over
-};
-
 TEST(WatchLocks, TheThreadThatSetsKeepsTheMutexDuringTheNotifications) {
     const auto configuration = makeConfiguration();
-    Intruder intruder(*configuration);
-    bool gotIn = true;
-    watch(*configuration, "x",
-          [&](int) { gotIn = intruder.getsIn(std::chrono::milliseconds(50)); });
+    MutexProbe probe(*configuration);
+    bool held = false;
+    watch(*configuration, "x", [&](int) { held = probe.isHeld(); });
     configuration->set("x", 1);
-    EXPECT_FALSE(gotIn);
+    EXPECT_TRUE(held);
 }
 
 TEST(WatchLocks, AChangeThatASourceReportsIsToldWithTheMutexReleased) {
@@ -180,43 +159,43 @@ TEST(WatchLocks, AChangeThatASourceReportsIsToldWithTheMutexReleased) {
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "a");
     configuration->addSource("a", "", -1, false, source);
-    Intruder intruder(*configuration);
-    bool gotIn = false;
-    watch(*configuration, "x", [&](int) { gotIn = intruder.getsIn(patience); });
+    MutexProbe probe(*configuration);
+    bool held = true;
+    watch(*configuration, "x", [&](int) { held = probe.isHeld(); });
     source->change("x", 1);
-    EXPECT_TRUE(gotIn);
+    EXPECT_FALSE(held);
 }
 
 TEST(WatchLocks, AnAddedSourceIsToldWithTheMutexReleased) {
     const auto configuration = makeConfiguration();
-    Intruder intruder(*configuration);
-    bool gotIn = false;
-    watch(*configuration, "x", [&](int) { gotIn = intruder.getsIn(patience); });
+    MutexProbe probe(*configuration);
+    bool held = true;
+    watch(*configuration, "x", [&](int) { held = probe.isHeld(); });
     configuration->addInMemorySource("a", "", -1, false, {{"x", 1}});
-    EXPECT_TRUE(gotIn);
+    EXPECT_FALSE(held);
 }
 
 TEST(WatchLocks, ARemovedSourceIsToldWithTheMutexReleased) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1, "default");
     configuration->set("x", 2);
-    Intruder intruder(*configuration);
-    bool gotIn = false;
+    MutexProbe probe(*configuration);
+    bool held = true;
     const auto subscriber = watch(*configuration, "x", [&](int value) {
         if (value == 1)
-            gotIn = intruder.getsIn(patience);
+            held = probe.isHeld();
     });
     configuration->removeSource("override");
-    EXPECT_TRUE(gotIn);
+    EXPECT_FALSE(held);
 }
 
 TEST(WatchLocks, AStreamThatIsRemovedCompletesWithTheMutexReleased) {
     const auto configuration = makeConfiguration();
-    Intruder intruder(*configuration);
-    bool gotIn = false;
-    watch(*configuration, "x")->inOnComplete = [&] { gotIn = intruder.getsIn(patience); };
+    MutexProbe probe(*configuration);
+    bool held = true;
+    watch(*configuration, "x")->inOnComplete = [&] { held = probe.isHeld(); };
     configuration->removeStream(0);
-    EXPECT_TRUE(gotIn);
+    EXPECT_FALSE(held);
 }
 
 TEST(WatchLocks, TheMutexIsFreeAfterEveryKindOfNotification) {
@@ -226,7 +205,7 @@ TEST(WatchLocks, TheMutexIsFreeAfterEveryKindOfNotification) {
     configuration->addInMemorySource("a", "", -1, false, {{"x", 2}});
     configuration->removeSource("a");
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 1));
-    EXPECT_TRUE(test::isFree(*configuration));
+    EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 } // namespace
