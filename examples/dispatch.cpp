@@ -1,5 +1,5 @@
-/// Asks a configuration service for an option, as a component does that knows the service only by its
-/// messages: makes a request, dispatches it, and reads the reply out of the future.
+/// Asks a configuration service for an option, as a component does that knows the service only by
+/// its messages: makes a request, dispatches it, and reads the reply out of the future.
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/configuration/service/ConfigurationGet.hpp>
 #include <connector/configuration/service/ConfigurationOptionResponse.hpp>

@@ -1,4 +1,4 @@
-/// Short ways to say what a configuration answers.
+/// Shorthands for queries to a configuration.
 #pragma once
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -16,7 +16,7 @@ inline std::shared_ptr<connector::configuration::ConfigurationImpl> makeConfigur
     return std::make_shared<connector::configuration::ConfigurationImpl>();
 }
 
-/// @return the int in a result; throws when there is a failure or another type in it
+/// @return the int that the future holds. Throws when it holds a failure or another type
 inline int intIn(connector::Future<connector::configuration::OptionValue> future) {
     return boost::get<int>(future.get());
 }

@@ -1,4 +1,4 @@
-/// The shape of the interface: what applications are compiled against.
+/// The binary interface, against which applications are compiled.
 #include "configuration/Answers.hpp"
 #include "support/Slots.hpp"
 
@@ -36,7 +36,7 @@ using Values = std::unordered_map<std::string, OptionValue>;
 using Text = const std::string&;
 using Stream = std::shared_ptr<CachedValuePublisher<OptionValue, std::function<void()>>>;
 
-// Naming an operation with its whole type makes sure that it has it.
+// Each of these compiles only if the operation has exactly this type.
 Future<OptionValue> (Configuration::*const get)(Text) = &Configuration::get;
 Future<Option> (Configuration::*const getOption)(Text) = &Configuration::getOption;
 Future<OptionValue> (Configuration::*const set)(Text, OptionValue) = &Configuration::set;
@@ -71,31 +71,31 @@ TEST(Configuration, KeepsItsOperationsInTheirSlots) {
 }
 #endif
 
-TEST(ConfigurationImpl, IsAConfigurationFirst) {
+TEST(ConfigurationImpl, HasConfigurationAsItsFirstBase) {
     const auto configuration = test::makeConfiguration();
     EXPECT_EQ(static_cast<void*>(configuration.get()),
               static_cast<void*>(static_cast<Configuration*>(configuration.get())));
 }
 
-TEST(ConfigurationImpl, GivesAPointerToItself) {
+TEST(ConfigurationImpl, ReturnsAPointerToItself) {
     const auto configuration = test::makeConfiguration();
     const std::shared_ptr<Configuration> pointer = configuration->getPtr();
     EXPECT_EQ(configuration, pointer);
     EXPECT_EQ(2, configuration.use_count());
 }
 
-TEST(ConfigurationImpl, OnTheStackHasNoPointerToGive) {
+TEST(ConfigurationImpl, OnTheStackThrowsFromGetPtr) {
     ConfigurationImpl configuration;
     EXPECT_THROW(configuration.getPtr(), std::bad_weak_ptr);
 }
 
-TEST(ConfigurationImpl, OnTheStackReadsAndWrites) {
+TEST(ConfigurationImpl, OnTheStackCanReadAndWrite) {
     ConfigurationImpl configuration;
     configuration.set("key", 7);
     EXPECT_EQ(7, test::intOf(configuration, "key"));
 }
 
-TEST(ConfigurationImpl, IsUsedThroughItsInterface) {
+TEST(ConfigurationImpl, IsUsableThroughItsInterface) {
     const std::shared_ptr<Configuration> configuration = std::make_shared<ConfigurationImpl>();
     ((*configuration).*setAt)("key", 7, "default");
     EXPECT_EQ(7, boost::get<int>(((*configuration).*get)("key").get()));

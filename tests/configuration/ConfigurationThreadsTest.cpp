@@ -1,4 +1,4 @@
-/// Threads that use one configuration at the same time. Meant for the thread sanitizer, too.
+/// Several threads use one configuration. Also meant for the thread sanitizer.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexHolder.hpp"
 #include "configuration/RecordingSubscriber.hpp"
@@ -23,7 +23,7 @@ using test::makeConfiguration;
 using test::RecordingSubscriber;
 using test::watch;
 
-TEST(ConfigurationThreads, EveryOperationOnTheRegistryWaitsForTheMutex) {
+TEST(ConfigurationThreads, EveryOperationOnTheRegistryTakesTheMutex) {
     const struct {
         int line;
         std::function<void(ConfigurationImpl&)> run;
@@ -37,7 +37,7 @@ TEST(ConfigurationThreads, EveryOperationOnTheRegistryWaitsForTheMutex) {
         {__LINE__, [](auto& configuration) { configuration.watchOption("x"); }},
         {__LINE__,
          [](auto& configuration) { configuration.addInMemorySource("a", "", 5, false, {}); }},
-        {__LINE__, [](auto& configuration) { configuration.removeSource("nobody"); }},
+        {__LINE__, [](auto& configuration) { configuration.removeSource("unknown"); }},
         {__LINE__, [](auto& configuration) { configuration.removeStream(0); }},
         {__LINE__, [](auto& configuration) { configuration.explain("x"); }},
     };
@@ -48,7 +48,7 @@ TEST(ConfigurationThreads, EveryOperationOnTheRegistryWaitsForTheMutex) {
     }
 }
 
-TEST(ConfigurationThreads, AFinishedStreamWaitsForTheMutex) {
+TEST(ConfigurationThreads, CancellingAStreamTakesTheMutex) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
     EXPECT_TRUE(test::waitsForMutex(*configuration, [&] { subscriber->cancel(); }));
@@ -59,7 +59,7 @@ TEST(ConfigurationThreads, GetPtrTakesNoMutex) {
     EXPECT_FALSE(test::waitsForMutex(*configuration, [&] { configuration->getPtr(); }));
 }
 
-TEST(ConfigurationThreads, NoUpdateIsLostBetweenTwoWriters) {
+TEST(ConfigurationThreads, EveryUpdateOfTwoWritersIsDelivered) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
     constexpr int rounds = 200;
@@ -72,14 +72,15 @@ TEST(ConfigurationThreads, NoUpdateIsLostBetweenTwoWriters) {
     other.join();
 
     std::vector<int> values = subscriber->values();
-    EXPECT_EQ(test::intOf(*configuration, "x"), values.back()); // set after set, so in order
+    EXPECT_EQ(test::intOf(*configuration, "x"),
+              values.back()); // set delivers under the mutex, so in order
     std::sort(values.begin(), values.end());
     ASSERT_EQ(2u * rounds, values.size());
     for (int i = 0; i < 2 * rounds; ++i)
         EXPECT_EQ(i, values[static_cast<std::size_t>(i)]);
 }
 
-/// What one thread does: operations at random, from a seed of its own, on a few keys and names.
+/// Runs random operations on a few keys and source names, from a seed of its own.
 class Actor {
 public:
     Actor(ConfigurationImpl& newConfiguration, unsigned seed)
@@ -90,8 +91,8 @@ public:
             step();
     }
 
-    /// Those that were not cancelled.
-    std::vector<std::pair<std::string, std::shared_ptr<RecordingSubscriber>>> watchers;
+    /// The subscribers that were not cancelled, with their keys.
+    std::vector<std::pair<std::string, std::shared_ptr<RecordingSubscriber>>> subscribers;
 
 private:
     unsigned any(unsigned limit) { return random() % limit; }
@@ -121,38 +122,38 @@ private:
             configuration.removeSource(anyName());
             break;
         case 5:
-            startToWatch();
+            startWatching();
             break;
         case 6:
-            stopToWatch();
+            stopWatching();
             break;
         default:
             configuration.set(anyKey(), anyNumber());
         }
     }
 
-    void startToWatch() {
-        if (watchers.size() >= 8)
+    void startWatching() {
+        if (subscribers.size() >= 8)
             return;
         const std::string key = anyKey();
-        watchers.emplace_back(key, watch(configuration, key, [this](int value) {
-                                  configuration.has(value % 2 == 0 ? "key0" : "net.key0");
-                              }));
+        subscribers.emplace_back(key, watch(configuration, key, [this](int value) {
+                                     configuration.has(value % 2 == 0 ? "key0" : "net.key0");
+                                 }));
     }
 
-    void stopToWatch() {
-        if (watchers.empty())
+    void stopWatching() {
+        if (subscribers.empty())
             return;
-        const auto chosen = watchers.begin() + any(static_cast<unsigned>(watchers.size()));
+        const auto chosen = subscribers.begin() + any(static_cast<unsigned>(subscribers.size()));
         chosen->second->cancel();
-        watchers.erase(chosen);
+        subscribers.erase(chosen);
     }
 
     ConfigurationImpl& configuration;
     std::mt19937 random;
 };
 
-TEST(ConfigurationThreads, UseOneConfigurationAtRandom) {
+TEST(ConfigurationThreads, RandomOperationsLeaveAWorkingConfiguration) {
     constexpr unsigned threadCount = 4;
     constexpr int steps = 20000;
     const unsigned seed = std::random_device{}();
@@ -169,10 +170,10 @@ TEST(ConfigurationThreads, UseOneConfigurationAtRandom) {
     for (std::thread& thread : threads)
         thread.join();
 
-    // All quiet. One more value reaches everybody who still watches, as the last one.
+    // All threads have ended. One more change must reach every remaining subscriber.
     configuration->addInMemorySource("last", "", -100, false, {});
     for (const auto& actor : actors) {
-        for (const auto& [key, subscriber] : actor->watchers) {
+        for (const auto& [key, subscriber] : actor->subscribers) {
             configuration->set(key, 5000);
             EXPECT_EQ(5000, subscriber->values().back()) << key;
             EXPECT_EQ(0, subscriber->completions());
@@ -180,7 +181,7 @@ TEST(ConfigurationThreads, UseOneConfigurationAtRandom) {
     }
 }
 
-TEST(ConfigurationThreads, EndStreamsWhileTheConfigurationGoes) {
+TEST(ConfigurationThreads, StreamsMayBeCancelledWhileTheConfigurationIsDestroyed) {
     for (int round = 0; round < 200; ++round) {
         auto configuration = makeConfiguration();
         const auto publisher = configuration->watchOption("x");

@@ -1,4 +1,4 @@
-/// The diagnostic lines of every operation, to the letter and in order.
+/// The exact diagnostic lines of every operation, in order.
 #include "configuration/Answers.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
@@ -30,7 +30,7 @@ using testing::IsEmpty;
 const std::string logger = "connector::configuration";
 const std::string inMemory = "N9connector13configuration14InMemorySourceE";
 
-/// A configuration made without a line, and a log from then on.
+/// The log starts after the configuration is constructed.
 class CoreDiagnostics : public testing::Test {
 protected:
     const std::shared_ptr<connector::configuration::ConfigurationImpl> configuration =
@@ -38,13 +38,13 @@ protected:
     CoreLog log;
 };
 
-TEST_F(CoreDiagnostics, OfTheConstructionNameTheBuiltInSources) {
+TEST_F(CoreDiagnostics, ConstructionLogsTheBuiltInSources) {
     makeConfiguration();
     EXPECT_THAT(log.lines(), ElementsAre("addSource: default, , 2147483647, 0, " + inMemory,
                                          "addSource: override, , 0, 0, " + inMemory));
 }
 
-TEST_F(CoreDiagnostics, HaveAChannelAndASeverity) {
+TEST_F(CoreDiagnostics, EveryLineHasAChannelAndASeverity) {
     configuration->set("x", 1);
     ASSERT_EQ(4u, log.records().size());
     for (const test::LogRecord& record : log.records()) {
@@ -53,14 +53,14 @@ TEST_F(CoreDiagnostics, HaveAChannelAndASeverity) {
     }
 }
 
-TEST_F(CoreDiagnostics, OfAnAddedSourceNameTheGroupAsItWasPassed) {
+TEST_F(CoreDiagnostics, AddSourceLogsTheGroupAsPassed) {
     configuration->addInMemorySource("a", "net", -5, true, {});
     configuration->addInMemorySource("b", "net.", 5, false, {});
     EXPECT_THAT(log.lines(), ElementsAre("addSource: a, net, -5, 1, " + inMemory,
                                          "addSource: b, net., 5, 0, " + inMemory));
 }
 
-TEST_F(CoreDiagnostics, OfAnAddedSourceFollowItsKeysInOrder) {
+TEST_F(CoreDiagnostics, AddSourceLogsItsKeysInOrder) {
     watch(*configuration, "net.port");
     log.clear();
     configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}, {"host", 1}});
@@ -70,7 +70,7 @@ TEST_F(CoreDiagnostics, OfAnAddedSourceFollowItsKeysInOrder) {
                             "get: net.port from a", "notifying watcher: net.port"));
 }
 
-TEST_F(CoreDiagnostics, OfAnAddedSourceNameWhoeverSuppliesTheKey) {
+TEST_F(CoreDiagnostics, AddSourceLogsTheSupplierOfEachKey) {
     configuration->set("x", 1);
     log.clear();
     configuration->addInMemorySource("a", "", 5, false, {{"x", 2}});
@@ -78,7 +78,7 @@ TEST_F(CoreDiagnostics, OfAnAddedSourceNameWhoeverSuppliesTheKey) {
                                          "get: x from override"));
 }
 
-TEST_F(CoreDiagnostics, OfAnAddedSourceNameItsDynamicType) {
+TEST_F(CoreDiagnostics, AddSourceLogsTheDynamicType) {
     test::Journal journal;
     const auto source = std::make_shared<test::ScriptedSource>(journal, "a");
     configuration->addSource("a", "", 5, false, source);
@@ -86,7 +86,7 @@ TEST_F(CoreDiagnostics, OfAnAddedSourceNameItsDynamicType) {
     configuration->removeSource("a");
 }
 
-TEST_F(CoreDiagnostics, OfAPropertyFileNameItsType) {
+TEST_F(CoreDiagnostics, AddPropertyFileSourceLogsItsType) {
     const std::filesystem::path path =
         std::filesystem::temp_directory_path() /
         ("core-diagnostics-test-" + std::to_string(::getpid()) + ".properties");
@@ -98,22 +98,22 @@ TEST_F(CoreDiagnostics, OfAPropertyFileNameItsType) {
                                          "updatePublishers: port", "get: port from file"));
 }
 
-TEST_F(CoreDiagnostics, OfAFileThatCannotBeOpenedAreNone) {
+TEST_F(CoreDiagnostics, AFileThatCannotBeOpenedLogsNothing) {
     EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, u"/no/such/file"));
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST_F(CoreDiagnostics, OfANameThatIsTakenAreTheFirstLineOnly) {
+TEST_F(CoreDiagnostics, ANameThatIsTakenLogsOnlyTheFirstLine) {
     configuration->addInMemorySource("default", "", 5, false, {{"x", 1}});
     EXPECT_THAT(log.lines(), ElementsAre("addSource: default, , 5, 0, " + inMemory));
 }
 
-TEST_F(CoreDiagnostics, WriteTheExtremeOrdersInDecimal) {
+TEST_F(CoreDiagnostics, AddSourceLogsTheSmallestOrderInDecimal) {
     configuration->addInMemorySource("a", "", std::numeric_limits<std::int32_t>::min(), false, {});
     EXPECT_THAT(log.lines(), ElementsAre("addSource: a, , -2147483648, 0, " + inMemory));
 }
 
-TEST_F(CoreDiagnostics, OfARemovedSourceNameItsOwnKeysWithoutTheGroup) {
+TEST_F(CoreDiagnostics, RemoveSourceLogsLocalKeysWithoutTheGroup) {
     configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}, {"host", 1}});
     configuration->set("port", 1);
     watch(*configuration, "port");
@@ -124,32 +124,32 @@ TEST_F(CoreDiagnostics, OfARemovedSourceNameItsOwnKeysWithoutTheGroup) {
                             "get: port from override", "notifying watcher: port"));
 }
 
-TEST_F(CoreDiagnostics, OfTheRemovalOfAnUnknownSourceAreOneLine) {
-    configuration->removeSource("nobody");
-    EXPECT_THAT(log.lines(), ElementsAre("removeSource: nobody"));
+TEST_F(CoreDiagnostics, RemovalOfAnUnknownSourceLogsOneLine) {
+    configuration->removeSource("unknown");
+    EXPECT_THAT(log.lines(), ElementsAre("removeSource: unknown"));
 }
 
-TEST_F(CoreDiagnostics, OfGetNameTheSupplier) {
+TEST_F(CoreDiagnostics, GetLogsTheSupplier) {
     configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}});
     log.clear();
     configuration->get("net.port");
     EXPECT_THAT(log.lines(), ElementsAre("get: net.port from a"));
 }
 
-TEST_F(CoreDiagnostics, OfGetOptionNameTheSupplier) {
+TEST_F(CoreDiagnostics, GetOptionLogsTheSupplier) {
     configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}});
     log.clear();
     configuration->getOption("net.port");
     EXPECT_THAT(log.lines(), ElementsAre("get option: net.port from a"));
 }
 
-TEST_F(CoreDiagnostics, OfAKeyThatNobodyHasAreNone) {
+TEST_F(CoreDiagnostics, LookupOfAMissingKeyLogsNothing) {
     configuration->get("x");
     configuration->getOption("x");
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST_F(CoreDiagnostics, OfSetNameTheTargetAndThenItsNotifications) {
+TEST_F(CoreDiagnostics, SetLogsTheTargetAndThenTheNotifications) {
     watch(*configuration, "x");
     watch(*configuration, "x");
     watch(*configuration, "y");
@@ -160,13 +160,13 @@ TEST_F(CoreDiagnostics, OfSetNameTheTargetAndThenItsNotifications) {
                                          "notifying watcher: x"));
 }
 
-TEST_F(CoreDiagnostics, OfSetWithASourceNameItTwice) {
+TEST_F(CoreDiagnostics, SetInANamedSourceLogsItsNameTwice) {
     configuration->set("x", 1, "default");
     EXPECT_THAT(log.lines(), ElementsAre("set: x, default", "set: x@default", "updatePublishers: x",
                                          "get: x from default"));
 }
 
-TEST_F(CoreDiagnostics, OfSetNameTheKeyWithItsGroup) {
+TEST_F(CoreDiagnostics, SetLogsTheKeyWithTheGroup) {
     configuration->addInMemorySource("a", "net", -1, false, {});
     log.clear();
     configuration->set("net.port", 80);
@@ -174,17 +174,17 @@ TEST_F(CoreDiagnostics, OfSetNameTheKeyWithItsGroup) {
                                          "updatePublishers: net.port", "get: net.port from a"));
 }
 
-TEST_F(CoreDiagnostics, OfAFailedSetAreTheFirstLineOnly) {
-    configuration->set("x", 1, "nobody");
+TEST_F(CoreDiagnostics, AFailedSetLogsOnlyTheFirstLine) {
+    configuration->set("x", 1, "unknown");
     configuration->removeSource("override");
     configuration->removeSource("default");
     log.clear();
-    configuration->set("x", 1, "nobody");
+    configuration->set("x", 1, "unknown");
     configuration->set("x", 1);
-    EXPECT_THAT(log.lines(), ElementsAre("set: x, nobody", "set: x"));
+    EXPECT_THAT(log.lines(), ElementsAre("set: x, unknown", "set: x"));
 }
 
-TEST_F(CoreDiagnostics, OfWatchOptionEndWithTheValueThatIsThere) {
+TEST_F(CoreDiagnostics, WatchOptionLogsTheLookupOfTheCurrentValue) {
     configuration->set("x", 1, "default");
     log.clear();
     configuration->watchOption("x");
@@ -193,14 +193,14 @@ TEST_F(CoreDiagnostics, OfWatchOptionEndWithTheValueThatIsThere) {
                 ElementsAre("watchOption: x", "get: x from default", "watchOption: y"));
 }
 
-TEST_F(CoreDiagnostics, OfWatchOptionOnTheStackAreWrittenBeforeItThrows) {
+TEST_F(CoreDiagnostics, WatchOptionOnTheStackLogsBeforeItThrows) {
     connector::configuration::ConfigurationImpl onTheStack;
     log.clear();
     EXPECT_THROW(onTheStack.watchOption("x"), std::bad_weak_ptr);
     EXPECT_THAT(log.lines(), ElementsAre("watchOption: x"));
 }
 
-TEST_F(CoreDiagnostics, NotifyAWatcherBeforeItIsCalled) {
+TEST_F(CoreDiagnostics, ANotificationIsLoggedBeforeTheSubscriberIsCalled) {
     watch(*configuration, "x", [&](int) {
         EXPECT_EQ("notifying watcher: x", log.lines().back());
         EXPECT_EQ(5u, log.lines().size());
@@ -211,14 +211,14 @@ TEST_F(CoreDiagnostics, NotifyAWatcherBeforeItIsCalled) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST_F(CoreDiagnostics, NameAWatcherThatWaitsOrHasNoSubscriber) {
+TEST_F(CoreDiagnostics, AStreamWithoutDemandOrSubscriberIsLoggedToo) {
     watch(*configuration, "x", nullptr, 0);
     configuration->watchOption("x");
     configuration->set("x", 1);
     EXPECT_THAT(log.lines(), testing::Contains("notifying watcher: x").Times(2));
 }
 
-TEST_F(CoreDiagnostics, OfTheOtherOperationsAreNone) {
+TEST_F(CoreDiagnostics, TheOtherOperationsLogNothing) {
     configuration->addEnvironmentSource("environment", "", 5);
     configuration->has("x");
     configuration->keys();
@@ -228,16 +228,16 @@ TEST_F(CoreDiagnostics, OfTheOtherOperationsAreNone) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST_F(CoreDiagnostics, OfTheEndAreNone) {
-    auto ending = makeConfiguration();
-    const auto subscriber = watch(*ending, "x");
+TEST_F(CoreDiagnostics, CancellationAndDestructionLogNothing) {
+    auto shortLived = makeConfiguration();
+    const auto subscriber = watch(*shortLived, "x");
     log.clear();
     subscriber->cancel();
-    ending.reset();
+    shortLived.reset();
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST_F(CoreDiagnostics, AreOffWhileTheirBitIsOff) {
+TEST_F(CoreDiagnostics, NothingIsLoggedWhileTheBitIsOff) {
     for (const unsigned mask : {0u, 1u, 7u, 16u, ~8u}) {
         ASSERT_TRUE(set_diagnostic_mask(logger, mask));
         configuration->set("x", 1);
@@ -246,10 +246,10 @@ TEST_F(CoreDiagnostics, AreOffWhileTheirBitIsOff) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-TEST_F(CoreDiagnostics, AreOnWhateverOtherBitsAreOn) {
+TEST_F(CoreDiagnostics, OtherBitsMakeNoDifference) {
     for (const unsigned mask : {8u, 9u, 24u, ~0u}) {
         ASSERT_TRUE(set_diagnostic_mask(logger, mask));
-        configuration->removeSource("nobody");
+        configuration->removeSource("unknown");
     }
     EXPECT_EQ(4u, log.lines().size());
 }

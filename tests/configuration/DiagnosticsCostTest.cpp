@@ -1,5 +1,5 @@
-/// What diagnostics cost while they are off. This program counts its allocations, those of the
-/// libraries included; therefore it is a program of its own.
+/// Diagnostics that are off allocate nothing. This is a program of its own because it counts every
+/// allocation of the process, including those of the libraries.
 #include "configuration/Answers.hpp"
 #include "support/AllocationCount.hpp"
 #include "support/LogCapture.hpp"
@@ -24,10 +24,10 @@ std::size_t allocationsOf(const std::function<void()>& operation) {
     return test::allocationCount() - before;
 }
 
-// Keys, names and values here are so short that strings and variants hold them in place. A line that
-// was composed would be longer than that.
+// Keys, names and values are short enough for the small-string optimisation. A formatted diagnostic
+// line would be longer and would allocate.
 
-TEST(DiagnosticsCost, IsNothingForALookup) {
+TEST(DiagnosticsCost, ALookupAllocatesOnlyItsFuture) {
     const auto configuration = test::makeConfiguration();
     configuration->set("x", 1);
     EXPECT_EQ(allocationsOf([] { makeReadyFuture(OptionValue(1)); }),
@@ -38,7 +38,7 @@ TEST(DiagnosticsCost, IsNothingForALookup) {
               allocationsOf([&] { configuration->getOption("x"); }));
 }
 
-TEST(DiagnosticsCost, IsNothingForAnUpdate) {
+TEST(DiagnosticsCost, AnUpdateAllocatesOnlyItsFuture) {
     const auto configuration = test::makeConfiguration();
     configuration->set("x", 1);
     configuration->set("x", 1, "default");
@@ -48,21 +48,21 @@ TEST(DiagnosticsCost, IsNothingForAnUpdate) {
     EXPECT_EQ(expected, allocationsOf([&] { configuration->set("x", 2, name); }));
 }
 
-TEST(DiagnosticsCost, IsNothingForARemovalThatFindsNothing) {
+TEST(DiagnosticsCost, RemovalOfAnUnknownSourceAllocatesOnlyItsFuture) {
     const auto configuration = test::makeConfiguration();
     EXPECT_EQ(allocationsOf([] { makeReadyFuture(false); }),
-              allocationsOf([&] { configuration->removeSource("nobody"); }));
+              allocationsOf([&] { configuration->removeSource("unknown"); }));
 }
 
-TEST(DiagnosticsCost, IsNothingForANameThatIsTaken) {
+TEST(DiagnosticsCost, AdditionOfATakenNameAllocatesMoreWithDiagnosticsOn) {
     const auto configuration = test::makeConfiguration();
     const auto add = [&] { configuration->addInMemorySource("default", "", 5, false, {}); };
     const std::size_t off = allocationsOf(add);
     const test::CoreLog log;
-    EXPECT_LT(off, allocationsOf(add)); // the line that is composed now
+    EXPECT_LT(off, allocationsOf(add)); // the formatted line
 }
 
-TEST(DiagnosticsCost, IsCountedByThisTest) {
+TEST(DiagnosticsCost, ALookupAllocatesMoreWithDiagnosticsOn) {
     const auto configuration = test::makeConfiguration();
     configuration->set("x", 1);
     const auto get = [&] { configuration->get("x"); };

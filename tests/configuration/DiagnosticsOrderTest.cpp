@@ -1,5 +1,5 @@
-/// When diagnostic lines are written: before or after the mutex is taken, before or after the deed.
-/// A sink that throws shows the second, since what comes later does not happen.
+/// When diagnostic lines are written: before or under the mutex, before or after the change itself.
+/// A sink that throws shows the latter, because nothing after the line happens.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexHolder.hpp"
 #include "configuration/MutexProbe.hpp"
@@ -37,7 +37,7 @@ const std::string logger = "connector::configuration";
 
 struct Operation {
     int line;
-    std::string text; // of the line that is looked for
+    std::string text; // the diagnostic line
     std::function<void(ConfigurationImpl&)> run;
 };
 
@@ -99,17 +99,17 @@ TEST(DiagnosticsOrder, TheLaterLinesAreWrittenUnderTheMutex) {
     }
 }
 
-/// Runs an operation with a sink that throws at one line, and expects that the exception comes out.
-void runWithFailingSink(const std::string& lineThatFails, const std::function<void()>& operation) {
+/// Runs an operation with a sink that throws at one line. Expects that the operation throws that.
+void runWithFailingSink(const std::string& failingLine, const std::function<void()>& operation) {
     const LogCapture log([&](const LogRecord& record) {
-        if (record.message == lineThatFails)
+        if (record.message == failingLine)
             throw std::runtime_error("the sink failed");
     });
     set_diagnostic_mask(logger, 8);
     expectThrows<std::runtime_error>("the sink failed", operation);
 }
 
-TEST(FailingSink, BeforeASetPreventsIt) {
+TEST(FailingSink, PreventsASet) {
     const auto configuration = makeConfiguration();
     for (const std::string line : {"set: x", "set: x@override"}) {
         runWithFailingSink(line, [&] { configuration->set("x", 1); });
@@ -118,7 +118,7 @@ TEST(FailingSink, BeforeASetPreventsIt) {
     }
 }
 
-TEST(FailingSink, BeforeASetOfANamedSourcePreventsIt) {
+TEST(FailingSink, PreventsASetInANamedSource) {
     const auto configuration = makeConfiguration();
     for (const std::string line : {"set: x, default", "set: x@default"}) {
         runWithFailingSink(line, [&] { configuration->set("x", 1, "default"); });
@@ -127,7 +127,7 @@ TEST(FailingSink, BeforeASetOfANamedSourcePreventsIt) {
     }
 }
 
-TEST(FailingSink, BeforeAnUpdateLeavesTheValueWritten) {
+TEST(FailingSink, DuringTheNotificationLeavesTheValueWritten) {
     const auto configuration = makeConfiguration();
     const auto subscriber = test::watch(*configuration, "x");
     runWithFailingSink("updatePublishers: x", [&] { configuration->set("x", 1); });
@@ -136,7 +136,7 @@ TEST(FailingSink, BeforeAnUpdateLeavesTheValueWritten) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST(FailingSink, BeforeALookupPreventsIt) {
+TEST(FailingSink, PreventsALookup) {
     const auto configuration = withY();
     runWithFailingSink("get: y from default", [&] { configuration->get("y"); });
     runWithFailingSink("get option: y from default", [&] { configuration->getOption("y"); });
@@ -144,14 +144,14 @@ TEST(FailingSink, BeforeALookupPreventsIt) {
     EXPECT_EQ(2, intOf(*configuration, "y"));
 }
 
-TEST(FailingSink, BeforeAnAdditionPreventsIt) {
+TEST(FailingSink, PreventsTheAdditionOfASource) {
     const auto configuration = makeConfiguration();
     runWithFailingSink("addSource: a, , 5, 0, N9connector13configuration14InMemorySourceE",
                        [&] { configuration->addInMemorySource("a", "", 5, false, {}); });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
 }
 
-TEST(FailingSink, DuringAnAdditionLeavesTheSourceRegistered) {
+TEST(FailingSink, DuringTheAdditionOfASourceLeavesItRegistered) {
     const auto configuration = makeConfiguration();
     runWithFailingSink("updatePublishers: x", [&] {
         configuration->addInMemorySource("a", "", 5, false, {{"x", 1}});
@@ -160,20 +160,20 @@ TEST(FailingSink, DuringAnAdditionLeavesTheSourceRegistered) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST(FailingSink, BeforeARemovalPreventsIt) {
+TEST(FailingSink, PreventsTheRemovalOfASource) {
     const auto configuration = makeConfiguration();
     runWithFailingSink("removeSource: default", [&] { configuration->removeSource("default"); });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
 }
 
-TEST(FailingSink, DuringARemovalLeavesTheSourceRemoved) {
+TEST(FailingSink, DuringTheRemovalOfASourceLeavesItRemoved) {
     const auto configuration = withY();
     runWithFailingSink("updatePublishers: y", [&] { configuration->removeSource("default"); });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override"));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST(FailingSink, BeforeWatchingTakesNoId) {
+TEST(FailingSink, BeforeWatchOptionConsumesNoId) {
     const auto configuration = makeConfiguration();
     runWithFailingSink("watchOption: x", [&] { configuration->watchOption("x"); });
     const auto subscriber = test::watch(*configuration, "x");
@@ -181,7 +181,7 @@ TEST(FailingSink, BeforeWatchingTakesNoId) {
     EXPECT_EQ(1, subscriber->completions());
 }
 
-TEST(FailingSink, DuringWatchingLeavesTheStreamInTheList) {
+TEST(FailingSink, DuringWatchOptionLeavesTheStreamRegistered) {
     const auto configuration = withY();
     runWithFailingSink("get: y from default", [&] { configuration->watchOption("y"); });
     EXPECT_TRUE(test::mutexIsFree(*configuration));

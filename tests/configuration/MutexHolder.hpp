@@ -15,8 +15,8 @@
 
 namespace test {
 
-/// Holds the mutex from construction to release(). Its thread sits inside the `has` of a source named
-/// "holder", whose group no other lookup matches.
+/// Holds the mutex from construction to release(). Its thread sits inside the `has` of a source
+/// named "holder", whose group no other lookup matches.
 class MutexHolder {
 public:
     explicit MutexHolder(connector::configuration::ConfigurationImpl& newConfiguration)

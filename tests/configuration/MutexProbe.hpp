@@ -11,8 +11,8 @@
 
 namespace test {
 
-/// Looks an option up on another thread. Must outlive the operation whose callback it probes, because
-/// the lookup returns only after the mutex is released.
+/// Looks an option up on another thread. Must outlive the operation whose callback it probes,
+/// because the lookup returns only after the mutex is released.
 class MutexProbe {
 public:
     /// @param newConfiguration  outlives the probe

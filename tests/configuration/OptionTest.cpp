@@ -24,22 +24,24 @@ TEST(Option, HoldsKeySourceAndValueInThisOrder) {
     EXPECT_EQ(80, boost::get<int>(value));
 }
 
-TEST(Option, ByDefaultHoldsEmptyNamesAndFalse) {
+TEST(Option, HoldsEmptyStringsAndFalseByDefault) {
     const Option option{};
     EXPECT_EQ("", option.key);
     EXPECT_EQ("", option.source);
     EXPECT_FALSE(boost::get<bool>(option.value));
 }
 
-TEST(Option, WhenItsCopyChangesStaysAsItWas) {
-    const Option original{"key", "source", std::string("a text too long to stand in place")};
+TEST(Option, DoesNotChangeWithItsCopy) {
+    const Option original{"key", "source",
+                          std::string("a text too long for the small-string optimisation")};
     Option copy = original;
     copy.key = "other";
     copy.source = "another";
     boost::get<std::string>(copy.value)[0] = 'A';
     EXPECT_EQ("key", original.key);
     EXPECT_EQ("source", original.source);
-    EXPECT_EQ("a text too long to stand in place", boost::get<std::string>(original.value));
+    EXPECT_EQ("a text too long for the small-string optimisation",
+              boost::get<std::string>(original.value));
 }
 
 TEST(Option, MovesItsContents) {
@@ -50,7 +52,7 @@ TEST(Option, MovesItsContents) {
     EXPECT_EQ(7, boost::get<int>(to.value));
 }
 
-TEST(Option, OfASourceWithAGroupHasTheKeyThatWasAskedFor) {
+TEST(Option, FromASourceWithAGroupHasTheFullKey) {
     const auto configuration = test::makeConfiguration();
     configuration->addInMemorySource("file", "app", 5, false, {{"timeout", 30}}).get();
     const Option option = configuration->getOption("app.timeout").get();

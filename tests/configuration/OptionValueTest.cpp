@@ -46,13 +46,13 @@ TEST(OptionValue, HoldsIntegersOf32BitsAndDoublesOf64) {
     EXPECT_EQ(8u, sizeof(boost::get<double>(rows[3].value)));
 }
 
-TEST(OptionValue, ByDefaultIsFalse) {
+TEST(OptionValue, IsFalseByDefault) {
     const OptionValue value;
     EXPECT_EQ(0, value.which());
     EXPECT_FALSE(boost::get<bool>(value));
 }
 
-TEST(OptionValue, MadeOfAStringLiteralIsAFlag) {
+TEST(OptionValue, FromAStringLiteralHoldsABool) {
     const OptionValue value("text");
     EXPECT_EQ(0, value.which());
     EXPECT_TRUE(boost::get<bool>(value));
@@ -67,7 +67,7 @@ TEST(OptionValue, IsCopiedWithItsAlternative) {
     }
 }
 
-TEST(OptionValue, TakesAnyOtherAlternativeByAssignment) {
+TEST(OptionValue, CanBeAssignedAnyOtherAlternative) {
     for (const Row& from : rows) {
         for (const Row& to : rows) {
             SCOPED_TRACE(std::to_string(from.line) + " to " + std::to_string(to.line));
@@ -80,10 +80,11 @@ TEST(OptionValue, TakesAnyOtherAlternativeByAssignment) {
 }
 
 TEST(OptionValue, SharesNoStringWithItsCopy) {
-    const OptionValue original = std::string("a text that is too long to stand in place");
+    const OptionValue original = std::string("a text too long for the small-string optimisation");
     OptionValue copy = original;
     boost::get<std::string>(copy)[0] = 'A';
-    EXPECT_EQ("a text that is too long to stand in place", boost::get<std::string>(original));
+    EXPECT_EQ("a text too long for the small-string optimisation",
+              boost::get<std::string>(original));
 }
 
 TEST(OptionValue, SharesNoVectorWithItsCopy) {
@@ -93,7 +94,7 @@ TEST(OptionValue, SharesNoVectorWithItsCopy) {
     EXPECT_EQ((std::vector<int>{1, 2, 3}), boost::get<std::vector<int>>(original));
 }
 
-TEST(OptionValue, SharesNothingWithWhatItWasAssignedFrom) {
+TEST(OptionValue, SharesNothingWithTheAssignedValue) {
     const OptionValue original = std::vector<std::u16string>{u"a", u"b"};
     OptionValue assigned;
     assigned = original;
@@ -101,7 +102,7 @@ TEST(OptionValue, SharesNothingWithWhatItWasAssignedFrom) {
     EXPECT_EQ(2u, boost::get<std::vector<std::u16string>>(original).size());
 }
 
-TEST(OptionValue, KeepsEveryByteOfAnEightBitText) {
+TEST(OptionValue, KeepsEveryByteOfAnEightBitString) {
     const std::string bytes("\0\xff\xc3\x80 \n", 6);
     EXPECT_EQ(bytes, boost::get<std::string>(OptionValue(bytes)));
 }

@@ -1,4 +1,4 @@
-/// A subscriber of a watched option that remembers everything.
+/// A subscriber of a watched option that records everything it receives.
 #pragma once
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -26,7 +26,7 @@ public:
     using Subscription = connector::reactive_streams::Subscription;
     using OptionValue = connector::configuration::OptionValue;
 
-    /// @param newDemand  how many values to ask for at once, when subscribed
+    /// @param newDemand  the number of values to request on subscription
     explicit RecordingSubscriber(std::uint64_t newDemand = unlimited) : demand(newDemand) {}
 
     void onSubscribe(std::weak_ptr<Subscription> newSubscription) override {
@@ -84,7 +84,7 @@ public:
         return failed;
     }
 
-    std::function<void(int value)> inOnNext; ///< runs after the value was recorded
+    std::function<void(int value)> inOnNext; ///< called after the value is recorded
     std::function<void()> inOnComplete;
 
 private:
@@ -97,7 +97,7 @@ private:
     int failed = 0;            // guarded by mutex
 };
 
-/// Watches a key with a subscriber. Nothing but the configuration keeps the stream.
+/// Subscribes to a key. Only the configuration keeps the publisher alive.
 inline std::shared_ptr<RecordingSubscriber>
 watch(connector::configuration::Configuration& configuration, const std::string& key,
       std::function<void(int)> inOnNext = nullptr, std::uint64_t demand = unlimited) {

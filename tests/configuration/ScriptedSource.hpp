@@ -1,4 +1,4 @@
-/// A source that writes down every call and does as it is told.
+/// A source that records every call and runs hooks of the test.
 #pragma once
 
 #include <connector/configuration/sources/ConfigurationSource.hpp>
@@ -14,11 +14,11 @@
 
 namespace test {
 
-/// What happened, in order. Several sources and subscribers can share one.
+/// The recorded events, in order. Several sources and subscribers can share one journal.
 using Journal = std::vector<std::string>;
 
 /// A table of options without a lock. Each call appends "NAME OPERATION KEY" to the journal, then
-/// runs the hook of that operation, which may throw or do anything else, then answers.
+/// runs the hook of that operation, which may throw or do anything else, then returns.
 class ScriptedSource : public connector::configuration::ConfigurationSource {
 public:
     using OptionValue = connector::configuration::OptionValue;
@@ -40,7 +40,7 @@ public:
         call("set", onSet, key);
         values[key] = std::move(value);
         report(key);
-        note("set over");
+        note("set returns");
         return resultOfSet;
     }
 
@@ -66,13 +66,13 @@ public:
         return keys;
     }
 
-    /// Tells the watcher, if there is one, that the key changed.
+    /// Reports a change of the key to the watcher, if there is one.
     void report(const std::string& key) {
         if (watcher)
             watcher(key);
     }
 
-    /// A change that nobody asked for.
+    /// Changes a value without a call of set.
     void change(const std::string& key, OptionValue value) {
         values[key] = std::move(value);
         report(key);
@@ -81,8 +81,8 @@ public:
     bool isWatched() const { return watcher != nullptr; }
 
     std::map<std::string, OptionValue> values;
-    OptionValue resultOfSet;       ///< what set answers
-    std::deque<bool> answersOfHas; ///< used up first; then has tells the truth
+    OptionValue resultOfSet;       ///< what set returns
+    std::deque<bool> answersOfHas; ///< returned by has, in order; then has reads `values`
     Hook onGet, onSet, onHas, onSetWatcher, onKeys;
 
 private:

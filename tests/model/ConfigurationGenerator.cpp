@@ -65,17 +65,17 @@ Entries ConfigurationGenerator::entries() {
 }
 
 Operation ConfigurationGenerator::enumerate() {
-    return {"keys", [](Player& player) { return player.configuration().keys(); }};
+    return {"keys", [](ProgramRunner& runner) { return runner.configuration().keys(); }};
 }
 
 Operation ConfigurationGenerator::getOption(const std::string& key) {
     return {"get option " + quoted(key),
-            [key](Player& player) { return player.configuration().getOption(key); }};
+            [key](ProgramRunner& runner) { return runner.configuration().getOption(key); }};
 }
 
 Operation ConfigurationGenerator::destroy() {
-    return {"destroy the configuration", [](Player& player) {
-                player.destroyConfiguration();
+    return {"destroy the configuration", [](ProgramRunner& runner) {
+                runner.destroyConfiguration();
                 return std::string();
             }};
 }
@@ -83,28 +83,29 @@ Operation ConfigurationGenerator::destroy() {
 Operation ConfigurationGenerator::get() {
     const std::string asked = key();
     return {"get " + quoted(asked),
-            [asked](Player& player) { return player.configuration().get(asked); }};
+            [asked](ProgramRunner& runner) { return runner.configuration().get(asked); }};
 }
 
 Operation ConfigurationGenerator::has() {
     const std::string asked = key();
     return {"has " + quoted(asked),
-            [asked](Player& player) { return player.configuration().has(asked); }};
+            [asked](ProgramRunner& runner) { return runner.configuration().has(asked); }};
 }
 
 Operation ConfigurationGenerator::set() {
     const std::string changed = key();
     const int next = value();
     return {"set " + quoted(changed) + " = " + std::to_string(next),
-            [=](Player& player) { return player.configuration().set(changed, next); }};
+            [=](ProgramRunner& runner) { return runner.configuration().set(changed, next); }};
 }
 
 Operation ConfigurationGenerator::setInSource() {
     const std::string changed = key();
     const std::string source = name();
     const int next = value();
-    return {"set " + quoted(changed) + " = " + std::to_string(next) + " in " + quoted(source),
-            [=](Player& player) { return player.configuration().set(changed, next, source); }};
+    return {
+        "set " + quoted(changed) + " = " + std::to_string(next) + " in " + quoted(source),
+        [=](ProgramRunner& runner) { return runner.configuration().set(changed, next, source); }};
 }
 
 Operation ConfigurationGenerator::addInMemorySource() {
@@ -114,8 +115,8 @@ Operation ConfigurationGenerator::addInMemorySource() {
     const bool readOnly = chance(25);
     const Entries table = entries();
     return {"add " + quoted(added) + place(prefix, rank, readOnly) + " " + textOf(table),
-            [=](Player& player) {
-                return player.configuration().addInMemorySource(added, prefix, rank, readOnly,
+            [=](ProgramRunner& runner) {
+                return runner.configuration().addInMemorySource(added, prefix, rank, readOnly,
                                                                 table);
             }};
 }
@@ -128,51 +129,52 @@ Operation ConfigurationGenerator::addOwnSource() {
     const std::size_t own = below(ownSources);
     return {"add own source " + std::to_string(own) + " as " + quoted(added) +
                 place(prefix, rank, readOnly),
-            [=](Player& player) {
-                return player.configuration().addOwnSource(added, prefix, rank, readOnly, own);
+            [=](ProgramRunner& runner) {
+                return runner.configuration().addOwnSource(added, prefix, rank, readOnly, own);
             }};
 }
 
 Operation ConfigurationGenerator::removeSource() {
     const std::string removed = name();
-    return {"remove " + quoted(removed),
-            [removed](Player& player) { return player.configuration().removeSource(removed); }};
+    return {"remove " + quoted(removed), [removed](ProgramRunner& runner) {
+                return runner.configuration().removeSource(removed);
+            }};
 }
 
-/// Behind the configuration's back; the source may have been removed, and still reports.
+/// A direct change, which the source also reports when it has been removed.
 Operation ConfigurationGenerator::changeOwnSource() {
     const std::size_t own = below(ownSources);
     const std::string changed = localKey();
     const int next = value();
     return {"change " + quoted(changed) + " = " + std::to_string(next) + " in own source " +
                 std::to_string(own),
-            [=](Player& player) {
-                return answered(player.configuration().ownSource(own).set(changed, next));
+            [=](ProgramRunner& runner) {
+                return answered(runner.configuration().ownSource(own).set(changed, next));
             }};
 }
 
-/// Makes the next call of an operation throw, or the next answers of has wrong.
-Operation ConfigurationGenerator::spoilOwnSource() {
+/// Makes the next call of one operation throw, or negates the next answers of has.
+Operation ConfigurationGenerator::injectFault() {
     const std::size_t own = below(ownSources);
-    const std::string spoilt = oneOf<std::string>({"get", "set", "has", "keys", "", ""});
-    const int lies = 1 + static_cast<int>(below(2));
-    return {
-        "own source " + std::to_string(own) +
-            (spoilt.empty() ? " lies " + std::to_string(lies) + " times" : " refuses " + spoilt),
-        [=](Player& player) {
-            SourceModel& source = player.configuration().ownSource(own);
-            if (spoilt.empty())
-                source.lie(lies);
-            else
-                source.refuse(spoilt);
-            return std::string();
-        }};
+    const std::string failing = oneOf<std::string>({"get", "set", "has", "keys", "", ""});
+    const int negations = 1 + static_cast<int>(below(2));
+    return {"own source " + std::to_string(own) +
+                (failing.empty() ? " negates has " + std::to_string(negations) + " times"
+                                 : " fails the next " + failing),
+            [=](ProgramRunner& runner) {
+                SourceModel& source = runner.configuration().ownSource(own);
+                if (failing.empty())
+                    source.negateHas(negations);
+                else
+                    source.failNext(failing);
+                return std::string();
+            }};
 }
 
 Operation ConfigurationGenerator::watch() {
     const std::string watched = key();
-    return {"watch " + quoted(watched), [watched](Player& player) {
-                player.watch(watched);
+    return {"watch " + quoted(watched), [watched](ProgramRunner& runner) {
+                runner.watch(watched);
                 return std::string();
             }};
 }
@@ -181,16 +183,16 @@ Operation ConfigurationGenerator::watchAndSubscribe() {
     const std::string watched = key();
     const auto plan = script();
     return {"watch " + quoted(watched) + " and subscribe " + plan->text,
-            [watched, plan](Player& player) {
-                player.watch(watched, plan);
+            [watched, plan](ProgramRunner& runner) {
+                runner.watch(watched, plan);
                 return std::string();
             }};
 }
 
 Operation ConfigurationGenerator::removeStream() {
     const std::uint64_t id = below(12);
-    return {"remove stream " + std::to_string(id), [id](Player& player) {
-                player.configuration().removeStream(id);
+    return {"remove stream " + std::to_string(id), [id](ProgramRunner& runner) {
+                runner.configuration().removeStream(id);
                 return std::string();
             }};
 }
@@ -205,7 +207,7 @@ Operation ConfigurationGenerator::operation() {
         {4, &Self::subscribe},
         {10, &Self::request},
         {4, &Self::cancel},
-        {4, &Self::letGo},
+        {4, &Self::release},
         {5, &Self::removeStream},
         {3, &Self::followCompletion},
         {2, &Self::offer},
@@ -217,7 +219,7 @@ Operation ConfigurationGenerator::operation() {
         {8, &Self::addOwnSource},
         {8, &Self::removeSource},
         {7, &Self::changeOwnSource},
-        {3, &Self::spoilOwnSource},
+        {3, &Self::injectFault},
     });
     return (this->*oneOf(makers))();
 }

@@ -1,5 +1,5 @@
-/// Makes up programs for a configuration and its streams, from a small alphabet of keys, groups and
-/// names, so that the operations meet.
+/// Generates random programs for a configuration and its streams. There are few keys, groups and
+/// names, so that operations interact.
 #pragma once
 
 #include "Generator.hpp"
@@ -40,7 +40,7 @@ private:
     Operation addOwnSource();
     Operation removeSource();
     Operation changeOwnSource();
-    Operation spoilOwnSource();
+    Operation injectFault();
     Operation watch();
     Operation watchAndSubscribe();
     Operation removeStream();

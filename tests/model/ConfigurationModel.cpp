@@ -83,7 +83,7 @@ std::string ConfigurationModel::set(const std::string& key, int value, const std
     return failed(std::runtime_error("Source not found or not writable: " + key + ", " + source));
 }
 
-/// The source is kept: whoever hears of the change may remove it.
+/// Keeps the source alive, because a subscriber may remove it.
 std::string ConfigurationModel::write(const Record& record, const std::string& key, int value) {
     log("set: " + key + "@" + record.name);
     const std::shared_ptr<SourceModel> source = record.source;
@@ -150,7 +150,7 @@ std::unique_ptr<Stream> ConfigurationModel::watchOption(const std::string& key) 
     return std::make_unique<ModelStream>(publisher);
 }
 
-/// The entry is out of the list before its publisher goes, since that calls a subscriber.
+/// Erases the entry before its publisher is destroyed, because the destructor calls a subscriber.
 void ConfigurationModel::removeStream(std::uint64_t id) {
     for (auto stream = streams.begin(); stream != streams.end(); ++stream) {
         if (stream->id != id)

@@ -1,5 +1,5 @@
-/// The plain model of a configuration: its registry, lookups and streams as linear walks, the rules
-/// in the order in which they are told, for one thread. It shares nothing with the library.
+/// The reference model of a configuration: registry, lookups and streams as linear searches, for
+/// one thread. It follows the rules literally and shares no code with the library.
 #pragma once
 
 #include "PublisherModel.hpp"
@@ -16,7 +16,7 @@ class ConfigurationModel final : public Subject {
 public:
     /// @param newJournal   outlives the model
     /// @param newLogs      whether diagnostics are on
-    /// @param typeOfOwn    what diagnostics call the program's own sources
+    /// @param typeOfOwn    the type name of the program's own sources in diagnostic lines
     ConfigurationModel(Journal& newJournal, bool newLogs, const std::string& typeOfOwn);
     ~ConfigurationModel() override;
 

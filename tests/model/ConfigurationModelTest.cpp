@@ -1,5 +1,5 @@
-/// Random programs against the plain model of a configuration: its registry, its lookups and the
-/// watching of options.
+/// Random programs against the reference model of a configuration: registry, lookups and watched
+/// options.
 
 #include "ConfigurationModel.hpp"
 #include "ConfigurationGenerator.hpp"
@@ -16,8 +16,8 @@ namespace {
 
 constexpr std::size_t steps = 60;
 
-/// In the end everything is looked at once more. One program in three goes on for a while without the
-/// configuration.
+/// Every program ends with a lookup of all keys. One in three then destroys the configuration and
+/// continues without it.
 Program programOf(std::uint64_t seed) {
     ConfigurationGenerator generator(seed);
     Program program = generator.program(steps);
@@ -33,10 +33,10 @@ Program programOf(std::uint64_t seed) {
 }
 
 bool passes(std::uint64_t seed, bool logs) {
-    Player library(
+    ProgramRunner library(
         [logs](Journal& journal) { return std::make_unique<LibraryConfiguration>(journal, logs); },
         nullptr);
-    Player model(
+    ProgramRunner model(
         [logs](Journal& journal) {
             return std::make_unique<ConfigurationModel>(journal, logs, typeid(OwnSource).name());
         },
@@ -44,7 +44,7 @@ bool passes(std::uint64_t seed, bool logs) {
     return expectSame(seed, programOf(seed), library, model);
 }
 
-TEST(ConfigurationModel, RandomProgramsSeeWhatThePlainModelTells) {
+TEST(ConfigurationModel, RandomProgramsHaveTheSameJournalAsTheModel) {
     for (const std::uint64_t seed : seedsUpTo(MODEL_SEEDS)) {
         const bool logs = seed % 2 == 0;
         if (!passes(seed, logs))

@@ -29,8 +29,8 @@ std::string nameOf(std::size_t index) {
 
 Operation streamOperation(const std::string& text, std::size_t index,
                           std::function<void(Stream&)> action) {
-    return {text + nameOf(index), [index, action = std::move(action)](Player& player) {
-                player.withStream(index, action);
+    return {text + nameOf(index), [index, action = std::move(action)](ProgramRunner& runner) {
+                runner.withStream(index, action);
                 return std::string();
             }};
 }
@@ -50,7 +50,7 @@ int Generator::value() {
     return lastValue;
 }
 
-/// In a script, mostly the subscriber's own.
+/// In a script, usually the stream of the subscriber itself.
 std::size_t Generator::stream() {
     return depth > 0 && chance(60) ? itsOwn : below(12);
 }
@@ -71,14 +71,14 @@ Operation Generator::cancel() {
     return streamOperation("cancel", stream(), [](Stream& stream) { stream.cancel(); });
 }
 
-Operation Generator::letGo() {
-    return streamOperation("let go", stream(), [](Stream& stream) { stream.letGo(); });
+Operation Generator::release() {
+    return streamOperation("release", stream(), [](Stream& stream) { stream.release(); });
 }
 
 Operation Generator::followCompletion() {
     const std::size_t index = stream();
-    return {"follow completion" + nameOf(index), [index](Player& player) {
-                player.followCompletion(index);
+    return {"follow completion" + nameOf(index), [index](ProgramRunner& runner) {
+                runner.followCompletion(index);
                 return std::string();
             }};
 }
@@ -86,8 +86,8 @@ Operation Generator::followCompletion() {
 Operation Generator::subscribe() {
     const std::size_t index = stream();
     const auto plan = script();
-    return {"subscribe" + nameOf(index) + ' ' + plan->text, [index, plan](Player& player) {
-                player.subscribe(index, plan);
+    return {"subscribe" + nameOf(index) + ' ' + plan->text, [index, plan](ProgramRunner& runner) {
+                runner.subscribe(index, plan);
                 return std::string();
             }};
 }
@@ -100,7 +100,7 @@ std::shared_ptr<const Script> Generator::script() {
     return std::make_shared<const Script>(std::move(script));
 }
 
-/// A script in a script does not hold another one, so every program comes to an end.
+/// A nested script holds no further script, so every program ends.
 Script Generator::makeScript() {
     Script script;
     if (depth == 1 && chance(25))
@@ -125,25 +125,25 @@ Reaction Generator::reaction(unsigned percentOfThrows) {
 }
 
 Operation PublisherGenerator::addPublisher() {
-    return {"add a publisher", [](Player& player) {
-                player.addPublisher();
+    return {"add a publisher", [](ProgramRunner& runner) {
+                runner.addPublisher();
                 return std::string();
             }};
 }
 
 Operation PublisherGenerator::operation() {
-    const std::size_t dice = below(100);
-    if (dice < 40)
+    const std::size_t choice = below(100);
+    if (choice < 40)
         return offer();
-    if (dice < 65)
+    if (choice < 65)
         return request();
-    if (dice < 80)
+    if (choice < 80)
         return subscribe();
-    if (dice < 85)
+    if (choice < 85)
         return cancel();
-    if (dice < 90)
-        return letGo();
-    return dice < 95 ? followCompletion() : addPublisher();
+    if (choice < 90)
+        return release();
+    return choice < 95 ? followCompletion() : addPublisher();
 }
 
 } // namespace test::model

@@ -1,7 +1,7 @@
-/// Makes up programs. The same seed gives the same program on every machine.
+/// Generates random programs. The same seed gives the same program on every machine.
 #pragma once
 
-#include "Player.hpp"
+#include "ProgramRunner.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -28,10 +28,10 @@ protected:
     Operation subscribe();
     Operation request();
     Operation cancel();
-    Operation letGo();
+    Operation release();
     Operation followCompletion();
 
-    // std::uniform_int_distribution differs from one standard library to the next.
+    // Not std::uniform_int_distribution, which differs between standard libraries.
     std::size_t below(std::size_t end) { return engine() % end; }
     bool chance(unsigned percent) { return below(100) < percent; }
     template <typename T>
@@ -39,7 +39,7 @@ protected:
         return choices[below(choices.size())];
     }
 
-    int value(); ///< mostly one that was not there before
+    int value(); ///< usually a new one
     std::size_t stream();
     std::shared_ptr<const Script> script();
 
@@ -52,7 +52,7 @@ private:
     int depth = 0; // of scripts within scripts
 };
 
-/// For publishers alone.
+/// Generates programs for publishers without a configuration.
 class PublisherGenerator final : public Generator {
 public:
     using Generator::Generator;

@@ -1,5 +1,5 @@
-/// What one side of a model test was seen to do, as text. The library and the plain model write the
-/// same words for the same event, so their journals can be compared line by line.
+/// The observable events of one side of a model test, as text. The library and the model write the
+/// same line for the same event, so their journals can be compared line by line.
 #pragma once
 
 #include <boost/core/demangle.hpp>
@@ -24,8 +24,8 @@ private:
     std::vector<std::string> lines;
 };
 
-// How the outcome of an operation reads. What is thrown and what fails inside a future are told
-// apart, and so are exceptions of different types with the same text.
+// The outcome of an operation as text. It distinguishes exceptions that are thrown from failures in
+// a future, and exceptions of different types with the same text.
 
 inline std::string describe(const std::exception& exception) {
     return boost::core::demangle(typeid(exception).name()) + ": " + exception.what();

@@ -21,15 +21,15 @@ using connector::configuration::OptionValue;
 namespace {
 
 template <typename T>
-std::string inWords(const T& result) {
+std::string textOf(const T& result) {
     return answered(result);
 }
 
-std::string inWords(const OptionValue& value) {
+std::string textOf(const OptionValue& value) {
     return answered(numberIn(value));
 }
 
-std::string inWords(const Option& option) {
+std::string textOf(const Option& option) {
     return answered(option.key, option.source, numberIn(option.value));
 }
 
@@ -37,7 +37,7 @@ std::string inWords(const Option& option) {
 template <typename T>
 std::string outcome(Future<T> future) {
     try {
-        return inWords(future.get());
+        return textOf(future.get());
     } catch (const std::exception& exception) {
         return failed(exception);
     }
@@ -53,8 +53,8 @@ OptionValue OwnSource::set(const std::string& key, OptionValue value) {
     return table.set(key, numberIn(value));
 }
 
-/// std::cerr flushes after every operation of its own accord; without that flag only a flush that
-/// the library asks for is one.
+/// Clears the flag that makes std::cerr flush after every operation, so that only the library's own
+/// flushes count.
 StandardErrorCapture::StandardErrorCapture(Journal& newJournal)
     : journal(newJournal), before(std::cerr.rdbuf(this)), flagsBefore(std::cerr.flags()) {
     std::cerr.unsetf(std::ios_base::unitbuf);

@@ -1,5 +1,5 @@
-/// The library's configuration as a subject, with everything that it says elsewhere: diagnostics and
-/// standard error are part of its journal.
+/// The library's configuration as a subject. Diagnostic lines and standard error are part of its
+/// journal.
 #pragma once
 
 #include "Subject.hpp"
@@ -16,7 +16,8 @@
 
 namespace test::model {
 
-/// A source of the program's own. It behaves like the model's: sources are not what is compared.
+/// A source of the program's own. It behaves like the model's source, because sources are not what
+/// is compared.
 class OwnSource final : public connector::configuration::ConfigurationSource {
 public:
     using OptionValue = connector::configuration::OptionValue;
@@ -32,7 +33,7 @@ public:
     SourceModel table;
 };
 
-/// While it lives, standard error goes to a journal, an entry for each flush.
+/// While it exists, writes standard error to a journal, one entry for each flush.
 class StandardErrorCapture final : public std::streambuf {
 public:
     explicit StandardErrorCapture(Journal& newJournal);

@@ -30,7 +30,7 @@ public:
     explicit LibraryStream(std::shared_ptr<Publisher> newPublisher)
         : publisher(std::move(newPublisher)), observed(publisher) {}
 
-    // The copies keep the publisher during the call: the subscriber may let go of it meanwhile.
+    // The copies keep the publisher alive during a call, in which the subscriber may release it.
 
     void offer(int value) override {
         if (const auto kept = publisher)
@@ -58,7 +58,7 @@ public:
             alive->cancel();
     }
 
-    void letGo() override { std::exchange(publisher, nullptr).reset(); }
+    void release() override { std::exchange(publisher, nullptr).reset(); }
 
     bool isAlive() const override { return !observed.expired(); }
 

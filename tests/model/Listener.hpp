@@ -1,4 +1,4 @@
-/// A subscriber of either side: writes down what it is told, then does what its script says.
+/// A subscriber for the library or the model. It records each call, then runs its script.
 #pragma once
 
 #include "Journal.hpp"
@@ -14,7 +14,8 @@ public:
     enum class Event { Subscribed, Value, Completed };
 
     /// @param newJournal   outlives the listener
-    /// @param newReaction  may do and throw anything; in a publisher's destructor it throws nothing
+    /// @param newReaction  may do and throw anything, but must not throw in a publisher's
+    ///                     destructor
     Listener(Journal& newJournal, std::string newName, std::function<void(Event)> newReaction)
         : journal(newJournal), name(std::move(newName)), reaction(std::move(newReaction)) {}
 
@@ -22,13 +23,13 @@ public:
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;
 
-    void onSubscribe() { hear("onSubscribe", Event::Subscribed); }
-    void onNext(int value) { hear("onNext " + std::to_string(value), Event::Value); }
-    void onComplete() { hear("onComplete", Event::Completed); }
+    void onSubscribe() { record("onSubscribe", Event::Subscribed); }
+    void onNext(int value) { record("onNext " + std::to_string(value), Event::Value); }
+    void onComplete() { record("onComplete", Event::Completed); }
     void onUnexpected(const std::string& what) { journal.note(name + " " + what); }
 
 private:
-    void hear(const std::string& what, Event event) {
+    void record(const std::string& what, Event event) {
         journal.note(name + " " + what);
         reaction(event);
     }

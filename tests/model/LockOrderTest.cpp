@@ -1,6 +1,6 @@
 /// Lock order: the configuration's mutex comes before a publisher's mutex. A change holds the first
-/// and takes the second. Everything that a publisher calls may take the configuration's mutex, so the
-/// publisher must not hold its own mutex around such a call.
+/// and takes the second. Everything that a publisher calls may take the configuration's mutex, so
+/// the publisher must not hold its own mutex around such a call.
 #include "configuration/MutexHolder.hpp"
 #include "support/ObservedThread.hpp"
 
@@ -72,7 +72,8 @@ protected:
     LockOrder() { configuration->set("x", 0); }
 
     /// Runs an action of the publisher until it blocks on the configuration's mutex, which another
-    /// thread holds as a change does. Then offers a value to the publisher, as that change does next.
+    /// thread holds as a change does. Then offers a value to the publisher, as that change does
+    /// next.
     /// @return whether the offer has to wait for the publisher's mutex
     bool publisherIsLockedDuring(std::function<void()> action) {
         MutexHolder change(*configuration);
@@ -119,8 +120,8 @@ TEST_F(LockOrder, APublisherIsNotLockedWhileAContinuationOfItsCompletionRuns) {
     EXPECT_FALSE(completed);
 }
 
-/// The same calls while another thread changes the option. The thread sanitizer reports an inversion of
-/// the lock order here, even when no deadlock results.
+/// The same calls while another thread changes the option. The thread sanitizer reports an
+/// inversion of the lock order here, even when no deadlock results.
 class LockOrderUnderChanges : public testing::Test {
 protected:
     using Action = std::function<void(Publisher&, EnteringSubscriber&)>;

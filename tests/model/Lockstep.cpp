@@ -25,14 +25,14 @@ std::string textOf(const Program& program) {
     return text.str();
 }
 
-/// @return whether the journals since the last comparison are the same
+/// @return whether the journals since the last comparison are equal
 bool expectSameJournals(std::uint64_t seed, const Program& program, const std::string& where,
-                        Player& library, Player& model) {
+                        ProgramRunner& library, ProgramRunner& model) {
     const std::vector<std::string> actual = library.takeJournal();
     const std::vector<std::string> expected = model.takeJournal();
     if (actual == expected)
         return true;
-    ADD_FAILURE() << "Seed " << seed << ": library and model part at " << where
+    ADD_FAILURE() << "Seed " << seed << ": library and model differ at " << where
                   << ". The environment variable CONNECTOR_SEED=" << seed
                   << " runs it alone.\n  The program:\n"
                   << textOf(program) << "  The model:\n"
@@ -51,7 +51,8 @@ std::vector<std::uint64_t> seedsUpTo(std::size_t count) {
     return seeds;
 }
 
-bool expectSame(std::uint64_t seed, const Program& program, Player& library, Player& model) {
+bool expectSame(std::uint64_t seed, const Program& program, ProgramRunner& library,
+                ProgramRunner& model) {
     bool same = expectSameJournals(seed, program, "the start", library, model);
     for (std::size_t i = 0; i < program.size() && same; ++i) {
         library.perform(program[i]);

@@ -1,7 +1,7 @@
-/// Plays programs on the library and on the model side by side.
+/// Runs programs on the library and on the model step by step.
 #pragma once
 
-#include "Player.hpp"
+#include "ProgramRunner.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -9,13 +9,14 @@
 
 namespace test::model {
 
-/// @return the seeds from 1 to `count`; only the one that the environment variable CONNECTOR_SEED
-///         names, if it does
+/// @return the seeds from 1 to `count`, or only the value of the environment variable
+///         CONNECTOR_SEED if it is set
 std::vector<std::uint64_t> seedsUpTo(std::size_t count);
 
-/// Compares the journals after every step. At the first difference it fails with the whole program,
-/// both journals of that step and how to run this seed alone.
-/// @return whether there was none
-bool expectSame(std::uint64_t seed, const Program& program, Player& library, Player& model);
+/// Compares the journals after every step. The first difference is a failure, which shows the whole
+/// program, both journals of that step and how to run this seed alone.
+/// @return whether the journals were equal
+bool expectSame(std::uint64_t seed, const Program& program, ProgramRunner& library,
+                ProgramRunner& model);
 
 } // namespace test::model

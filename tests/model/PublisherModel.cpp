@@ -56,42 +56,42 @@ void PublisherModel::cancel() {
 }
 
 void PublisherModel::followCompletion(std::function<void(bool)> newOnEnd) {
-    if (isFutureOut)
+    if (isFutureTaken)
         throw std::runtime_error("Promise already returned a future.");
-    isFutureOut = true;
-    if (isEndTold)
+    isFutureTaken = true;
+    if (isEndReported)
         throw std::runtime_error(
             "Future already returned it's value or has an associated continuation.");
     onEnd = std::move(newOnEnd);
     if (state != State::Active)
-        tellEnd();
+        reportEnd();
 }
 
-/// Whoever follows the completion takes the result, and the future counts as not handed out again.
-void PublisherModel::tellEnd() {
+/// The continuation takes the result. Afterwards the future counts as not taken.
+void PublisherModel::reportEnd() {
     if (!onEnd)
         return;
-    isFutureOut = false;
-    isEndTold = true;
+    isFutureTaken = false;
+    isEndReported = true;
     onEnd(state == State::Completed);
 }
 
 void PublisherModel::end(State finalState) {
     state = finalState;
-    tellEnd();
+    reportEnd();
 }
 
 bool PublisherModel::canDeliver() const {
     return state == State::Active && subscriber && demand > 0 && !pending.empty();
 }
 
-/// A subscriber that calls back does not start a second delivery: the running one sees the change.
+/// A nested call does not start a second delivery, because the running one sees the change.
 void PublisherModel::deliver() {
     if (delivering)
         return;
     delivering = true;
     try {
-        deliverWhileAsked();
+        deliverOnDemand();
     } catch (...) {
         delivering = false;
         throw;
@@ -99,7 +99,7 @@ void PublisherModel::deliver() {
     delivering = false;
 }
 
-void PublisherModel::deliverWhileAsked() {
+void PublisherModel::deliverOnDemand() {
     while (canDeliver()) {
         --demand;
         const int value = pending.front();
@@ -113,7 +113,7 @@ void ModelStream::offer(int value) {
         kept->onNext(value);
 }
 
-/// A subscriber hears of its subscription first of all, so one that is refused changes nothing here.
+/// A refused subscriber is not called and leaves the subscription unchanged.
 void ModelStream::subscribe(std::shared_ptr<Listener> listener) {
     if (const auto kept = publisher) {
         subscription = kept;

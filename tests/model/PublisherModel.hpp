@@ -1,5 +1,5 @@
-/// The plain model of a publisher: the rules in the order in which they are told, for one thread.
-/// It shares nothing with the library.
+/// The reference model of a publisher, for one thread. It follows the rules literally and shares no
+/// code with the library.
 #pragma once
 
 #include "Stream.hpp"
@@ -33,9 +33,9 @@ private:
     bool isFull() const;
     bool canDeliver() const;
     void deliver();
-    void deliverWhileAsked();
+    void deliverOnDemand();
     void end(State finalState);
-    void tellEnd();
+    void reportEnd();
 
     const std::function<void()> onFinish;
     const int capacity;
@@ -44,8 +44,8 @@ private:
     std::uint64_t demand = 0;
     State state = State::Active;
     bool delivering = false;
-    bool isFutureOut = false;
-    bool isEndTold = false;
+    bool isFutureTaken = false;
+    bool isEndReported = false;
     std::function<void(bool)> onEnd;
 };
 
@@ -59,7 +59,7 @@ public:
     void followCompletion(std::function<void(bool)> onEnd) override;
     void request(std::uint64_t count) override;
     void cancel() override;
-    void letGo() override { std::exchange(publisher, nullptr).reset(); }
+    void release() override { std::exchange(publisher, nullptr).reset(); }
     bool isAlive() const override { return !observed.expired(); }
 
 private:

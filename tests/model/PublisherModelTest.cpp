@@ -1,4 +1,4 @@
-/// Random programs against the plain model of a publisher.
+/// Random programs against the reference model of a publisher.
 
 #include "PublisherModel.hpp"
 #include "Generator.hpp"
@@ -22,11 +22,11 @@ std::unique_ptr<Subject> noSubject(Journal&) {
 }
 
 bool passes(std::uint64_t seed, int capacity) {
-    Player library(noSubject, [capacity](std::function<void()> onFinish) {
+    ProgramRunner library(noSubject, [capacity](std::function<void()> onFinish) {
         return std::make_unique<LibraryStream<int>>(
             std::make_shared<Publisher>(std::move(onFinish), capacity));
     });
-    Player model(noSubject, [capacity](std::function<void()> onFinish) {
+    ProgramRunner model(noSubject, [capacity](std::function<void()> onFinish) {
         return std::make_unique<ModelStream>(
             std::make_shared<PublisherModel>(std::move(onFinish), capacity));
     });
@@ -35,7 +35,7 @@ bool passes(std::uint64_t seed, int capacity) {
     return expectSame(seed, PublisherGenerator(seed).program(steps), library, model);
 }
 
-TEST_P(PublisherModelTest, RandomProgramsSeeWhatThePlainModelTells) {
+TEST_P(PublisherModelTest, RandomProgramsHaveTheSameJournalAsTheModel) {
     for (const std::uint64_t seed : seedsUpTo(MODEL_SEEDS)) {
         if (!passes(seed, GetParam()))
             break;

@@ -29,9 +29,9 @@ int SourceModel::set(const std::string& key, int value) {
 bool SourceModel::has(const std::string& key) {
     called("has", key);
     const bool truth = find(key) != entries.end();
-    if (lies == 0)
+    if (negations == 0)
         return truth;
-    --lies;
+    --negations;
     return !truth;
 }
 
@@ -51,10 +51,10 @@ std::set<std::string> SourceModel::keys() {
 void SourceModel::called(const std::string& operation, const std::string& key) {
     if (journal != nullptr)
         journal->note(name + " " + operation + " '" + key + "'");
-    if (refused != operation)
+    if (failing != operation)
         return;
-    refused.clear();
-    throw std::runtime_error(name + " refuses " + operation);
+    failing.clear();
+    throw std::runtime_error(name + " fails in " + operation);
 }
 
 std::vector<SourceModel::Entry>::iterator SourceModel::find(const std::string& key) {

@@ -1,4 +1,4 @@
-/// The plain model of a source: a list of entries. It shares nothing with the library's tables.
+/// The reference model of a source: a list of entries. It shares no code with the library's tables.
 #pragma once
 
 #include "Journal.hpp"
@@ -18,11 +18,11 @@ class SourceModel {
 public:
     using Watcher = std::function<void(const std::string&)>;
 
-    /// One that a configuration makes for itself: nobody sees how it is called.
+    /// A source that a configuration creates itself. Its calls are not recorded.
     SourceModel(std::string newTypeName, const Entries& initialEntries)
         : typeName(std::move(newTypeName)), entries(initialEntries.begin(), initialEntries.end()) {}
 
-    /// One that a program hands in: it writes down how it is called.
+    /// A source that a program adds. It records its calls.
     SourceModel(std::string newTypeName, const Entries& initialEntries, Journal& newJournal,
                 std::string newName)
         : SourceModel(std::move(newTypeName), initialEntries) {
@@ -36,13 +36,13 @@ public:
     void setWatcher(Watcher newWatcher);
     std::set<std::string> keys();
 
-    /// The next call of the operation ("get", "set", "has", "keys") throws.
-    void refuse(const std::string& operation) { refused = operation; }
+    /// Makes the next call of the operation ("get", "set", "has" or "keys") throw.
+    void failNext(const std::string& operation) { failing = operation; }
 
-    /// The next `count` answers of has are wrong.
-    void lie(int count) { lies = count; }
+    /// Negates the next `count` answers of has.
+    void negateHas(int count) { negations = count; }
 
-    const std::string typeName; ///< as the diagnostics call it
+    const std::string typeName; ///< the type name in diagnostic lines
 
 private:
     using Entry = std::pair<std::string, int>;
@@ -54,8 +54,8 @@ private:
     std::string name;
     std::vector<Entry> entries;
     Watcher watcher;
-    std::string refused;
-    int lies = 0;
+    std::string failing;
+    int negations = 0;
 };
 
 } // namespace test::model

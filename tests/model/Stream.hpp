@@ -1,4 +1,4 @@
-/// A publisher of either side, in the hands of a program.
+/// A publisher of the library or the model, as a program uses it.
 #pragma once
 
 #include "Listener.hpp"
@@ -9,8 +9,8 @@
 
 namespace test::model {
 
-/// Once let go of, it offers, subscribes and follows nothing any more; what the subscriber holds, the
-/// subscription, goes on working for as long as somebody else keeps the publisher.
+/// After release(), offer, subscribe and followCompletion do nothing. The subscription of the
+/// subscriber works for as long as another owner keeps the publisher alive.
 class Stream {
 public:
     virtual ~Stream() = default;
@@ -19,12 +19,12 @@ public:
 
     virtual void offer(int value) = 0;
     virtual void subscribe(std::shared_ptr<Listener> listener) = 0;
-    virtual void letGo() = 0;
+    virtual void release() = 0;
 
-    /// Takes the completion future and has `onEnd` called with what becomes of it.
+    /// Takes the completion future and calls `onEnd` with its result.
     virtual void followCompletion(std::function<void(bool)> onEnd) = 0;
 
-    // Nothing happens before a subscriber got its subscription.
+    // These do nothing before a subscriber has received its subscription.
     virtual void request(std::uint64_t count) = 0;
     virtual void cancel() = 0;
 

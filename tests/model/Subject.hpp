@@ -1,4 +1,5 @@
-/// A configuration of either side, in the hands of a program. Outcomes are words: see Journal.hpp.
+/// A configuration of the library or the model, as a program uses it. Outcomes are texts, see
+/// Journal.hpp.
 #pragma once
 
 #include "SourceModel.hpp"
@@ -11,8 +12,8 @@
 
 namespace test::model {
 
-/// How many sources the program has of its own. It hands them in, changes them behind the
-/// configuration's back and keeps them when they are removed.
+/// The number of the program's own sources. It adds them, changes them directly and keeps them when
+/// they are removed.
 inline constexpr std::size_t ownSources = 2;
 
 /// Destroying a subject destroys its configuration.

@@ -1,7 +1,7 @@
-/// Threads that set, add, remove, watch, request, cancel, let go and throw, all at once and at random.
-/// The thread sanitizer looks on; whatever the order was, what must hold in the end does.
+/// Threads run random operations on one configuration. Checks what must hold afterwards in any
+/// interleaving. Also meant for the thread sanitizer.
 
-#include "Scene.hpp"
+#include "RandomWorkload.hpp"
 
 #include "support/LogCapture.hpp"
 
@@ -32,8 +32,8 @@ std::uint64_t chooseSeed() {
     return std::random_device()();
 }
 
-/// While it lives, counts what goes to standard error instead of printing it. Any number of threads
-/// write at once.
+/// While it exists, counts the lines on standard error instead of printing them. Several threads
+/// may write at once.
 class ErrorLines final : public std::streambuf {
 public:
     ErrorLines() : before(std::cerr.rdbuf(this)) {}
@@ -47,7 +47,7 @@ public:
 protected:
     std::streamsize xsputn(const char* text, std::streamsize size) override {
         const std::string line(text, static_cast<std::size_t>(size));
-        const auto& keys = Scene::keys();
+        const auto& keys = RandomWorkload::keys();
         const bool isKnown = std::any_of(keys.begin(), keys.end(), [&line](const auto& key) {
             return line == "Error in configuration value subscriber: " + key + '\n';
         });
@@ -63,94 +63,99 @@ private:
     std::streambuf* const before;
 };
 
-void actUntil(std::chrono::steady_clock::time_point deadline, Scene& scene, std::uint64_t seed) {
-    Scene::seed(seed);
+void stepUntil(std::chrono::steady_clock::time_point deadline, RandomWorkload& workload,
+               std::uint64_t seed) {
+    RandomWorkload::seed(seed);
     while (std::chrono::steady_clock::now() < deadline)
-        scene.act();
+        workload.step();
 }
 
-void actTogether(Scene& scene, std::uint64_t seed) {
+void stepOnAllThreads(RandomWorkload& workload, std::uint64_t seed) {
     const auto deadline = std::chrono::steady_clock::now() + duration;
-    std::vector<std::thread> actors;
+    std::vector<std::thread> workers;
     for (unsigned i = 0; i < threads; ++i)
-        actors.emplace_back(actUntil, deadline, std::ref(scene), seed + i);
-    for (std::thread& actor : actors)
-        actor.join();
+        workers.emplace_back(stepUntil, deadline, std::ref(workload), seed + i);
+    for (std::thread& worker : workers)
+        worker.join();
 }
 
-/// Every stream that nobody ended is alive, and no other. Leaves the live ones.
-void expectOnlyLiveStreams(std::vector<Scene::Stream>& streams) {
-    for (const Scene::Stream& stream : streams) {
-        const Watcher& watcher = *stream.watcher;
-        const bool ended = watcher.isCancelled || watcher.completions > 0;
-        EXPECT_EQ(stream.publisher.expired(), ended) << watcher.key;
-        EXPECT_LE(watcher.completions, 1);
-        EXPECT_EQ(watcher.breaches, 0);
+/// Expects that exactly the streams that did not end are alive. Removes the others from the list.
+void expectOnlyLiveStreams(std::vector<RandomWorkload::Stream>& streams) {
+    for (const RandomWorkload::Stream& stream : streams) {
+        const RandomSubscriber& subscriber = *stream.subscriber;
+        const bool ended = subscriber.isCancelled || subscriber.completions > 0;
+        EXPECT_EQ(stream.publisher.expired(), ended) << subscriber.key;
+        EXPECT_LE(subscriber.completions, 1);
+        EXPECT_EQ(subscriber.violations, 0);
     }
-    const auto isOver = [](const Scene::Stream& stream) { return stream.publisher.expired(); };
+    const auto isOver = [](const RandomWorkload::Stream& stream) {
+        return stream.publisher.expired();
+    };
     streams.erase(std::remove_if(streams.begin(), streams.end(), isOver), streams.end());
 }
 
-/// One more change reaches whoever waits for a value; the others find it when they ask.
-void expectChangeToArrive(Scene& scene, const std::string& key,
-                          const std::vector<Scene::Stream>& streams) {
+/// Expects that one more change reaches every subscriber with demand, and every other one after a
+/// request.
+void expectChangeToArrive(RandomWorkload& workload, const std::string& key,
+                          const std::vector<RandomWorkload::Stream>& streams) {
     constexpr int value = -1; // no thread ever set a negative number
     std::vector<std::uint64_t> demands;
-    for (const Scene::Stream& stream : streams)
-        demands.push_back(stream.watcher->demand());
-    scene.configuration->set(key, value);
+    for (const RandomWorkload::Stream& stream : streams)
+        demands.push_back(stream.subscriber->demand());
+    workload.configuration->set(key, value);
     for (std::size_t i = 0; i < streams.size(); ++i) {
-        Watcher& watcher = *streams[i].watcher;
-        if (watcher.key != key)
+        RandomSubscriber& subscriber = *streams[i].subscriber;
+        if (subscriber.key != key)
             continue;
-        EXPECT_EQ(watcher.demand(), demands[i] - std::min<std::uint64_t>(demands[i], 1)) << key;
+        EXPECT_EQ(subscriber.demand(), demands[i] - std::min<std::uint64_t>(demands[i], 1)) << key;
         if (demands[i] == 0)
-            watcher.request(1);
-        EXPECT_EQ(watcher.last, value) << key;
+            subscriber.request(1);
+        EXPECT_EQ(subscriber.last, value) << key;
     }
 }
 
-std::vector<std::string> linesOfOneMoreChange(Scene& scene) {
+std::vector<std::string> linesOfOneMoreChange(RandomWorkload& workload) {
     const test::CoreLog log;
-    for (const std::string& key : Scene::keys())
-        scene.configuration->set(key, 0);
+    for (const std::string& key : RandomWorkload::keys())
+        workload.configuration->set(key, 0);
     return log.lines();
 }
 
-void expectNoStreamAfterCancelling(Scene& scene, std::vector<Scene::Stream>& streams) {
-    for (const Scene::Stream& stream : streams) {
-        stream.watcher->cancel();
+void expectNoStreamAfterCancelling(RandomWorkload& workload,
+                                   std::vector<RandomWorkload::Stream>& streams) {
+    for (const RandomWorkload::Stream& stream : streams) {
+        stream.subscriber->cancel();
         EXPECT_TRUE(stream.publisher.expired());
     }
-    EXPECT_THAT(linesOfOneMoreChange(scene), Not(Contains(StartsWith("notifying watcher: "))));
+    EXPECT_THAT(linesOfOneMoreChange(workload), Not(Contains(StartsWith("notifying watcher: "))));
 }
 
-TEST(WatchingStress, WhenTheThreadsHaveEndedEveryLiveWatcherGetsTheLastChangeAndNothingIsLeftOver) {
+TEST(WatchingStress, AfterRandomOperationsEveryLiveSubscriberReceivesTheLastChangeAndNothingLeaks) {
     const std::uint64_t seed = chooseSeed();
     std::cout << "CONNECTOR_SEED=" << seed << std::endl;
-    Scene scene;
+    RandomWorkload workload;
     const ErrorLines errors;
 
-    actTogether(scene, seed);
-    scene.calm();
+    stepOnAllThreads(workload, seed);
+    workload.quiesce();
 
     EXPECT_EQ(errors.unknown, 0u);
-    EXPECT_EQ(scene.thrown, scene.caught + errors.known) << "each failure is reported once";
-    std::cout << scene.actions << " actions, " << scene.deliveries << " values, " << errors.known
+    EXPECT_EQ(workload.thrown, workload.caught + errors.known) << "each failure is reported once";
+    std::cout << workload.steps << " steps, " << workload.deliveries << " values, " << errors.known
               << " reported failures\n";
     EXPECT_GT(errors.known, 0u);
 
-    std::vector<Scene::Stream> streams = scene.takeStreams();
+    std::vector<RandomWorkload::Stream> streams = workload.takeStreams();
     expectOnlyLiveStreams(streams);
     EXPECT_FALSE(streams.empty());
-    for (const std::string& key : Scene::keys())
-        expectChangeToArrive(scene, key, streams);
-    expectNoStreamAfterCancelling(scene, streams);
+    for (const std::string& key : RandomWorkload::keys())
+        expectChangeToArrive(workload, key, streams);
+    expectNoStreamAfterCancelling(workload, streams);
 
     streams.clear();
-    EXPECT_EQ(scene.watchers, 0);
-    const std::weak_ptr<Scene::Configuration> configuration = scene.configuration;
-    scene.configuration.reset();
+    EXPECT_EQ(workload.subscribers, 0);
+    const std::weak_ptr<RandomWorkload::Configuration> configuration = workload.configuration;
+    workload.configuration.reset();
     EXPECT_TRUE(configuration.expired());
 }
 

@@ -1,4 +1,4 @@
-/// Expectations that gtest has not.
+/// Expectations that gtest does not have.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -8,7 +8,7 @@
 
 namespace test {
 
-/// Expects that `statement` throws exactly `Exception`, not a class derived from it, with this text.
+/// Expects that `statement` throws exactly `Exception`, not a derived class, with this text.
 /// Usage: expectThrows<std::runtime_error>("text", [&] { ... });
 template <typename Exception, typename Statement>
 void expectThrows(const std::string& text, Statement statement) {

@@ -19,9 +19,9 @@
 
 namespace test {
 
-/// Linux shows the system call in which a thread sleeps, with its arguments. A thread that waits for a
-/// mutex sleeps in the call futex, whose first argument is an address inside that mutex. A test can
-/// therefore wait for the event "this thread blocks" and needs no timeout to show it.
+/// Linux shows the system call in which a thread sleeps, with its arguments. A thread that waits
+/// for a mutex sleeps in the call futex, whose first argument is an address inside that mutex. A
+/// test can therefore wait for the event "this thread blocks" and needs no timeout to show it.
 class ObservedThread {
 public:
     explicit ObservedThread(std::function<void()> operation)

@@ -1,4 +1,4 @@
-/// Where an operation stands in its class's table of virtual functions.
+/// The slot of an operation in the virtual table of its class.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,8 @@ namespace test {
 #if defined(__x86_64__) && defined(__GXX_ABI_VERSION)
 #define TEST_SLOTS_ARE_KNOWN
 
-/// A pointer to a virtual function begins with 1 + its offset in the table, by the C++ ABI of this
-/// platform. The two destructors take the first slots.
+/// By the C++ ABI of this platform, a pointer to a virtual function begins with 1 + its offset in
+/// the table. The two destructors take the first slots.
 template <typename Operation>
 std::size_t slotOf(Operation operation) {
     std::uintptr_t offsetPlusOne = 0;

@@ -1,4 +1,4 @@
-/// A place for the files of one test.
+/// A directory for the files of one test.
 #pragma once
 
 #include <cstdlib>
@@ -9,7 +9,7 @@
 
 namespace test {
 
-/// A new, empty directory, which goes with everything in it.
+/// Creates an empty directory; the destructor removes it with its content.
 class TemporaryDirectory {
 public:
     TemporaryDirectory() : path(make()) {}
@@ -36,7 +36,7 @@ private:
     static std::filesystem::path make() {
         std::string name = (std::filesystem::temp_directory_path() / "sources-XXXXXX").string();
         if (mkdtemp(name.data()) == nullptr)
-            throw std::runtime_error("cannot make a directory like " + name);
+            throw std::runtime_error("cannot create a directory like " + name);
         return name;
     }
 };

@@ -1,4 +1,4 @@
-/// How the messages become known to a serializer, and unknown again.
+/// Registering the messages with a serializer, and unregistering them.
 #include "configuration/json/Json.hpp"
 #include "configuration/service/Messages.hpp"
 #include "support/Expect.hpp"
@@ -32,7 +32,7 @@ static_assert(sizeof(ConfigurationJsonSerialization) ==
                   sizeof(DeferredService) + sizeof(std::shared_ptr<JsonSerializer>),
               "the serializer is its only field");
 
-/// Records what is registered and withdrawn.
+/// Records which classes are registered and unregistered.
 class RecordingSerializer : public JsonSerializer {
 public:
     struct Registration {
@@ -50,18 +50,18 @@ public:
     }
 
     void unregisterConverter(const std::type_info& messageClass) override {
-        if (failsToWithdraw)
-            throw std::runtime_error("cannot withdraw");
-        withdrawn.emplace_back(messageClass.name());
+        if (failsToUnregister)
+            throw std::runtime_error("cannot unregister");
+        unregistered.emplace_back(messageClass.name());
     }
 
     std::vector<std::string> typeNames() const { return list(&Registration::typeName); }
     std::vector<std::string> classes() const { return list(&Registration::messageClass); }
 
-    std::vector<Registration> registrations; ///< in their order
-    std::vector<std::string> withdrawn;      ///< the classes, in their order
+    std::vector<Registration> registrations; ///< in order
+    std::vector<std::string> unregistered;   ///< the classes, in order
     std::size_t limit = std::numeric_limits<std::size_t>::max();
-    bool failsToWithdraw = false;
+    bool failsToUnregister = false;
 
 private:
     std::vector<std::string> list(std::string Registration::*field) const {
@@ -90,30 +90,30 @@ const std::vector<std::string> classes{
     typeid(AddPropertyFileSource).name(),
 };
 
-TEST(ConfigurationJsonSerialization, RegistersTheMessagesInTheirOrder) {
+TEST(ConfigurationJsonSerialization, RegistersTheMessagesInOrder) {
     const auto serializer = std::make_shared<RecordingSerializer>();
     const ConfigurationJsonSerialization serialization(serializer);
     EXPECT_EQ(typeNames, serializer->typeNames());
     EXPECT_EQ(classes, serializer->classes());
-    EXPECT_THAT(serializer->withdrawn, IsEmpty());
+    EXPECT_THAT(serializer->unregistered, IsEmpty());
 }
 
-TEST(ConfigurationJsonSerialization, WithdrawsTheMessagesInTheSameOrderAndNothingElse) {
+TEST(ConfigurationJsonSerialization, UnregistersExactlyTheMessagesInTheSameOrder) {
     const auto serializer = std::make_shared<RecordingSerializer>();
     { const ConfigurationJsonSerialization serialization(serializer); }
-    EXPECT_EQ(classes, serializer->withdrawn);
+    EXPECT_EQ(classes, serializer->unregistered);
     EXPECT_EQ(6u, serializer->registrations.size());
 }
 
-TEST(ConfigurationJsonSerialization, WithdrawsWhenItIsDestroyedThroughItsBase) {
+TEST(ConfigurationJsonSerialization, UnregistersWhenItIsDestroyedThroughItsBase) {
     const auto serializer = std::make_shared<RecordingSerializer>();
     std::unique_ptr<DeferredService> service =
         std::make_unique<ConfigurationJsonSerialization>(serializer);
     service.reset();
-    EXPECT_EQ(classes, serializer->withdrawn);
+    EXPECT_EQ(classes, serializer->unregistered);
 }
 
-TEST(ConfigurationJsonSerialization, KeepsTheSerializerForAsLongAsItLives) {
+TEST(ConfigurationJsonSerialization, KeepsTheSerializerAlive) {
     auto serializer = std::make_shared<RecordingSerializer>();
     const std::weak_ptr<RecordingSerializer> observer = serializer;
     auto serialization = std::make_unique<ConfigurationJsonSerialization>(std::move(serializer));
@@ -122,11 +122,11 @@ TEST(ConfigurationJsonSerialization, KeepsTheSerializerForAsLongAsItLives) {
     EXPECT_TRUE(observer.expired());
 }
 
-/// A serializer that keeps the functions keeps copies; they work when all else is gone.
+/// The registered functions stay usable after the serialization is destroyed.
 TEST(ConfigurationJsonSerialization, RegistersTheFunctionsOfEachMessage) {
     const auto serializer = std::make_shared<RecordingSerializer>();
     { const ConfigurationJsonSerialization serialization(serializer); }
-    const std::string forms[] = {
+    const std::string texts[] = {
         R"({"key":"a","source":"s","value":{"type":"int","value":3}})",
         R"({"key":"a"})",
         "{}",
@@ -134,38 +134,38 @@ TEST(ConfigurationJsonSerialization, RegistersTheFunctionsOfEachMessage) {
         R"({"key":"a","source":"s","value":{"type":"int","value":3}})",
         R"({"group":"g","name":"n","order":5,"path":"p","readOnly":false})",
     };
-    for (std::size_t i = 0; i < std::size(forms); ++i) {
+    for (std::size_t i = 0; i < std::size(texts); ++i) {
         const auto& registration = serializer->registrations.at(i);
         SCOPED_TRACE(registration.typeName);
-        const MessagePtr message = registration.deserialize(test::parse(forms[i]));
+        const MessagePtr message = registration.deserialize(test::parse(texts[i]));
         EXPECT_EQ(registration.messageClass, test::classOf(message));
-        EXPECT_EQ(forms[i], test::print(registration.serialize(message)));
+        EXPECT_EQ(texts[i], test::print(registration.serialize(message)));
     }
 }
 
-TEST(ConfigurationJsonSerialization, ThatCannotRegisterAllThrowsAndWithdrawsNothing) {
+TEST(ConfigurationJsonSerialization, ThrowsAndUnregistersNothingWhenARegistrationFails) {
     const auto serializer = std::make_shared<RecordingSerializer>();
     serializer->limit = 2;
     expectThrows<std::length_error>("no room for connector/configuration/ConfigurationKeys",
                                     [&] { ConfigurationJsonSerialization{serializer}; });
     EXPECT_THAT(serializer->typeNames(), ElementsAre("connector/configuration/ConfigurationSet",
                                                      "connector/configuration/ConfigurationGet"));
-    EXPECT_THAT(serializer->withdrawn, IsEmpty());
+    EXPECT_THAT(serializer->unregistered, IsEmpty());
     EXPECT_EQ(1, serializer.use_count());
 }
 
-TEST(ConfigurationJsonSerialization, NeedsASerializer) {
+TEST(ConfigurationJsonSerialization, RequiresASerializer) {
     expectThrows<std::invalid_argument>("A JSON serialization needs a serializer.",
                                         [] { ConfigurationJsonSerialization{nullptr}; });
 }
 
-TEST(ConfigurationJsonSerializationDeathTest, EndsTheProgramWhenItCannotWithdraw) {
+TEST(ConfigurationJsonSerializationDeathTest, TerminatesTheProgramWhenItCannotUnregister) {
     const auto serializer = std::make_shared<RecordingSerializer>();
-    serializer->failsToWithdraw = true;
-    EXPECT_DEATH({ ConfigurationJsonSerialization{serializer}; }, "cannot withdraw");
+    serializer->failsToUnregister = true;
+    EXPECT_DEATH({ ConfigurationJsonSerialization{serializer}; }, "cannot unregister");
 }
 
-TEST(ConfigurationJsonSerialization, MakesTheBundledSerializerKnowTheMessages) {
+TEST(ConfigurationJsonSerialization, RegistersTheMessagesWithTheBundledSerializer) {
     const auto serializer = std::make_shared<JsonSerializerImpl>();
     const auto serialization = std::make_unique<ConfigurationJsonSerialization>(serializer);
     for (const std::string& typeName : typeNames) {
@@ -177,7 +177,7 @@ TEST(ConfigurationJsonSerialization, MakesTheBundledSerializerKnowTheMessages) {
     }
 }
 
-TEST(ConfigurationJsonSerialization, MakesTheBundledSerializerForgetTheMessages) {
+TEST(ConfigurationJsonSerialization, UnregistersTheMessagesFromTheBundledSerializer) {
     const auto serializer = std::make_shared<JsonSerializerImpl>();
     { const ConfigurationJsonSerialization serialization(serializer); }
     for (const std::string& typeName : typeNames)
@@ -185,7 +185,7 @@ TEST(ConfigurationJsonSerialization, MakesTheBundledSerializerForgetTheMessages)
     EXPECT_TRUE(serializer->knows("connector/Message"));
 }
 
-TEST(ConfigurationJsonSerialization, TwiceOnTheBundledSerializerThrows) {
+TEST(ConfigurationJsonSerialization, ThrowsWhenTheMessagesAreRegisteredAlready) {
     const auto serializer = std::make_shared<JsonSerializerImpl>();
     const ConfigurationJsonSerialization serialization(serializer);
     expectThrows<std::invalid_argument>(

@@ -1,4 +1,4 @@
-/// JSON objects from text, and back.
+/// Shorthands for parsing and printing JSON objects.
 #pragma once
 
 #include <Poco/JSON/Object.h>
@@ -9,12 +9,12 @@
 
 namespace test {
 
-/// @return the object that `text` says; throws when it is no object
+/// @return the object that `text` describes. Throws when it describes something else
 inline Poco::JSON::Object::Ptr parse(const std::string& text) {
     return Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
 }
 
-/// @return the object on one line, its members in ascending order
+/// @return the object on one line, with its members in ascending order
 inline std::string print(const Poco::JSON::Object::Ptr& object) {
     std::ostringstream text;
     object->stringify(text);

@@ -1,6 +1,6 @@
-/// What is read from objects that nobody wrote this way: a missing or odd member is never an error.
-/// The rows say what arrives, and the form of the message that it was read as.
-#include "messaging/json/Converters.hpp"
+/// Reading messages from objects with missing or unexpected members, which is never an error. A row
+/// holds the input, and the JSON of the message that was read.
+#include "configuration/json/Converters.hpp"
 #include "configuration/json/Json.hpp"
 #include "support/Expect.hpp"
 
@@ -31,14 +31,14 @@ template <typename Rows>
 void expectRead(const Converter& converter, const Rows& rows) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ(row.isReadAs, print(converter.readAndWrite(parse(row.arrives))));
+        EXPECT_EQ(row.expected, print(converter.readAndWrite(parse(row.input))));
     }
 }
 
 const std::string emptyText = R"("value":{"type":"string","value":""}})";
 const std::string emptySet = R"({"key":"","source":"",)" + emptyText;
 
-TEST(ReadingAConfigurationSet, ToleratesEverything) {
+TEST(ReadingAConfigurationSet, ToleratesMissingAndUnexpectedMembers) {
     expectRead(set, std::vector<Row>{
                         {__LINE__, "{}", emptySet},
                         {__LINE__, R"({"key":"a"})", R"({"key":"a","source":"",)" + emptyText},
@@ -60,7 +60,7 @@ TEST(ReadingAConfigurationSet, ToleratesEverything) {
                     });
 }
 
-TEST(ReadingAConfigurationGet, ToleratesEverything) {
+TEST(ReadingAConfigurationGet, ToleratesMissingAndUnexpectedMembers) {
     expectRead(get, std::vector<Row>{
                         {__LINE__, "{}", R"({"key":""})"},
                         {__LINE__, R"({"Key":"a"})", R"({"key":""})"},
@@ -77,7 +77,7 @@ TEST(ReadingConfigurationKeys, IgnoresTheObject) {
     EXPECT_EQ("", test::as<ConfigurationKeys>(message).reserved);
 }
 
-TEST(ReadingAConfigurationKeysResponse, ToleratesEverything) {
+TEST(ReadingAConfigurationKeysResponse, ToleratesMissingAndUnexpectedMembers) {
     const std::string none = R"({"keys":[]})";
     expectRead(keysResponse,
                std::vector<Row>{
@@ -118,13 +118,13 @@ TEST(ReadingAConfigurationOptionResponse, WithAValueObjectHoldsAnOption) {
                    {__LINE__, R"({"value":{"type":"int","value":3}})",
                     R"({"key":"","source":"","value":{"type":"int","value":3}})"},
                    {__LINE__, R"({"value":{}})", emptySet},
-                   {__LINE__, R"({"value":{"type":"unheard of","value":3}})", emptySet},
+                   {__LINE__, R"({"value":{"type":"unknown","value":3}})", emptySet},
                    {__LINE__, R"({"value":{"type":"intArray","value":[1,"x",3]},"key":"a"})",
                     R"({"key":"a","source":"","value":{"type":"intArray","value":[1,0,3]}})"},
                });
 }
 
-TEST(ReadingAnAddPropertyFileSource, OfAnEmptyObjectTakesTheDefaults) {
+TEST(ReadingAnAddPropertyFileSource, FromAnEmptyObjectUsesTheDefaults) {
     expectRead(
         add, std::vector<Row>{
                  {__LINE__, "{}", R"({"group":"","name":"","order":0,"path":"","readOnly":true})"},
@@ -159,13 +159,13 @@ TEST(ReadingAnAddPropertyFileSource, ToleratesEveryOrder) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
-        const Object written = add.readAndWrite(parse("{\"order\":" + row.arrives + "}"));
-        EXPECT_EQ(row.isReadAs, written->getValue<std::string>("order"));
+        const Object written = add.readAndWrite(parse("{\"order\":" + row.input + "}"));
+        EXPECT_EQ(row.expected, written->getValue<std::string>("order"));
     }
 }
 
-/// Beware: an empty text, array or object counts as false here; only what is missing or null takes the
-/// default.
+/// An empty string, array or object counts as false; only a missing member or null takes the
+/// default. This is deliberate.
 TEST(ReadingAnAddPropertyFileSource, ToleratesEveryReadOnlyFlag) {
     const Row rows[] = {
         {__LINE__, "true", "true"},
@@ -188,18 +188,18 @@ TEST(ReadingAnAddPropertyFileSource, ToleratesEveryReadOnlyFlag) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
-        const Object written = add.readAndWrite(parse("{\"readOnly\":" + row.arrives + "}"));
-        EXPECT_EQ(row.isReadAs, written->getValue<std::string>("readOnly"));
+        const Object written = add.readAndWrite(parse("{\"readOnly\":" + row.input + "}"));
+        EXPECT_EQ(row.expected, written->getValue<std::string>("readOnly"));
     }
 }
 
-TEST(ReadingNothing, ThrowsWhereAMemberIsLookedAt) {
+TEST(ReadingANullObject, ThrowsWhenAMemberIsRead) {
     for (const Converter& converter : {set, get, keysResponse, optionResponse, add})
         expectThrows<Poco::NullPointerException>("Null pointer",
                                                  [&] { converter.deserialize(nullptr); });
 }
 
-TEST(ReadingNothing, IsWellForConfigurationKeys) {
+TEST(ReadingANullObject, SucceedsForConfigurationKeys) {
     EXPECT_EQ("", test::as<ConfigurationKeys>(keys.deserialize(nullptr)).reserved);
 }
 

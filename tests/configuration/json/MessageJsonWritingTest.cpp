@@ -1,4 +1,4 @@
-/// The JSON objects that messages become, and that they come back from there as they were.
+/// Writing messages as JSON objects, and the round trip back.
 #include "configuration/json/Json.hpp"
 #include "configuration/service/Messages.hpp"
 #include "support/Expect.hpp"
@@ -23,8 +23,8 @@ using test::MessagePtr;
 using test::print;
 using namespace std::string_literals;
 
-// The whole type of the functions that have "Request" in their names. Their messages' type names
-// have not; both spellings are in use.
+// These functions have "Request" in their names, but the type names of their messages do not. Both
+// spellings are fixed. The declarations compile only if the functions have exactly these types.
 Object (*const serializeKeys)(const MessagePtr&) = serializeConfigurationKeysRequest;
 MessagePtr (*const deserializeKeys)(Object) = deserializeConfigurationKeysRequest;
 Object (*const serializeAdd)(const MessagePtr&) = serializeAddPropertyFileSourceRequest;
@@ -40,7 +40,7 @@ struct Row {
     std::string json;
 };
 
-/// One of each, and its form.
+/// Messages of every class, with their JSON.
 std::vector<Row> rows() {
     std::vector<Row> all;
     const auto add = [&](int line, auto serialize, auto deserialize, MessagePtr message,
@@ -81,14 +81,14 @@ std::vector<Row> rows() {
     return all;
 }
 
-TEST(MessageJson, HasOneFormForEachMessage) {
+TEST(MessageJson, IsWrittenForEachMessage) {
     for (const Row& row : rows()) {
         SCOPED_TRACE(row.line);
         EXPECT_EQ(row.json, print(row.serialize(row.message)));
     }
 }
 
-TEST(MessageJson, ComesBackFromTextAsTheMessageThatItWas) {
+TEST(MessageJson, IsReadBackAsTheSameMessage) {
     for (const Row& row : rows()) {
         SCOPED_TRACE(row.line);
         const MessagePtr message = row.deserialize(test::parse(row.json));
@@ -106,7 +106,7 @@ TEST(MessageJson, IsANewObjectEachTime) {
     }
 }
 
-TEST(MessageJson, ComesBackWithoutAChangeToTheObject) {
+TEST(MessageJson, IsNotChangedByReading) {
     for (const Row& row : rows()) {
         SCOPED_TRACE(row.line);
         const Object object = test::parse(row.json);
@@ -146,7 +146,7 @@ TEST(ConfigurationSetJson, CarriesAValueOfAnyType) {
     }
 }
 
-TEST(ConfigurationKeysJson, DoesNotCarryTheStringOfTheMessage) {
+TEST(ConfigurationKeysJson, OmitsTheReservedString) {
     auto keys = std::make_unique<ConfigurationKeys>();
     keys->reserved = "something";
     EXPECT_EQ("{}", print(serializeKeys(std::move(keys))));
@@ -172,8 +172,8 @@ TEST(ConfigurationKeysResponseJson, StoresAnArrayOfStrings) {
     EXPECT_TRUE(typeid(std::string) == keys->get(0).type());
 }
 
-/// The smallest and the largest number that an order can be.
-TEST(AddPropertyFileSourceJson, CarriesEveryOrder) {
+/// The smallest and the largest order.
+TEST(AddPropertyFileSourceJson, CarriesTheExtremeOrders) {
     for (const int order : {std::numeric_limits<int>::min(), 0, std::numeric_limits<int>::max()}) {
         const MessagePtr add = std::make_unique<AddPropertyFileSource>("", "", order, true, u"");
         const MessagePtr copy = deserializeAdd(test::parse(print(serializeAdd(add))));
@@ -181,8 +181,8 @@ TEST(AddPropertyFileSourceJson, CarriesEveryOrder) {
     }
 }
 
-/// 8-bit strings are bytes: nobody asks whether they are UTF-8.
-TEST(MessageJson, TakesTheBytesOf8BitStringsAsTheyAre) {
+/// 8-bit strings are bytes; they need not be UTF-8.
+TEST(MessageJson, KeepsTheBytesOf8BitStrings) {
     const std::string bytes("\xff\x00\xc3", 3);
     const MessagePtr get = std::make_unique<ConfigurationGet>(bytes);
     EXPECT_EQ(bytes, serializeConfigurationGet(get)->getValue<std::string>("key"));
@@ -191,22 +191,22 @@ TEST(MessageJson, TakesTheBytesOf8BitStringsAsTheyAre) {
         as<ConfigurationGet>(deserializeConfigurationGet(serializeConfigurationGet(get))).key);
 }
 
-const std::u16string halfACharacter(1, char16_t(0xd800));
+const std::u16string loneSurrogate(1, char16_t(0xd800));
 
-TEST(AddPropertyFileSourceJson, WithAPathThatIsNoTextThrows) {
-    const MessagePtr add = std::make_unique<AddPropertyFileSource>("", "", 0, true, halfACharacter);
+TEST(AddPropertyFileSourceJson, ThrowsForAPathThatIsNotUtf16) {
+    const MessagePtr add = std::make_unique<AddPropertyFileSource>("", "", 0, true, loneSurrogate);
     expectThrows<std::runtime_error>("Text is not valid UTF-16", [&] { serializeAdd(add); });
 }
 
-TEST(ConfigurationSetJson, WithAValueThatIsNoTextThrows) {
-    const MessagePtr set = std::make_unique<ConfigurationSet>("key", halfACharacter, "");
+TEST(ConfigurationSetJson, ThrowsForAValueThatIsNotUtf16) {
+    const MessagePtr set = std::make_unique<ConfigurationSet>("key", loneSurrogate, "");
     expectThrows<std::runtime_error>("Text is not valid UTF-16",
                                      [&] { serializeConfigurationSet(set); });
 }
 
-TEST(ConfigurationOptionResponseJson, WithAValueThatIsNoTextThrows) {
+TEST(ConfigurationOptionResponseJson, ThrowsForAValueThatIsNotUtf16) {
     const MessagePtr response = std::make_unique<ConfigurationOptionResponse>(
-        Option{"key", "site", std::vector<std::u16string>{halfACharacter}});
+        Option{"key", "site", std::vector<std::u16string>{loneSurrogate}});
     expectThrows<std::runtime_error>("Text is not valid UTF-16",
                                      [&] { serializeConfigurationOptionResponse(response); });
 }

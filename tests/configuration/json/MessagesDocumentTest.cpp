@@ -1,5 +1,5 @@
-/// The page on the messages says what the library does: every json block of its section "The messages"
-/// is read and written, every row of its section "What is read" is tried.
+/// Holds docs/messages.md against the library: every JSON block of its section "The messages" is
+/// read and written, and every row of its tables is tried.
 #include "configuration/json/Json.hpp"
 #include "configuration/service/Messages.hpp"
 
@@ -30,7 +30,7 @@ struct Line {
     std::string text;
 };
 
-/// @return the lines of the page between "## " + `heading` and the next heading of its rank
+/// @return the lines of the page between "## " + `heading` and the next heading of its level
 std::vector<Line> section(const std::string& heading) {
     std::ifstream page(TEST_DOCUMENT);
     std::vector<Line> lines;
@@ -46,7 +46,7 @@ std::vector<Line> section(const std::string& heading) {
     return lines;
 }
 
-/// @return the blocks of JSON in a section, each with the line that it begins on
+/// @return the blocks of JSON in a section, each with the line on which it begins
 std::vector<Line> jsonBlocks(const std::string& heading) {
     std::vector<Line> blocks;
     bool isInside = false;
@@ -60,7 +60,7 @@ std::vector<Line> jsonBlocks(const std::string& heading) {
     return blocks;
 }
 
-/// @return what stands between backticks in a line
+/// @return the texts between backticks in a line
 std::vector<std::string> quoted(const std::string& line) {
     std::vector<std::string> texts;
     for (std::size_t begin = line.find('`'); begin != std::string::npos;) {
@@ -109,8 +109,8 @@ TEST_F(MessagesDocument, ShowsEveryMessage) {
                                             "connector/configuration/ConfigurationKeysResponse"));
 }
 
-/// The requests of the page are sent, in its order, to a service that has the option of the page.
-TEST_F(MessagesDocument, ShowsTheReplyBehindEachRequest) {
+/// Sends the requests of the page, in order, to a service that has the options of the page.
+TEST_F(MessagesDocument, ShowsTheReplyToEachRequest) {
     const auto configuration = std::make_shared<ConfigurationImpl>();
     configuration->addInMemorySource("site", "net", 100, true, {{"port", 8080}});
     configuration->addInMemorySource("user", "", 50, false, {{"net.host", std::string("::1")}});
@@ -130,8 +130,8 @@ TEST_F(MessagesDocument, ShowsTheReplyBehindEachRequest) {
     EXPECT_EQ(6u, replies.size());
 }
 
-/// A row is | `Class` | `what arrives` | `what it is read as` | why |.
-TEST_F(MessagesDocument, TellsWhatIsRead) {
+/// A row is | `Class` | `input` | `message that is read` | why |.
+TEST_F(MessagesDocument, ShowsWhatIsRead) {
     int rows = 0;
     for (const Line& line : section("What is read")) {
         const std::vector<std::string> cells = quoted(line.text);
@@ -145,7 +145,7 @@ TEST_F(MessagesDocument, TellsWhatIsRead) {
 }
 
 /// A row is | `envelope` | `text of the failure` |.
-TEST_F(MessagesDocument, TellsHowAnEnvelopeFails) {
+TEST_F(MessagesDocument, ShowsHowAnEnvelopeFails) {
     int rows = 0;
     for (const Line& line : section("What is refused")) {
         const std::vector<std::string> cells = quoted(line.text);

@@ -1,5 +1,5 @@
-/// Reading JSON that nobody promised to be right.
-#include "configuration/json/JsonText.hpp"
+/// Reading option values from arbitrary JSON.
+#include "configuration/json/Json.hpp"
 #include "support/Expect.hpp"
 
 #include <connector/configuration/json/OptionValueJson.hpp>
@@ -30,11 +30,11 @@ Object::Ptr make(const std::string& tag, const Poco::Dynamic::Var& value) {
     return object;
 }
 
-TEST(ToOptionValue, OfANullPointerIsAnEmptyString) {
+TEST(ToOptionValue, ReadsANullPointerAsAnEmptyString) {
     EXPECT_TRUE(OptionValue(std::string()) == toOptionValue(Object::Ptr()));
 }
 
-TEST(ToOptionValue, LeavesTheObjectAsItWas) {
+TEST(ToOptionValue, LeavesTheObjectUnchanged) {
     const Object::Ptr object = parse(R"({"type":"intArray","value":[1,"x",3]})");
     toOptionValue(object);
     EXPECT_EQ(R"({"type":"intArray","value":[1,"x",3]})", print(object));
@@ -57,7 +57,7 @@ void expectRead(const std::vector<ReadRow>& readRows) {
 
 const OptionValue emptyText = std::string();
 
-TEST(ToOptionValue, OfAnUnknownTagIsAnEmptyString) {
+TEST(ToOptionValue, ReadsAnUnknownTagAsAnEmptyString) {
     expectRead({
         {__LINE__, R"({"type":"INT","value":1})", emptyText},
         {__LINE__, R"({"type":"Bool","value":true})", emptyText},
@@ -78,7 +78,7 @@ TEST(ToOptionValue, OfAnUnknownTagIsAnEmptyString) {
     });
 }
 
-TEST(ToOptionValue, WithoutAValueIsTheZeroOfTheTag) {
+TEST(ToOptionValue, ReadsAMissingValueAsTheZeroOfTheTag) {
     for (const std::string members : {R"(})", R"(,"Value":1})", R"(,"value":null})"}) {
         SCOPED_TRACE(members);
         expectRead({
@@ -98,7 +98,7 @@ TEST(ToOptionValue, WithoutAValueIsTheZeroOfTheTag) {
     }
 }
 
-TEST(ToOptionValue, OfANumberThatDoesNotFitIsZero) {
+TEST(ToOptionValue, ReadsANumberOutOfRangeAsZero) {
     expectRead({
         {__LINE__, R"({"type":"uint","value":-1})", 0u},
         {__LINE__, R"({"type":"uint","value":4294967296})", 0u},
@@ -110,7 +110,7 @@ TEST(ToOptionValue, OfANumberThatDoesNotFitIsZero) {
     });
 }
 
-TEST(ToOptionValue, OfAValueThatDoesNotConvertIsZero) {
+TEST(ToOptionValue, ReadsAValueThatDoesNotConvertAsZero) {
     expectRead({
         {__LINE__, R"({"type":"double","value":"abc"})", 0.0},
         {__LINE__, R"({"type":"double","value":[1]})", 0.0},
@@ -124,7 +124,7 @@ TEST(ToOptionValue, OfAValueThatDoesNotConvertIsZero) {
     });
 }
 
-TEST(ToOptionValue, OfAnotherJsonTypeIsConverted) {
+TEST(ToOptionValue, ConvertsOtherJsonTypes) {
     expectRead({
         {__LINE__, R"({"type":"string","value":12})", std::string("12")},
         {__LINE__, R"({"type":"string","value":-12})", std::string("-12")},
@@ -145,7 +145,7 @@ TEST(ToOptionValue, OfAnotherJsonTypeIsConverted) {
     });
 }
 
-TEST(ToOptionValue, OfAnArrayTagWithoutAnArrayIsEmpty) {
+TEST(ToOptionValue, ReadsAnArrayTagWithoutAnArrayAsEmpty) {
     for (const std::string payload : {"5", "true", R"("[1]")", R"({"0":1})", "0.5"}) {
         SCOPED_TRACE(payload);
         const std::string value = R"(","value":)" + payload + "}";
@@ -160,7 +160,7 @@ TEST(ToOptionValue, OfAnArrayTagWithoutAnArrayIsEmpty) {
     }
 }
 
-TEST(ToOptionValue, OfAMixedArrayKeepsItsLength) {
+TEST(ToOptionValue, KeepsTheLengthOfAMixedArray) {
     expectRead({
         {__LINE__, R"({"type":"intArray","value":[1,"x",3]})", std::vector<int>{1, 0, 3}},
         {__LINE__, R"({"type":"intArray","value":[null,"7",4294967295,[2],{},true]})",
@@ -182,11 +182,11 @@ TEST(ToOptionValue, IgnoresFurtherMembers) {
     expectRead({{__LINE__, R"({"type":"int","value":1,"unit":"ms"})", 1}});
 }
 
-TEST(ToOptionValue, IsTheSameInAnyOrderOfMembers) {
+TEST(ToOptionValue, AcceptsItsMembersInAnyOrder) {
     expectRead({{__LINE__, R"({"value":1,"type":"int"})", 1}});
 }
 
-TEST(ToOptionValue, KeepsBytesOfAnEightBitStringThatAreNoText) {
+TEST(ToOptionValue, KeepsBytesThatAreNotUtf8) {
     const std::string bytes("\0\xff\xc3", 3);
     EXPECT_TRUE(OptionValue(bytes) == toOptionValue(make("string", bytes)));
     Array::Ptr array = new Array;
@@ -195,7 +195,7 @@ TEST(ToOptionValue, KeepsBytesOfAnEightBitStringThatAreNoText) {
                 toOptionValue(make("stringArray", array)));
 }
 
-TEST(ToOptionValue, RefusesInvalidUtf8ForTextInUtf16) {
+TEST(ToOptionValue, RefusesInvalidUtf8ForUtf16Strings) {
     for (const std::string text : {"\xff", "a\xc3", "\xc0\x80", "\xed\xa0\x80"}) {
         SCOPED_TRACE(testing::PrintToString(text));
         expectThrows<std::runtime_error>("Text is not valid UTF-8",

@@ -1,5 +1,5 @@
-/// Option values as JSON, and what comes back.
-#include "configuration/json/JsonText.hpp"
+/// Option values as JSON, and the round trip back.
+#include "configuration/json/Json.hpp"
 #include "support/Expect.hpp"
 
 #include <connector/configuration/json/OptionValueJson.hpp>
@@ -72,7 +72,7 @@ const Row rows[] = {
      R"({"type":"ustringArray","value":["b","",")" + smileUtf8 + R"("]})"},
 };
 
-TEST(FromOptionValue, WritesTheTagAndThePayload) {
+TEST(FromOptionValue, WritesTheTagAndTheValue) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
         EXPECT_EQ(row.json, print(fromOptionValue(row.value)));
@@ -86,7 +86,7 @@ TEST(FromOptionValue, WritesTwoMembersOnly) {
     }
 }
 
-TEST(FromOptionValue, MakesANewObjectEachTime) {
+TEST(FromOptionValue, CreatesANewObjectEachTime) {
     const OptionValue value = std::vector<int>{1};
     const Object::Ptr first = fromOptionValue(value);
     const Object::Ptr second = fromOptionValue(value);
@@ -123,7 +123,7 @@ TEST(FromOptionValue, KeepsTheTypesOfElements) {
     EXPECT_EQ(typeid(std::string), typeOf(std::vector<std::u16string>{u"a"}));
 }
 
-TEST(FromOptionValue, KeepsBytesThatAreNoText) {
+TEST(FromOptionValue, KeepsBytesThatAreNotUtf8) {
     const std::string bytes("\0\xff\xc3", 3);
     EXPECT_EQ(bytes, fromOptionValue(bytes)->getValue<std::string>("value"));
 }
@@ -154,7 +154,7 @@ TEST(ToOptionValue, ReadsBackEveryAlternativeThroughText) {
     }
 }
 
-TEST(ToOptionValue, ReadsBackWhatNoTextCanHold) {
+TEST(ToOptionValue, ReadsBackValuesThatJsonTextCannotHold) {
     const std::string bytes("\0\xff\xc3", 3);
     EXPECT_TRUE(OptionValue(bytes) == toOptionValue(fromOptionValue(bytes)));
     const std::u16string withNul(u"a\0\ufeff", 3);

@@ -1,5 +1,5 @@
-/// What is read from members that hold text.
-#include "messaging/json/Converters.hpp"
+/// Reading members that hold strings.
+#include "configuration/json/Converters.hpp"
 #include "configuration/json/Json.hpp"
 #include "support/Expect.hpp"
 
@@ -23,7 +23,7 @@ using test::parse;
 using test::Row;
 using test::set;
 
-/// Each member that holds text.
+/// Every member that holds a string.
 const struct {
     int line;
     Converter converter;
@@ -39,7 +39,7 @@ const struct {
     {__LINE__, add, "path"},
 };
 
-/// @return what each member that holds text is read as, when this arrives
+/// @return what each of these members is read as, when its JSON is `json`
 std::vector<std::string> readEverywhere(const std::string& json) {
     std::vector<std::string> texts;
     for (const auto& member : textMembers) {
@@ -53,7 +53,7 @@ std::vector<std::string> everywhere(const std::string& text) {
     return std::vector<std::string>(std::size(textMembers), text);
 }
 
-TEST(ReadingText, TakesNumbersAndBooleansForTheirText) {
+TEST(ReadingText, ReadsNumbersAndBooleansAsText) {
     const Row rows[] = {
         {__LINE__, R"("text")", "text"},
         {__LINE__, R"("")", ""},
@@ -69,12 +69,12 @@ TEST(ReadingText, TakesNumbersAndBooleansForTheirText) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ(everywhere(row.isReadAs), readEverywhere(row.arrives));
+        EXPECT_EQ(everywhere(row.expected), readEverywhere(row.input));
     }
 }
 
-/// How it is laid out in lines is left open.
-TEST(ReadingText, TakesArraysAndObjectsForTheirJson) {
+/// The white space of the resulting text is unspecified.
+TEST(ReadingText, ReadsArraysAndObjectsAsTheirJson) {
     for (const std::string json : {R"([1,"a"])", "[]", R"({"a":{"b":null}})", "{}"}) {
         SCOPED_TRACE(json);
         std::vector<std::string> texts = readEverywhere(json);
@@ -86,11 +86,11 @@ TEST(ReadingText, TakesArraysAndObjectsForTheirJson) {
     }
 }
 
-TEST(ReadingText, TakesTheBytesOf8BitStringsAsTheyAre) {
+TEST(ReadingText, KeepsTheBytesOf8BitStrings) {
     const std::string bytes("\xff\x00\xc3", 3);
     for (const auto& member : textMembers) {
         if (member.name == "path")
-            continue; // the one that is UTF-16 inside
+            continue; // the only member that is stored as UTF-16
         SCOPED_TRACE(member.line);
         Object object = parse(R"({"value":{}})");
         object->set(member.name, bytes);

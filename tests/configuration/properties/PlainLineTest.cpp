@@ -1,4 +1,4 @@
-/// Which lines are read at once. What they mean is seen through the parser.
+/// Which lines are plain. The parser's tests show how plain lines are read.
 
 #include <connector/configuration/properties/PlainLine.hpp>
 
@@ -28,34 +28,34 @@ void expectNotPlain(const std::string& text) {
 
 } // namespace
 
-TEST(PlainLine, IsAPropertyWithItsLineBreak) {
+TEST(PlainLine, IncludesItsLineBreak) {
     expectPlain("a=b\n", "a", "b", 4);
     expectPlain("a.b : c d \nnext", "a.b", "c d ", 11);
     expectPlain(" =\t\n", "", "", 4);
 }
 
-TEST(PlainLine, EndsWithItsCarriageReturn) {
+TEST(PlainLine, EndsAtACarriageReturn) {
     expectPlain("a=b\r\nnext", "a", "b", 4);
     expectPlain("a= \r\n", "a", "", 4);
 }
 
-TEST(PlainLine, HasNoBackslashInIt) {
+TEST(PlainLine, ContainsNoBackslash) {
     expectNotPlain("a\\=b=c\n");
     expectNotPlain("a=b\\\n c\n");
     expectPlain("a=b\nc=\\d\n", "a", "b", 4);
 }
 
-TEST(PlainLine, IsNoCommentAndNotEmptyAndEndsWithinTheText) {
+TEST(PlainLine, IsCompleteAndNeitherACommentNorEmpty) {
     for (const char* text : {"", "\n", "\r\n", "\r", "#a=b\n", "!a=b\n", "a", "a=b", "a=b\r"})
         expectNotPlain(text);
 }
 
-TEST(PlainLine, HasItsSeparatorBeforeAnyLineBreak) {
+TEST(PlainLine, HasASeparatorBeforeAnyLineBreak) {
     for (const char* text : {"a\nb=c\n", "a\r\nb=c\n", "a\rb=c\n", "a=b\rc=d\n"})
         expectNotPlain(text);
 }
 
-TEST(PlainLine, IsShortSoThatALookForItsEndIsShort) {
+TEST(PlainLine, IsLimitedInLength) {
     const std::string longest = "a=" + std::string(1021, 'b');
     expectPlain(longest + "\n", "a", longest.substr(2), 1024);
     expectNotPlain(longest + "b\n");

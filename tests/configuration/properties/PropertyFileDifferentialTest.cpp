@@ -1,4 +1,5 @@
-/// Random inputs, compared with the plain reading of the rules in everything that can be seen.
+/// Compares the library's parser with the reference parser on random inputs, in everything
+/// observable.
 
 #include "configuration/properties/parsing/Observation.hpp"
 
@@ -11,17 +12,17 @@ namespace test {
 
 namespace {
 
-// The characters that mean something, some that do not, and some of what they make together.
+// The special characters, some ordinary ones, and some combinations.
 const std::string pieces[] = {
     "a",    "b",     "c",    ":",    "=",    "#",    "!",     "\\",     "u",
     "0",    "4",     "9",    "F",    " ",    "\t",   "\r",    "\n",     std::string(1, '\0'),
     "\x80", "\xC3",  "\xFF", "\n",   "\\\n", "\\\r", "\\u00", "\\u20a", "\\ud83d",
     "a=b",  "key :", " = ",  "\r\n", "\n#",  "\n!",  "\n ",   "=\n",    "b\n"};
 
-/// Random choices that are the same on every system for the same seed.
-class Dice {
+/// Random choices. The same seed gives the same choices on every system.
+class RandomChoice {
 public:
-    explicit Dice(unsigned seed) : engine(seed) {}
+    explicit RandomChoice(unsigned seed) : engine(seed) {}
 
     /// @return a number below `count`
     std::size_t below(std::size_t count) { return engine() % count; }
@@ -35,82 +36,87 @@ private:
     std::mt19937 engine;
 };
 
-std::string randomText(Dice& dice) {
+std::string randomText(RandomChoice& random) {
     std::string text;
-    for (std::size_t count = dice.below(24); count > 0; --count)
-        text += dice.oneOf(pieces);
+    for (std::size_t count = random.below(24); count > 0; --count)
+        text += random.oneOf(pieces);
     return text;
 }
 
 ParseInput randomInput(unsigned seed) {
     constexpr Supply supplies[] = {Supply::pieces, Supply::reused, Supply::unbuffered};
-    Dice dice(seed);
+    RandomChoice random(seed);
     ParseInput input;
-    input.text = randomText(dice);
-    input.supply = dice.oneOf(supplies);
-    input.pieceSize = 1 + dice.below(input.text.size() + 2);
+    input.text = randomText(random);
+    input.supply = random.oneOf(supplies);
+    input.pieceSize = 1 + random.below(input.text.size() + 2);
     return input;
 }
 
-/// Compares the two parsers for many seeds. `change` makes the inputs special.
+/// Compares the two parsers for the seeds from 1 to `seeds`. `change` modifies each input.
 template <typename Change>
 void compare(unsigned seeds, Change change) {
     for (unsigned seed = 1; seed <= seeds; ++seed) {
         ParseInput input = randomInput(seed);
-        Dice dice(~seed);
-        change(input, dice);
+        RandomChoice random(~seed);
+        change(input, random);
         SCOPED_TRACE("seed " + std::to_string(seed) + ": " + testing::PrintToString(input.text));
         expectSame(observeReference(input), observeLibrary(input));
         if (testing::Test::HasFailure())
-            return; // one input is enough to look into
+            return; // one failing input is enough
     }
 }
 
-Ending randomReadError(Dice& dice) {
-    constexpr Ending endings[] = {Ending::throwing, Ending::turningBad};
-    return dice.oneOf(endings);
+InputEnd randomReadError(RandomChoice& random) {
+    constexpr InputEnd inputEnds[] = {InputEnd::throwing, InputEnd::settingBadBit};
+    return random.oneOf(inputEnds);
 }
 
-std::ios_base::iostate randomExceptions(Dice& dice) {
+std::ios_base::iostate randomExceptions(RandomChoice& random) {
     constexpr std::ios_base::iostate masks[] = {
         std::ios_base::badbit,
         std::ios_base::failbit,
         std::ios_base::eofbit,
         std::ios_base::badbit | std::ios_base::failbit | std::ios_base::eofbit,
     };
-    return dice.oneOf(masks);
+    return random.oneOf(masks);
 }
 
 } // namespace
 
-TEST(PropertyFileDifferential, RandomInputsAreReadAsCharacterByCharacter) {
-    compare(6000, [](ParseInput&, Dice&) {});
+TEST(PropertyFileDifferential, RandomInputsAreReadAsByTheReference) {
+    compare(6000, [](ParseInput&, RandomChoice&) {});
 }
 
-TEST(PropertyFileDifferential, ReadErrorsLeaveWhatCharacterByCharacterLeaves) {
-    compare(3000, [](ParseInput& input, Dice& dice) { input.ending = randomReadError(dice); });
+TEST(PropertyFileDifferential, ReadErrorsAreHandledAsByTheReference) {
+    compare(3000,
+            [](ParseInput& input, RandomChoice& random) { input.end = randomReadError(random); });
 }
 
-TEST(PropertyFileDifferential, StreamsThatThrowAtTheEndThrowWhatTheyThrowCharacterByCharacter) {
-    compare(3000, [](ParseInput& input, Dice& dice) { input.exceptions = randomExceptions(dice); });
-}
-
-TEST(PropertyFileDifferential, ReadErrorsInStreamsThatThrowAreThrownAsCharacterByCharacter) {
-    compare(3000, [](ParseInput& input, Dice& dice) {
-        input.ending = randomReadError(dice);
-        input.exceptions = randomExceptions(dice);
+TEST(PropertyFileDifferential, StreamsThatThrowAtTheEndThrowAsWithTheReference) {
+    compare(3000, [](ParseInput& input, RandomChoice& random) {
+        input.exceptions = randomExceptions(random);
     });
 }
 
-TEST(PropertyFileDifferential, AThrowingSinkOrWatcherLeavesTheStreamAsCharacterByCharacter) {
-    compare(3000, [](ParseInput& input, Dice& dice) { input.throwingEvent = 1 + dice.below(6); });
+TEST(PropertyFileDifferential, ReadErrorsOfStreamsThatThrowAreThrownAsByTheReference) {
+    compare(3000, [](ParseInput& input, RandomChoice& random) {
+        input.end = randomReadError(random);
+        input.exceptions = randomExceptions(random);
+    });
 }
 
-TEST(PropertyFileDifferential, LongRandomInputsAreReadAsCharacterByCharacter) {
-    compare(40, [](ParseInput& input, Dice& dice) {
+TEST(PropertyFileDifferential, AThrowingSinkOrWatcherLeavesTheStreamAsTheReferenceDoes) {
+    compare(3000, [](ParseInput& input, RandomChoice& random) {
+        input.throwingEvent = 1 + random.below(6);
+    });
+}
+
+TEST(PropertyFileDifferential, LongRandomInputsAreReadAsByTheReference) {
+    compare(40, [](ParseInput& input, RandomChoice& random) {
         while (input.text.size() < 20000)
-            input.text += randomText(dice);
-        input.pieceSize = 1 + dice.below(4096);
+            input.text += randomText(random);
+        input.pieceSize = 1 + random.below(4096);
     });
 }
 

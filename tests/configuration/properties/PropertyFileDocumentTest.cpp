@@ -1,4 +1,4 @@
-/// docs/property-files.md tells users what this library does: its examples, read and tried.
+/// Holds the examples of docs/property-files.md against the library.
 
 #include "configuration/properties/parsing/Observation.hpp"
 
@@ -31,7 +31,7 @@ Texts parse(const std::string& text) {
     return optionsOf(*source);
 }
 
-/// @return the blocks fenced as `language`, each with its lines' ends
+/// @return the blocks fenced as `language`, with their line breaks
 std::vector<std::string> fencedBlocks(const std::string& language) {
     std::vector<std::string> blocks;
     bool inside = false;
@@ -56,7 +56,7 @@ Texts textsOfJson(const std::string& json) {
     return texts;
 }
 
-/// @return the cells of a table's row without the blanks around them; empty for another line
+/// @return the trimmed cells of a table row; none when the line is not one
 std::vector<std::string> cellsOf(const std::string& line) {
     std::vector<std::string> cells;
     std::istringstream stream(line);
@@ -71,7 +71,7 @@ std::vector<std::string> cellsOf(const std::string& line) {
     return cells;
 }
 
-/// @return the rows below the table heads whose first cell is `head`
+/// @return the rows of all tables whose first column is headed `head`
 std::vector<std::vector<std::string>> rowsUnder(const std::string& head) {
     std::vector<std::vector<std::string>> rows;
     bool inside = false;
@@ -92,7 +92,7 @@ void replaceAll(std::string& text, const std::string& from, const std::string& t
         text.replace(at, from.size(), to);
 }
 
-/// @return what a cell stands for: code as it is, with its visible blanks made real
+/// @return the text that a cell stands for, with its symbols for white space replaced
 std::string textOf(std::string cell) {
     if (cell == "*empty*")
         return "";
@@ -112,7 +112,7 @@ Texts expectedOf(const std::vector<std::string>& row) {
 
 } // namespace
 
-TEST(PropertyFileDocument, TheFilesGiveTheOptionsBelowThem) {
+TEST(PropertyFileDocument, TheFilesHaveTheOptionsShown) {
     const std::vector<std::string> files = fencedBlocks("properties");
     const std::vector<std::string> options = fencedBlocks("json");
     ASSERT_EQ(files.size(), options.size());
@@ -121,14 +121,14 @@ TEST(PropertyFileDocument, TheFilesGiveTheOptionsBelowThem) {
         EXPECT_EQ(textsOfJson(options[i]), parse(files[i])) << files[i];
 }
 
-TEST(PropertyFileDocument, TheLinesGiveTheirKeysAndValues) {
+TEST(PropertyFileDocument, TheLinesHaveTheKeysAndValuesShown) {
     const auto rows = rowsUnder("Line");
-    ASSERT_EQ(35u, rows.size()); // all of them are found
+    ASSERT_EQ(35u, rows.size()); // every row was found
     for (const auto& row : rows)
         EXPECT_EQ(expectedOf(row), parse(textOf(row.at(0)) + "\n")) << row.at(0);
 }
 
-TEST(PropertyFileDocument, TheEndsOfFilesGiveTheirKeysAndValues) {
+TEST(PropertyFileDocument, TheEndsOfFilesHaveTheKeysAndValuesShown) {
     const auto rows = rowsUnder("End of the file");
     ASSERT_EQ(15u, rows.size());
     for (const auto& row : rows)

@@ -1,4 +1,4 @@
-/// Every row of the table, read in every way.
+/// Every row of the table, parsed from every kind of stream buffer.
 
 #include "configuration/properties/parsing/Observation.hpp"
 #include "configuration/properties/parsing/PropertyRows.hpp"
@@ -12,21 +12,21 @@ namespace test {
 namespace {
 
 constexpr Supply supplies[] = {Supply::pieces, Supply::reused, Supply::unbuffered};
-constexpr Ending readErrors[] = {Ending::throwing, Ending::turningBad};
+constexpr InputEnd readErrors[] = {InputEnd::throwing, InputEnd::settingBadBit};
 
 std::string description(const PropertyRow& row) {
-    return "row of line " + std::to_string(row.line) + ", " + row.behaviour + ": " +
+    return "row in line " + std::to_string(row.line) + ", " + row.behaviour + ": " +
            testing::PrintToString(row.input);
 }
 
-ParseInput atOnce(const std::string& text) {
+ParseInput inOnePiece(const std::string& text) {
     ParseInput input;
     input.text = text;
     input.pieceSize = text.size() + 1;
     return input;
 }
 
-/// Expects what the row tells, and the watcher behind each line of the log.
+/// Expects the options and log lines of the row, and one watcher call for each log line.
 void expectRow(const PropertyRow& row, const Observation& observation) {
     EXPECT_EQ((std::map<std::string, std::string>(row.options.begin(), row.options.end())),
               observation.options);
@@ -37,7 +37,7 @@ void expectRow(const PropertyRow& row, const Observation& observation) {
     EXPECT_EQ(std::ios_base::eofbit | std::ios_base::failbit, observation.state);
 }
 
-/// Reads a text in pieces of every size that makes a difference, in every way.
+/// Checks a text in pieces of every size up to its own, from every kind of stream buffer.
 template <typename Check>
 void inPiecesOfEverySize(const std::string& text, Check check) {
     ParseInput input;
@@ -57,18 +57,18 @@ void inPiecesOfEverySize(const std::string& text, Check check) {
 
 class PropertyFileRow : public testing::TestWithParam<PropertyRow> {};
 
-TEST_P(PropertyFileRow, IsReadAsTold) {
+TEST_P(PropertyFileRow, IsParsedAsListed) {
     for (const PropertyRow& row : lineBreakVariations(GetParam())) {
         SCOPED_TRACE(description(row));
-        expectRow(row, observeLibrary(atOnce(row.input)));
+        expectRow(row, observeLibrary(inOnePiece(row.input)));
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(PropertyFile, PropertyFileRow, testing::ValuesIn(propertyRows()),
                          [](const auto& info) { return info.param.behaviour; });
 
-TEST(PropertyFileRows, HaveTheWatcherCalledRightBehindEachLineOfTheLog) {
-    const Observation seen = observeLibrary(atOnce("a=b\nc=d\na=e"));
+TEST(PropertyFileRows, CallTheWatcherAfterEachLogLine) {
+    const Observation seen = observeLibrary(inOnePiece("a=b\nc=d\na=e"));
     std::vector<std::string> events;
     for (const ParseEvent& event : seen.events)
         events.push_back(event.text);
@@ -78,7 +78,7 @@ TEST(PropertyFileRows, HaveTheWatcherCalledRightBehindEachLineOfTheLog) {
               events);
 }
 
-TEST(PropertyFileRows, MeanTheSameInPiecesOfEverySize) {
+TEST(PropertyFileRows, AreParsedAlikeInPiecesOfEverySize) {
     for (const PropertyRow& original : propertyRows()) {
         for (const PropertyRow& row : lineBreakVariations(original)) {
             SCOPED_TRACE(description(row));
@@ -89,26 +89,26 @@ TEST(PropertyFileRows, MeanTheSameInPiecesOfEverySize) {
     }
 }
 
-TEST(PropertyFileRows, AreReadCharacterByCharacterToTheSameEffect) {
+TEST(PropertyFileRows, AreParsedAsByTheReference) {
     for (const PropertyRow& original : propertyRows()) {
         for (const PropertyRow& row : lineBreakVariations(original)) {
             SCOPED_TRACE(description(row));
-            const ParseInput input = atOnce(row.input);
+            const ParseInput input = inOnePiece(row.input);
             expectRow(row, observeReference(input));
             expectSame(observeReference(input), observeLibrary(input));
         }
     }
 }
 
-TEST(PropertyFileRows, EndAtAReadErrorAsAtTheEndOfTheInput) {
+TEST(PropertyFileRows, EndAtAReadErrorAsAtTheEndOfInput) {
     for (const PropertyRow& row : propertyRows()) {
         SCOPED_TRACE(description(row));
         for (std::size_t length = 0; length <= row.input.size(); ++length) {
-            SCOPED_TRACE("read error behind " + std::to_string(length) + " characters");
-            ParseInput input = atOnce(row.input.substr(0, length));
+            SCOPED_TRACE("read error after " + std::to_string(length) + " characters");
+            ParseInput input = inOnePiece(row.input.substr(0, length));
             const Observation expected = observeReference(input);
-            for (const Ending ending : readErrors) {
-                input.ending = ending;
+            for (const InputEnd end : readErrors) {
+                input.end = end;
                 const Observation actual = observeLibrary(input);
                 expectSameProperties(expected, actual);
                 EXPECT_EQ("", actual.thrown);
@@ -121,9 +121,9 @@ TEST(PropertyFileRows, EndAtAReadErrorAsAtTheEndOfTheInput) {
 TEST(PropertyFileRows, EndAtAReadErrorInPiecesOfEverySize) {
     for (const PropertyRow& row : propertyRows()) {
         SCOPED_TRACE(description(row));
-        const Observation expected = observeReference(atOnce(row.input));
+        const Observation expected = observeReference(inOnePiece(row.input));
         inPiecesOfEverySize(row.input, [&expected](ParseInput input) {
-            input.ending = Ending::throwing;
+            input.end = InputEnd::throwing;
             const Observation actual = observeLibrary(input);
             expectSameProperties(expected, actual);
             EXPECT_EQ(std::ios_base::badbit | std::ios_base::failbit, actual.state);

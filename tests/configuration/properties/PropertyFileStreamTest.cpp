@@ -1,4 +1,4 @@
-/// parseStream and the stream that it is given.
+/// How parseStream uses its stream.
 
 #include "configuration/properties/parsing/Observation.hpp"
 #include "support/Expect.hpp"
@@ -40,7 +40,7 @@ TEST(ParseStream, AddsToTheTable) {
     EXPECT_EQ((Texts{{"a", "b"}, {"c", "x"}, {"e", "f"}}), optionsOf(*source));
 }
 
-TEST(ParseStream, KeepsNothingOfAnUnfinishedPropertyForTheNextStream) {
+TEST(ParseStream, DropsAnUnfinishedPropertyBeforeTheNextStream) {
     const auto source = makeEmptyPropertyFileSource();
     for (const char* text : {"lost=", "a=b\\", "c=d\n"}) {
         std::istringstream stream(text);
@@ -49,7 +49,7 @@ TEST(ParseStream, KeepsNothingOfAnUnfinishedPropertyForTheNextStream) {
     EXPECT_EQ((Texts{{"c", "d"}}), optionsOf(*source));
 }
 
-TEST(ParseStream, BeginsWhereTheStreamStands) {
+TEST(ParseStream, StartsAtThePositionOfTheStream) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream("skipped a=b\n");
     stream.ignore(8);
@@ -57,7 +57,7 @@ TEST(ParseStream, BeginsWhereTheStreamStands) {
     EXPECT_EQ((Texts{{"a", "b"}}), optionsOf(*source));
 }
 
-TEST(ParseStream, LeavesAStreamThatEndedWithItsEofAndFailBits) {
+TEST(ParseStream, SetsTheEofAndFailBitsAtTheEnd) {
     for (const char* text : {"", "a=b", "a=b\n", "# c", "\n", "a=\\u00"}) {
         SCOPED_TRACE(text);
         const auto source = makeEmptyPropertyFileSource();
@@ -67,10 +67,10 @@ TEST(ParseStream, LeavesAStreamThatEndedWithItsEofAndFailBits) {
     }
 }
 
-TEST(ParseStream, LeavesAStreamWithAReadErrorWithItsBadAndFailBits) {
+TEST(ParseStream, SetsTheBadAndFailBitsAfterAReadError) {
     ParseInput input;
     input.text = "a=b\nc=d";
-    input.ending = Ending::throwing;
+    input.end = InputEnd::throwing;
     const Observation seen = observeLibrary(input);
     EXPECT_EQ((Texts{{"a", "b"}, {"c", "d"}}), seen.options);
     EXPECT_EQ((std::vector<std::string>{"Parsed property: a = b", "Parsed final property: c = d"}),
@@ -91,7 +91,7 @@ TEST(ParseStream, ReadsNothingFromAStreamThatIsNotGood) {
     }
 }
 
-TEST(ParseStream, ReadsNothingFromAStreamWithoutBuffer) {
+TEST(ParseStream, ReadsNothingFromAStreamWithoutABuffer) {
     const auto source = makeEmptyPropertyFileSource();
     std::istream stream(nullptr);
     source->parseStream(stream);
@@ -99,7 +99,7 @@ TEST(ParseStream, ReadsNothingFromAStreamWithoutBuffer) {
     EXPECT_EQ(std::ios_base::badbit | std::ios_base::failbit, stream.rdstate());
 }
 
-TEST(ParseStream, ReadsBlanksAlsoWhereTheStreamSkipsThem) {
+TEST(ParseStream, ReadsBlanksEvenIfTheStreamSkipsWhiteSpace) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream(" a\nb = c d \n");
     stream.setf(std::ios_base::skipws);
@@ -107,16 +107,16 @@ TEST(ParseStream, ReadsBlanksAlsoWhereTheStreamSkipsThem) {
     EXPECT_EQ((Texts{{"", "a"}, {"b", "c d "}}), optionsOf(*source));
 }
 
-TEST(ParseStream, ShowsTheWatcherAStreamThatStandsBehindTheLineBreak) {
+TEST(ParseStream, CallsTheWatcherWithTheStreamPositionedAfterTheLineBreak) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream("a=b\nlonger = c\nd=e");
     std::vector<std::streamoff> positions;
     source->setWatcher([&](const std::string&) { positions.push_back(stream.tellg()); });
     source->parseStream(stream);
-    EXPECT_EQ((std::vector<std::streamoff>{4, 15, -1}), positions); // the last one: it has ended
+    EXPECT_EQ((std::vector<std::streamoff>{4, 15, -1}), positions); // -1: the stream has ended
 }
 
-TEST(ParseStream, GoesOnWhereTheWatcherLeftTheStream) {
+TEST(ParseStream, ContinuesWhereTheWatcherLeftTheStream) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream("a=b\nskipped\nc=d\n");
     source->setWatcher([&](const std::string& key) {
@@ -127,7 +127,7 @@ TEST(ParseStream, GoesOnWhereTheWatcherLeftTheStream) {
     EXPECT_EQ((Texts{{"a", "b"}, {"c", "d"}}), optionsOf(*source));
 }
 
-TEST(ParseStream, GoesOnInTheBufferThatTheWatcherPutIn) {
+TEST(ParseStream, ContinuesInABufferThatTheWatcherInstalled) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream("a=b\nnot=read\n");
     std::stringbuf other("c=d\n");
@@ -139,7 +139,7 @@ TEST(ParseStream, GoesOnInTheBufferThatTheWatcherPutIn) {
     EXPECT_EQ((Texts{{"a", "b"}, {"c", "d"}}), optionsOf(*source));
 }
 
-TEST(ParseStream, EndsWhenTheWatcherMakesTheStreamFail) {
+TEST(ParseStream, StopsWhenTheWatcherMakesTheStreamFail) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream("a=b\nc=d\n");
     source->setWatcher([&](const std::string&) { stream.setstate(std::ios_base::failbit); });
@@ -153,27 +153,27 @@ TEST(ParseStream, LeavesTheRestOfTheStreamWhenTheWatcherThrows) {
     std::istringstream stream("a=b\nc=d\ne=f\n");
     source->setWatcher([](const std::string& key) {
         if (key == "c")
-            throw std::domain_error("enough");
+            throw std::domain_error("the watcher failed");
     });
-    expectThrows<std::domain_error>("enough", [&] { source->parseStream(stream); });
+    expectThrows<std::domain_error>("the watcher failed", [&] { source->parseStream(stream); });
     EXPECT_EQ((Texts{{"a", "b"}, {"c", "d"}}), optionsOf(*source));
     EXPECT_TRUE(stream.good());
     EXPECT_EQ("e=f\n", remainderOf(stream));
 }
 
-TEST(ParseStream, MayGoOnAfterTheWatcherThrew) {
+TEST(ParseStream, CanContinueAfterTheWatcherThrew) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream("a=b\nc=d\n");
     source->setWatcher([](const std::string& key) {
         if (key == "a")
-            throw std::domain_error("enough");
+            throw std::domain_error("the watcher failed");
     });
     EXPECT_THROW(source->parseStream(stream), std::domain_error);
     source->parseStream(stream);
     EXPECT_EQ((Texts{{"a", "b"}, {"c", "d"}}), optionsOf(*source));
 }
 
-TEST(ParseStream, MayBeCalledByTheWatcherForTheRestOfTheStream) {
+TEST(ParseStream, MayBeCalledByTheWatcher) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream("a=b\nc=d\ne=f");
     std::vector<std::string> watched;
@@ -187,7 +187,7 @@ TEST(ParseStream, MayBeCalledByTheWatcherForTheRestOfTheStream) {
     EXPECT_EQ((std::vector<std::string>{"a", "c", "e"}), watched);
 }
 
-TEST(ParseStream, ThrowsAtTheEndOfAStreamThatThrowsThereAndLosesTheLastLine) {
+TEST(ParseStream, LosesTheLastLineOfAStreamThatThrowsAtItsEnd) {
     const auto source = makeEmptyPropertyFileSource();
     std::istringstream stream("a=b\nc=d");
     stream.exceptions(std::ios_base::badbit | std::ios_base::failbit | std::ios_base::eofbit);
@@ -196,9 +196,9 @@ TEST(ParseStream, ThrowsAtTheEndOfAStreamThatThrowsThereAndLosesTheLastLine) {
     EXPECT_EQ(endState, stream.rdstate());
 }
 
-TEST(ParseStream, ThrowsTheReadErrorOfAStreamThatThrowsWhenItTurnsBad) {
+TEST(ParseStream, ThrowsTheReadErrorOfAStreamThatThrowsForItsBadBit) {
     const auto source = makeEmptyPropertyFileSource();
-    const auto buffer = makeSupplyBuffer(Supply::pieces, "a=b\nc=d", 3, Ending::throwing);
+    const auto buffer = makeSupplyBuffer(Supply::pieces, "a=b\nc=d", 3, InputEnd::throwing);
     std::istream stream(buffer.get());
     stream.exceptions(std::ios_base::badbit);
     expectThrows<std::runtime_error>("read error", [&] { source->parseStream(stream); });
@@ -225,7 +225,7 @@ TEST(ParseStream, ReadsRunsOfLineBreaksAndBlanksOfAnyLength) {
               parse(std::string(100000, '\n') + "a" + std::string(100000, ' ') + "b\n"));
 }
 
-TEST(ParseStream, KeepsAllBytesThatMeanNothing) {
+TEST(ParseStream, KeepsEveryOrdinaryByte) {
     std::string bytes;
     for (int byte = 0; byte < 256; ++byte) {
         if (std::string("\r\n\\").find(static_cast<char>(byte)) == std::string::npos)

@@ -1,4 +1,4 @@
-/// The cursor itself. Most of what it does is seen through the parser; here stands what is not.
+/// The cursor itself. The parser's tests cover most of it; these tests cover the rest.
 
 #include <connector/configuration/properties/StreamCursor.hpp>
 
@@ -18,7 +18,7 @@ namespace {
 
 using connector::configuration::detail::StreamCursor;
 
-/// Shows one huge get area. Its memory is reserved only: the pages that nobody reads cost nothing.
+/// Has one huge get area. Its memory is only reserved: pages that are never read cost nothing.
 class HugeBuffer : public std::streambuf {
 public:
     explicit HugeBuffer(std::size_t newSize)
@@ -40,7 +40,7 @@ private:
 
 constexpr std::size_t intMax = std::numeric_limits<int>::max();
 
-/// @return what the stream still has to give
+/// @return the rest of the stream
 std::string rest(std::istream& stream) {
     return std::string(std::istreambuf_iterator<char>(stream), {});
 }
@@ -51,7 +51,7 @@ bool isComma(char c) {
 
 } // namespace
 
-TEST(StreamCursor, LeavesTheStreamBehindWhatItConsumed) {
+TEST(StreamCursor, LeavesTheStreamAfterTheConsumedCharacters) {
     std::istringstream stream("abcdef");
     {
         StreamCursor cursor(stream);
@@ -62,7 +62,7 @@ TEST(StreamCursor, LeavesTheStreamBehindWhatItConsumed) {
     EXPECT_EQ("def", rest(stream));
 }
 
-TEST(StreamCursor, LeavesTheStreamBehindWhatItConsumedWhenSomethingThrows) {
+TEST(StreamCursor, LeavesTheStreamAfterTheConsumedCharactersWhenAnExceptionIsThrown) {
     std::istringstream stream("abcdef");
     try {
         StreamCursor cursor(stream);
@@ -75,7 +75,7 @@ TEST(StreamCursor, LeavesTheStreamBehindWhatItConsumedWhenSomethingThrows) {
     }
 }
 
-TEST(StreamCursor, ConsumesARunUpToTheCharacterThatStops) {
+TEST(StreamCursor, ConsumesARunUpToTheCharacterThatEndsIt) {
     std::istringstream stream("abc,def");
     StreamCursor cursor(stream);
     char c;
@@ -87,7 +87,7 @@ TEST(StreamCursor, ConsumesARunUpToTheCharacterThatStops) {
     EXPECT_EQ(',', c);
     cursor.skipUntil(isComma);
     EXPECT_FALSE(cursor.next(c));
-    EXPECT_EQ(',', c); // left alone
+    EXPECT_EQ(',', c); // unchanged
     EXPECT_FALSE(cursor.good());
 }
 
@@ -101,7 +101,7 @@ TEST(StreamCursor, ConsumesNoRunBeforeTheFirstCharacterIsRead) {
     EXPECT_EQ("abc", rest(stream));
 }
 
-TEST(StreamCursor, SeesWhatOthersReadBetweenSyncAndRefresh) {
+TEST(StreamCursor, SeesOtherReadsBetweenSyncAndRefresh) {
     std::istringstream stream("abcdef");
     StreamCursor cursor(stream);
     char c;
@@ -113,13 +113,13 @@ TEST(StreamCursor, SeesWhatOthersReadBetweenSyncAndRefresh) {
     EXPECT_EQ('c', c);
 }
 
-TEST(StreamCursor, GivesTheLastCharacterBack) {
+TEST(StreamCursor, StepsBackByOneCharacter) {
     std::istringstream stream("abc");
     StreamCursor cursor(stream);
     char c;
-    EXPECT_FALSE(cursor.stepBack()); // there is none
+    EXPECT_FALSE(cursor.stepBack()); // nothing was read yet
     cursor.next(c);
-    EXPECT_FALSE(cursor.stepBack()); // the stream has it, not the memory that the cursor sees
+    EXPECT_FALSE(cursor.stepBack()); // read by the stream, not in the get area
     cursor.next(c);
     EXPECT_TRUE(cursor.stepBack());
     EXPECT_EQ("bc", cursor.ahead());
@@ -127,7 +127,7 @@ TEST(StreamCursor, GivesTheLastCharacterBack) {
     EXPECT_EQ("bc", rest(stream));
 }
 
-TEST(StreamCursor, CountsWhatItConsumed) {
+TEST(StreamCursor, CountsTheConsumedCharacters) {
     std::istringstream stream("abcdef");
     StreamCursor cursor(stream);
     EXPECT_EQ(0, cursor.consumed());
@@ -143,7 +143,7 @@ TEST(StreamCursor, CountsWhatItConsumed) {
     EXPECT_EQ(6, cursor.consumed());
 }
 
-TEST(StreamCursor, TakesAGetAreaBeyondTheRangeOfIntInParts) {
+TEST(StreamCursor, ConsumesAGetAreaBeyondTheRangeOfIntInParts) {
     HugeBuffer buffer(intMax + 100);
     std::istream stream(&buffer);
     StreamCursor cursor(stream);

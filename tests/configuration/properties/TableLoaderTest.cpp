@@ -1,4 +1,4 @@
-/// The loader itself: when properties reach the table, and how large that becomes.
+/// The loader itself: when it stores properties, and how large it makes the table.
 
 #include <connector/configuration/properties/StreamCursor.hpp>
 #include <connector/configuration/properties/TableLoader.hpp>
@@ -19,13 +19,13 @@ using connector::configuration::detail::StreamCursor;
 using connector::configuration::detail::Table;
 using connector::configuration::detail::TableLoader;
 
-/// A file whose lines are read and loaded one by one.
+/// A file whose lines are loaded one by one.
 class LoadedFile {
 public:
     LoadedFile(const std::string& text, std::streamoff size)
         : stream(text), loader(table, cursor, size) {}
 
-    /// Consumes `length` characters and adds a property with a key of its own.
+    /// Consumes `length` characters and adds a property with a new key.
     void addLine(std::size_t length) {
         char c;
         for (std::size_t i = 0; i < length; ++i)
@@ -50,7 +50,7 @@ constexpr std::size_t lineLength = 10;
 
 } // namespace
 
-TEST(TableLoader, StoresNothingLaterThanFlush) {
+TEST(TableLoader, StoresEverythingAtTheLatestInFlush) {
     LoadedFile file("", 0);
     for (int count = 1; count <= 40; ++count) {
         file.addLine(0);
@@ -59,7 +59,7 @@ TEST(TableLoader, StoresNothingLaterThanFlush) {
     }
 }
 
-TEST(TableLoader, StoresTheLastOfEqualKeysWhole) {
+TEST(TableLoader, StoresTheLastValueOfAKey) {
     LoadedFile file("", 0);
     const std::string longer(100, 'x');
     for (const std::string& value : {std::string("first"), longer, std::string("last") + longer})
@@ -68,7 +68,7 @@ TEST(TableLoader, StoresTheLastOfEqualKeysWhole) {
     EXPECT_EQ("last" + longer, boost::get<std::string>(file.table.at("key")));
 }
 
-TEST(TableLoader, MakesTheTableAsLargeAsTheFileWillNeedIt) {
+TEST(TableLoader, SizesTheTableForTheWholeFile) {
     for (const int lines : {100, 5000, 100000}) {
         const std::string text(static_cast<std::size_t>(lines) * lineLength, 'x');
         LoadedFile file(text, static_cast<std::streamoff>(text.size()));
@@ -79,7 +79,7 @@ TEST(TableLoader, MakesTheTableAsLargeAsTheFileWillNeedIt) {
     }
 }
 
-TEST(TableLoader, ExpectsLittleOfAHugeRestWhileItHasSeenLittle) {
+TEST(TableLoader, LimitsItsExtrapolationFromFewLines) {
     const std::string text(16, 'x');
     LoadedFile file(text, std::streamoff(1) << 60);
     file.addLines(16, 1);
@@ -87,7 +87,7 @@ TEST(TableLoader, ExpectsLittleOfAHugeRestWhileItHasSeenLittle) {
     EXPECT_LE(file.table.bucket_count(), 20000u);
 }
 
-TEST(TableLoader, GivesBackTheMemoryOfLinesThatDidNotCome) {
+TEST(TableLoader, FreesTheMemoryOfLinesThatDidNotCome) {
     const std::string text(1000000, 'x');
     LoadedFile file(text, static_cast<std::streamoff>(text.size()));
     file.addLines(100, lineLength);
@@ -96,7 +96,7 @@ TEST(TableLoader, GivesBackTheMemoryOfLinesThatDidNotCome) {
     EXPECT_LE(file.table.bucket_count(), 200u);
 }
 
-TEST(TableLoader, GrowsSeldomWhereNobodyKnowsHowMuchThereIs) {
+TEST(TableLoader, RehashesSeldomWhenTheSizeIsUnknown) {
     for (const std::streamoff size : {-1, 0, 1, 500}) {
         LoadedFile file(std::string(50000, 'x'), size);
         std::set<std::size_t> bucketCounts;

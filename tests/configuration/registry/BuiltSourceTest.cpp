@@ -1,4 +1,4 @@
-/// The operations that make a source and register it.
+/// addInMemorySource, addPropertyFileSource and addEnvironmentSource.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexHolder.hpp"
 #include "support/Expect.hpp"
@@ -36,7 +36,7 @@ public:
         ("built-source-test-" + std::to_string(::getpid()) + ".properties");
 };
 
-const std::u16string nowhere = u"/no-such-directory/a.properties";
+const std::u16string missingFile = u"/no-such-directory/a.properties";
 
 TEST(AddInMemorySource, RegistersATable) {
     const auto configuration = makeConfiguration();
@@ -49,14 +49,14 @@ TEST(AddInMemorySource, RegistersATable) {
     EXPECT_EQ(80, intOf(*configuration, "net.port"));
 }
 
-TEST(AddInMemorySource, TakesTheTableAway) {
+TEST(AddInMemorySource, EmptiesTheCallersTable) {
     const auto configuration = makeConfiguration();
     std::unordered_map<std::string, OptionValue> values{{"port", 80}};
     configuration->addInMemorySource("table", "", 5, true, std::move(values));
     EXPECT_TRUE(values.empty());
 }
 
-TEST(AddInMemorySource, TakesTheTableAwayEvenWhenTheNameIsTaken) {
+TEST(AddInMemorySource, EmptiesTheCallersTableEvenWhenTheNameIsTaken) {
     const auto configuration = makeConfiguration();
     std::unordered_map<std::string, OptionValue> values{{"port", 80}};
     configuration->addInMemorySource("default", "", 5, true, std::move(values));
@@ -90,27 +90,27 @@ TEST(AddPropertyFileSource, ThrowsForAFileThatCannotBeOpened) {
     const auto configuration = makeConfiguration();
     expectThrows<std::runtime_error>(
         "Property file could not be opened: /no-such-directory/a.properties",
-        [&] { configuration->addPropertyFileSource("file", "", 5, true, nowhere); });
+        [&] { configuration->addPropertyFileSource("file", "", 5, true, missingFile); });
 }
 
-TEST(AddPropertyFileSource, AfterAFailureLeavesTheNameFree) {
+TEST(AddPropertyFileSource, LeavesTheNameFreeAfterAFailure) {
     const auto configuration = makeConfiguration();
-    EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, nowhere));
+    EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, missingFile));
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
     EXPECT_TRUE(configuration->addInMemorySource("file", "", 5, true, {}).get());
 }
 
-TEST(AddPropertyFileSource, ReadsTheFileBeforeItLooksAtTheName) {
+TEST(AddPropertyFileSource, OpensTheFileBeforeItChecksTheName) {
     const auto configuration = makeConfiguration();
     expectThrows<std::runtime_error>(
         "Property file could not be opened: /no-such-directory/a.properties",
-        [&] { configuration->addPropertyFileSource("default", "", 5, true, nowhere); });
+        [&] { configuration->addPropertyFileSource("default", "", 5, true, missingFile); });
 }
 
-TEST(AddPropertyFileSource, FailsToReadWithoutTheMutex) {
+TEST(AddPropertyFileSource, OpensTheFileWithoutTheMutex) {
     const auto configuration = makeConfiguration();
     EXPECT_FALSE(test::waitsForMutex(*configuration, [&] {
-        EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, nowhere));
+        EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, missingFile));
     }));
 }
 
@@ -121,7 +121,7 @@ TEST(AddEnvironmentSource, AddsNothing) {
     EXPECT_FALSE(configuration->removeSource("environment").get());
 }
 
-TEST(AddEnvironmentSource, KnowsNoVariableOfTheProcess) {
+TEST(AddEnvironmentSource, ReadsNoEnvironmentVariable) {
     ASSERT_EQ(0, ::setenv("BUILT_SOURCE_TEST", "set", 1));
     const auto configuration = makeConfiguration();
     configuration->addEnvironmentSource("environment", "", 5);
@@ -134,7 +134,7 @@ TEST(AddEnvironmentSource, LeavesTheNameFree) {
     EXPECT_TRUE(configuration->addInMemorySource("environment", "", 5, false, {}).get());
 }
 
-TEST(AddEnvironmentSource, DoesNotMindANameThatIsTaken) {
+TEST(AddEnvironmentSource, AcceptsANameThatIsTaken) {
     EXPECT_FALSE(makeConfiguration()->addEnvironmentSource("default", "", 5).get());
 }
 

@@ -1,4 +1,4 @@
-/// A source that answers has differently from one question to the next.
+/// A source whose answer to has changes from one call to the next.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/ScriptedSource.hpp"
@@ -32,7 +32,7 @@ protected:
         test::makeConfiguration();
 };
 
-TEST_F(ChangingSource, MakesGetThrowWithATextOfItsOwn) {
+TEST_F(ChangingSource, MakesGetThrow) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",
                                      [&] { configuration->get("net.x"); });
@@ -40,7 +40,7 @@ TEST_F(ChangingSource, MakesGetThrowWithATextOfItsOwn) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(ChangingSource, MakesGetOptionThrowWithATextOfItsOwn) {
+TEST_F(ChangingSource, MakesGetOptionThrow) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option for key: net.x",
                                      [&] { configuration->getOption("net.x"); });
@@ -48,7 +48,7 @@ TEST_F(ChangingSource, MakesGetOptionThrowWithATextOfItsOwn) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(ChangingSource, ThatSaysNoAtFirstIsNotAskedAgain) {
+TEST_F(ChangingSource, ThatDeniesTheKeyAtFirstIsNotAskedAgain) {
     source->answersOfHas = {false};
     auto value = configuration->get("net.x");
     expectThrows<std::runtime_error>("No option with the specified key was found: net.x",
@@ -56,7 +56,7 @@ TEST_F(ChangingSource, ThatSaysNoAtFirstIsNotAskedAgain) {
     EXPECT_THAT(journal, ElementsAre("changing has x"));
 }
 
-TEST_F(ChangingSource, LeavesTheValueToTheNextSource) {
+TEST_F(ChangingSource, ThatDeniesTheKeyLaterLeavesItToTheNextSource) {
     configuration->set("net.x", 2, "default");
     source->answersOfHas = {true, false};
     EXPECT_EQ(2, test::intOf(*configuration, "net.x"));
@@ -64,25 +64,25 @@ TEST_F(ChangingSource, LeavesTheValueToTheNextSource) {
     EXPECT_EQ("default", test::supplierOf(*configuration, "net.x"));
 }
 
-TEST_F(ChangingSource, SuppliesTheValueWhenItHasTheKeyInTime) {
+TEST_F(ChangingSource, SuppliesTheValueWhenItHasTheKeyAtTheSecondCall) {
     configuration->set("net.x", 2, "default");
     source->answersOfHas = {false, true};
     EXPECT_EQ(1, test::intOf(*configuration, "net.x"));
 }
 
-TEST_F(ChangingSource, ThatFailsToGiveWhatItHasThrowsItsOwnException) {
+TEST_F(ChangingSource, ThatThrowsFromGetMakesTheLookupThrowThat) {
     source->answersOfHas = {true, true};
     EXPECT_THROW(configuration->get("net.missing"), std::out_of_range);
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(ChangingSource, MakesWatchOptionThrowAndLeavesTheStreamInTheList) {
+TEST_F(ChangingSource, MakesWatchOptionThrowAndLeavesTheStreamRegistered) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",
                                      [&] { configuration->watchOption("net.x"); });
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 
-    const test::CoreLog log; // the only witness: nobody has a pointer to that stream
+    const test::CoreLog log; // nothing else shows the stream: no pointer to it exists
     source->report("x");
     EXPECT_THAT(log.lines(), testing::Contains("notifying watcher: net.x").Times(1));
 }
@@ -95,14 +95,14 @@ TEST_F(ChangingSource, MakesSetThrowAfterTheValueWasWritten) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(ChangingSource, MakesAReportedChangeThrowToTheSource) {
+TEST_F(ChangingSource, MakesItsWatcherThrow) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",
                                      [&] { source->report("x"); });
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(ChangingSource, MakesARemovalOfAnotherThrowAfterItIsRemoved) {
+TEST_F(ChangingSource, MakesTheRemovalOfAnotherSourceThrowAfterwards) {
     configuration->addInMemorySource("other", "", 5, false, {{"net.x", 3}});
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",

@@ -1,4 +1,4 @@
-/// What every source says about a key.
+/// explain: what every source answers about a key.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/ScriptedSource.hpp"
@@ -44,7 +44,7 @@ TEST(Explain, DescribesASource) {
     EXPECT_EQ(80, boost::get<int>(*answer.value));
 }
 
-TEST(Explain, IncludesASourceWhoseGroupDoesNotFit) {
+TEST(Explain, IncludesASourceWhoseGroupDoesNotMatch) {
     const auto configuration = makeConfiguration();
     configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}});
     const SourceAnswer answer = configuration->explain("port")[1];
@@ -53,7 +53,7 @@ TEST(Explain, IncludesASourceWhoseGroupDoesNotFit) {
     EXPECT_FALSE(answer.value.has_value());
 }
 
-TEST(Explain, TellsASourceThatServesTheKeyFromOneThatHasIt) {
+TEST(Explain, DistinguishesServingAKeyFromHavingIt) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto answers = configuration->explain("x");
@@ -63,7 +63,7 @@ TEST(Explain, TellsASourceThatServesTheKeyFromOneThatHasIt) {
     EXPECT_FALSE(answers[1].value.has_value());
 }
 
-TEST(Explain, ShowsTheValuesOfSourcesThatAreHidden) {
+TEST(Explain, ShowsHiddenValues) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     configuration->set("x", 2, "default");
@@ -84,8 +84,10 @@ TEST(Explain, PutsTheEffectiveValueFirst) {
     EXPECT_EQ(test::intOf(*configuration, "x"), boost::get<int>(*first->value));
 }
 
-TEST(Explain, AnswersForAKeyThatNobodyHas) {
-    for (const SourceAnswer& answer : makeConfiguration()->explain("x"))
+TEST(Explain, ShowsNoValueForAMissingKey) {
+    const auto answers = makeConfiguration()->explain("x");
+    EXPECT_EQ(2u, answers.size());
+    for (const SourceAnswer& answer : answers)
         EXPECT_FALSE(answer.value.has_value());
 }
 
@@ -96,7 +98,7 @@ TEST(Explain, WithoutSourcesIsEmpty) {
     EXPECT_THAT(configuration->explain("x"), IsEmpty());
 }
 
-TEST(Explain, AsksEachSourceThatServesTheKeyAboutItsOwnKey) {
+TEST(Explain, AsksEachServingSourceForItsLocalKey) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto net = std::make_shared<ScriptedSource>(
@@ -111,7 +113,7 @@ TEST(Explain, AsksEachSourceThatServesTheKeyAboutItsOwnKey) {
     EXPECT_THAT(journal, ElementsAre("net has port", "net get port", "all has net.port"));
 }
 
-TEST(Explain, LetsTheExceptionOfASourceThrough) {
+TEST(Explain, ThrowsWhatASourceThrows) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "a");
@@ -122,7 +124,7 @@ TEST(Explain, LetsTheExceptionOfASourceThrough) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST(Explain, ChangesNothingAndWritesNoLine) {
+TEST(Explain, ChangesNothingAndLogsNothing) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const test::CoreLog log;

@@ -1,4 +1,4 @@
-/// Reading, testing and listing options.
+/// get, getOption, has and keys.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/ScriptedSource.hpp"
@@ -26,7 +26,7 @@ using test::supplierOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-TEST(Lookup, OfAKeyThatNoSourceHasFails) {
+TEST(Lookup, OfAMissingKeyFails) {
     const auto configuration = makeConfiguration();
     auto value = configuration->get("x");
     auto option = configuration->getOption("x");
@@ -36,7 +36,7 @@ TEST(Lookup, OfAKeyThatNoSourceHasFails) {
                                      [&] { option.get(); });
 }
 
-TEST(Lookup, NamesTheWholeKeyInAFailure) {
+TEST(Lookup, NamesTheWholeKeyInTheFailure) {
     const auto configuration = makeConfiguration();
     configuration->addInMemorySource("grouped", "net", 5, false, {{"port", 80}});
     const std::string key("net.\xff\0.x", 8);
@@ -50,7 +50,7 @@ TEST(Lookup, NamesTheWholeKeyInAFailure) {
     }
 }
 
-TEST(Lookup, OfAKeyThatNoSourceHasAnswersFalseToHas) {
+TEST(Lookup, OfAMissingKeyIsFalseForHas) {
     EXPECT_FALSE(has(*makeConfiguration(), "x"));
 }
 
@@ -84,7 +84,7 @@ TEST(Lookup, TakesTheFirstSourceThatHasTheKey) {
     EXPECT_EQ("a", supplierOf(*configuration, "z"));
 }
 
-TEST(Lookup, PrefersTheOrderToALongerGroup) {
+TEST(Lookup, PrefersTheSmallerOrderToTheLongerGroup) {
     const auto configuration = makeConfiguration();
     configuration->addInMemorySource("grouped", "net", 6, false, {{"port", 2}});
     configuration->addInMemorySource("plain", "", 5, false, {{"net.port", 1}});
@@ -97,7 +97,7 @@ TEST(Lookup, FindsAReadOnlySource) {
     EXPECT_EQ("fixed", supplierOf(*configuration, "x"));
 }
 
-TEST(Lookup, KnowsTheEmptyKey) {
+TEST(Lookup, SupportsTheEmptyKey) {
     const auto configuration = makeConfiguration();
     EXPECT_FALSE(has(*configuration, ""));
     configuration->set("", 1);
@@ -113,7 +113,7 @@ TEST(Lookup, ComparesKeysByteByByte) {
     EXPECT_FALSE(has(*configuration, std::string("A\0b", 3)));
 }
 
-TEST(Lookup, GivesCopies) {
+TEST(Lookup, ReturnsCopies) {
     const auto configuration = makeConfiguration();
     configuration->set("x", std::vector<int>{1});
     OptionValue copy = configuration->get("x").get();
@@ -121,7 +121,7 @@ TEST(Lookup, GivesCopies) {
     EXPECT_EQ((std::vector<int>{1}), boost::get<std::vector<int>>(configuration->get("x").get()));
 }
 
-TEST(Lookup, AnswersBeforeItReturns) {
+TEST(Lookup, ResolvesItsFutureBeforeItReturns) {
     const auto configuration = makeConfiguration();
     int answers = 0;
     configuration->get("x").then([&](Future<OptionValue>&) { ++answers; });
@@ -139,7 +139,7 @@ TEST(Keys, AreThoseOfAllSourcesWithTheirGroupsInByteOrder) {
     EXPECT_THAT(configuration->keys().get(), ElementsAre("B", "b", "net.a", "\xc3\xa4"));
 }
 
-TEST(Keys, NameAKeyOfSeveralSourcesOnce) {
+TEST(Keys, ListAKeyOfSeveralSourcesOnce) {
     const auto configuration = makeConfiguration();
     configuration->set("net.a", 1, "override");
     configuration->set("net.a", 2, "default");
@@ -147,14 +147,14 @@ TEST(Keys, NameAKeyOfSeveralSourcesOnce) {
     EXPECT_THAT(configuration->keys().get(), ElementsAre("net.a"));
 }
 
-TEST(Keys, GrowWithEverySet) {
+TEST(Keys, IncludeANewlySetKey) {
     const auto configuration = makeConfiguration();
     EXPECT_THAT(configuration->keys().get(), IsEmpty());
     configuration->set("x", 1);
     EXPECT_THAT(configuration->keys().get(), ElementsAre("x"));
 }
 
-/// Lookups among sources that write down what they are asked.
+/// Lookups in sources that record their calls.
 class LookupCalls : public testing::Test {
 protected:
     LookupCalls() {
@@ -172,12 +172,12 @@ protected:
         makeConfiguration();
 };
 
-TEST_F(LookupCalls, OfGetAskForTheKeyTwiceAndThenForTheValue) {
+TEST_F(LookupCalls, OfGetAskTwiceForTheKeyAndThenForTheValue) {
     configuration->get("net.port");
     EXPECT_THAT(journal, ElementsAre("net has port", "net has port", "net get port"));
 }
 
-TEST_F(LookupCalls, OfGetOptionAskForTheKeyTwiceAndThenForTheValue) {
+TEST_F(LookupCalls, OfGetOptionAskTwiceForTheKeyAndThenForTheValue) {
     configuration->getOption("net.port");
     EXPECT_THAT(journal, ElementsAre("net has port", "net has port", "net get port"));
 }
@@ -187,12 +187,12 @@ TEST_F(LookupCalls, OfHasAskOnce) {
     EXPECT_THAT(journal, ElementsAre("net has port"));
 }
 
-TEST_F(LookupCalls, PassByASourceWhoseGroupDoesNotFit) {
+TEST_F(LookupCalls, SkipASourceWhoseGroupDoesNotMatch) {
     configuration->get("x");
     EXPECT_THAT(journal, ElementsAre("all has x", "all has x", "all get x"));
 }
 
-TEST_F(LookupCalls, AskSourceAfterSourceAboutItsOwnKey) {
+TEST_F(LookupCalls, AskEachSourceForItsLocalKey) {
     configuration->get("net.host");
     EXPECT_THAT(journal, ElementsAre("net has host", "all has net.host"));
 }
@@ -202,7 +202,7 @@ TEST_F(LookupCalls, OfKeysAskEverySourceOnce) {
     EXPECT_THAT(journal, ElementsAre("net keys", "all keys"));
 }
 
-TEST_F(LookupCalls, HandOutKeysThatAreNotTheCallersObject) {
+TEST_F(LookupCalls, PassACopyOfTheCallersKey) {
     const std::string key = "x";
     const auto isCopy = [&key](const std::string& local) { EXPECT_NE(&key, &local); };
     all->onHas = all->onGet = all->onSet = isCopy;
@@ -210,10 +210,10 @@ TEST_F(LookupCalls, HandOutKeysThatAreNotTheCallersObject) {
     configuration->getOption(key);
     configuration->has(key);
     configuration->set(key, 4, "all");
-    EXPECT_EQ(12u, journal.size()); // 3 + 3 + 1 and set, has, has, get, set over
+    EXPECT_EQ(12u, journal.size()); // 3 + 3 + 1 and set, has, has, get, set returns
 }
 
-TEST_F(LookupCalls, WithAFailingSourceThrowAndLeaveNoFuture) {
+TEST_F(LookupCalls, ThrowWhatHasOfASourceThrows) {
     all->onHas = [](const std::string&) { throw std::range_error("no answer"); };
     EXPECT_THROW(configuration->get("x"), std::range_error);
     EXPECT_THROW(configuration->getOption("x"), std::range_error);
@@ -222,14 +222,14 @@ TEST_F(LookupCalls, WithAFailingSourceThrowAndLeaveNoFuture) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(LookupCalls, WithASourceThatFailsToGiveItsValueThrow) {
+TEST_F(LookupCalls, ThrowWhatGetOfASourceThrows) {
     all->onGet = [](const std::string&) { throw std::range_error("no value"); };
     EXPECT_THROW(configuration->get("x"), std::range_error);
     EXPECT_THROW(configuration->getOption("x"), std::range_error);
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(LookupCalls, WithASourceThatFailsToListItsKeysThrow) {
+TEST_F(LookupCalls, ThrowWhatKeysOfASourceThrows) {
     all->onKeys = [](const std::string&) { throw std::range_error("no keys"); };
     EXPECT_THROW(configuration->keys(), std::range_error);
     EXPECT_TRUE(test::mutexIsFree(*configuration));

@@ -1,6 +1,6 @@
-/// The library's own tables are asked in a way of their own. Whoever could notice does not: a source of
-/// the application's is asked as often and in the order as ever, one derived from the library's own
-/// included, and every source still answers for its group.
+/// Lookups in the library's own tables take a shortcut that must not be observable. Sources of the
+/// application, also those derived from the library's sources, are called as often and in the same
+/// order as without it, and every source still serves its group.
 #include "configuration/Answers.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
@@ -31,8 +31,8 @@ using test::supplierOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// A source of the library's that writes down what it is asked, and answers for itself: it has every
-/// key that its table has, and "extra", all with the value 7.
+/// Derives from a source of the library and records its calls. It has every key of its table and
+/// the key "extra", all with the value 7.
 template <typename Base>
 class Derived : public Base {
 public:
@@ -69,7 +69,7 @@ protected:
     const std::shared_ptr<ConfigurationImpl> configuration = makeConfiguration();
 };
 
-TEST_F(DerivedSource, IsAskedTwiceAndThenForTheValue) {
+TEST_F(DerivedSource, IsAskedTwiceForTheKeyAndThenForTheValue) {
     add();
     EXPECT_EQ(7, intOf(*configuration, "x"));
     EXPECT_THAT(journal, ElementsAre("has x", "has x", "get x"));
@@ -81,19 +81,19 @@ TEST_F(DerivedSource, IsAskedForAnOptionInTheSameWay) {
     EXPECT_THAT(journal, ElementsAre("has x", "has x", "get x"));
 }
 
-TEST_F(DerivedSource, IsAskedOnceWhetherItHasTheKey) {
+TEST_F(DerivedSource, IsAskedOnceByHas) {
     add();
     EXPECT_TRUE(test::has(*configuration, "x"));
     EXPECT_THAT(journal, ElementsAre("has x"));
 }
 
-TEST_F(DerivedSource, AnswersForKeysThatItsTableDoesNotHave) {
+TEST_F(DerivedSource, SuppliesKeysThatItsTableDoesNotHave) {
     add();
     EXPECT_EQ(7, intOf(*configuration, "extra"));
     EXPECT_FALSE(test::has(*configuration, "y"));
 }
 
-TEST_F(DerivedSource, IsAskedWithoutItsGroup) {
+TEST_F(DerivedSource, IsAskedForTheKeyWithoutItsGroup) {
     add("net");
     EXPECT_EQ(7, intOf(*configuration, "net.x"));
     EXPECT_THAT(journal, ElementsAre("has x", "has x", "get x"));
@@ -123,13 +123,13 @@ TEST_F(DerivedSource, IsAskedTwiceWhenOnlyATableAfterItHasTheKey) {
     EXPECT_THAT(journal, ElementsAre("has y", "has y"));
 }
 
-TEST_F(DerivedSource, IsAskedOnceForAKeyThatNobodyHas) {
+TEST_F(DerivedSource, IsAskedOnceForAMissingKey) {
     add();
     EXPECT_ANY_THROW(configuration->get("y").get());
     EXPECT_THAT(journal, ElementsAre("has y"));
 }
 
-TEST_F(DerivedSource, IsAskedForTheWatchersAsForGet) {
+TEST_F(DerivedSource, IsAskedForSubscribersInTheSameWay) {
     add();
     const auto subscriber = test::watch(*configuration, "x");
     EXPECT_THAT(journal, ElementsAre("has x", "has x", "get x"));
@@ -139,7 +139,7 @@ TEST_F(DerivedSource, IsAskedForTheWatchersAsForGet) {
     EXPECT_THAT(subscriber->values(), ElementsAre(7, 7));
 }
 
-TEST_F(DerivedSource, OfAPropertyFileAnswersForItself) {
+TEST_F(DerivedSource, DerivedFromAPropertyFileIsAskedInTheSameWay) {
     const std::string path = testing::TempDir() + "own-tables.properties";
     std::ofstream(path) << "x=1\n";
     configuration->addSource("derived", "", 5, true,
@@ -151,8 +151,8 @@ TEST_F(DerivedSource, OfAPropertyFileAnswersForItself) {
     EXPECT_THAT(journal, ElementsAre("has x", "has x", "get x"));
 }
 
-/// Tables under groups of different lengths, in an order in which each is another than the one before.
-/// All of them have the key "a.b.c", and its value is the order of the table.
+/// Tables with groups of different lengths, so that the local key changes from one to the next. All
+/// have the key "a.b.c", whose value is the order of the table.
 class TablesUnderGroups : public testing::Test {
 protected:
     TablesUnderGroups() {
@@ -187,7 +187,7 @@ TEST_F(TablesUnderGroups, AreAskedInOrderWithDiagnosticsToo) {
     expectEachInTurn();
 }
 
-TEST_F(TablesUnderGroups, AreAskedInOrderBehindASourceOfTheApplications) {
+TEST_F(TablesUnderGroups, AreAskedInOrderAfterASourceOfTheApplication) {
     Journal journal;
     configuration->addSource("scripted", "", -1, true,
                              std::make_shared<test::ScriptedSource>(journal, "scripted"));
@@ -195,7 +195,7 @@ TEST_F(TablesUnderGroups, AreAskedInOrderBehindASourceOfTheApplications) {
     configuration->removeSource("scripted");
 }
 
-TEST(OwnTables, OfASharedSourceFollowWhatIsSetDirectly) {
+TEST(OwnTables, OfASharedSourceShowValuesThatAreSetDirectly) {
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<InMemorySource>(table("x", 1));
     configuration->addSource("shared", "net", 5, false, source);
@@ -206,7 +206,7 @@ TEST(OwnTables, OfASharedSourceFollowWhatIsSetDirectly) {
     EXPECT_EQ(999, intOf(*configuration, "net.key999"));
 }
 
-TEST(OwnTables, WriteTheSameLinesForAMissAndAHit) {
+TEST(OwnTables, LogHitsAndNoMisses) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const test::CoreLog log;

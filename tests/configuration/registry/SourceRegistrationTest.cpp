@@ -1,4 +1,4 @@
-/// What a source sees while it is registered, and what becomes of it when it fails.
+/// The calls that addSource makes to a source, and what happens when one of them throws.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
@@ -42,7 +42,7 @@ protected:
         test::makeConfiguration();
 };
 
-/// What a hook of a source throws, to be told from everything else.
+/// What a hook of a source throws; no other code throws this type.
 class SourceFailure : public std::exception {
 public:
     const char* what() const noexcept override { return "the source failed"; }
@@ -60,12 +60,12 @@ TEST_F(SourceRegistration, AsksForTheKeysThenForEachEffectiveValueThenSetsTheWat
                                      "a watched"));
 }
 
-TEST_F(SourceRegistration, AsksASourceWithAGroupForItsOwnKeys) {
+TEST_F(SourceRegistration, AsksASourceWithAGroupForItsLocalKeys) {
     add(make("a", {{"x", 1}}), "a", "net");
     EXPECT_THAT(journal, ElementsAre("a keys", "a has x", "a has x", "a get x", "a watched"));
 }
 
-TEST_F(SourceRegistration, AsksNothingOfASourceWhoseNameIsTaken) {
+TEST_F(SourceRegistration, DoesNotCallASourceWhoseNameIsTaken) {
     const auto subscriber = watch(*configuration, "x");
     const auto source = make("a", {{"x", 1}});
     EXPECT_ANY_THROW(add(source, "default"));
@@ -74,14 +74,14 @@ TEST_F(SourceRegistration, AsksNothingOfASourceWhoseNameIsTaken) {
     EXPECT_THAT(subscriber->values(), ElementsAre());
 }
 
-TEST_F(SourceRegistration, TellsTheEffectiveValueAlthoughTheNewcomerDoesNotSupplyIt) {
+TEST_F(SourceRegistration, DeliversTheEffectiveValueEvenIfAnotherSourceSuppliesIt) {
     configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x");
     add(make("a", {{"x", 2}}), "a", "", 5);
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
 }
 
-TEST_F(SourceRegistration, TellsWatchersOfTheKeysWithTheGroup) {
+TEST_F(SourceRegistration, NotifiesSubscribersOfTheKeysWithTheGroup) {
     const auto prefixed = watch(*configuration, "net.x");
     const auto bare = watch(*configuration, "x");
     add(make("a", {{"x", 2}}), "a", "net");
@@ -89,7 +89,7 @@ TEST_F(SourceRegistration, TellsWatchersOfTheKeysWithTheGroup) {
     EXPECT_THAT(bare->values(), ElementsAre());
 }
 
-TEST_F(SourceRegistration, ReachesNoSourceThatIsNotWatchedYet) {
+TEST_F(SourceRegistration, SetsTheWatcherAfterTheLookups) {
     const auto source = make("a", {{"x", 1}});
     source->onGet = [&](const std::string&) { EXPECT_FALSE(source->isWatched()); };
     add(source);
@@ -97,7 +97,7 @@ TEST_F(SourceRegistration, ReachesNoSourceThatIsNotWatchedYet) {
     source->onGet = nullptr;
 }
 
-TEST_F(SourceRegistration, TellsAChangeThatASourceReportsByItself) {
+TEST_F(SourceRegistration, DeliversAChangeThatTheSourceReports) {
     const auto source = make("a", {{"x", 1}});
     add(source, "a", "net");
     const auto subscriber = watch(*configuration, "net.x");
@@ -105,18 +105,18 @@ TEST_F(SourceRegistration, TellsAChangeThatASourceReportsByItself) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
 }
 
-TEST_F(SourceRegistration, OfANullSourceIsRefusedAndRegistersNothing) {
+TEST_F(SourceRegistration, OfANullSourceThrowsAndRegistersNothing) {
     EXPECT_THROW(configuration->addSource("a", "", 5, false, nullptr), std::bad_typeid);
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
 }
 
-TEST_F(SourceRegistration, OfANullSourceIsRefusedWithoutALine) {
+TEST_F(SourceRegistration, OfANullSourceThrowsAndLogsNothing) {
     const test::CoreLog log;
     EXPECT_THROW(configuration->addSource("a", "", 5, false, nullptr), std::bad_typeid);
     EXPECT_THAT(log.lines(), ElementsAre());
 }
 
-TEST_F(SourceRegistration, KeepsASourceWhoseKeysCannotBeListed) {
+TEST_F(SourceRegistration, KeepsASourceWhoseKeysThrows) {
     const auto source = make("a", {{"x", 1}});
     source->onKeys = fail;
     EXPECT_THROW(add(source), SourceFailure);
@@ -126,7 +126,7 @@ TEST_F(SourceRegistration, KeepsASourceWhoseKeysCannotBeListed) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(SourceRegistration, KeepsASourceThatTakesNoWatcher) {
+TEST_F(SourceRegistration, KeepsASourceWhoseSetWatcherThrows) {
     const auto source = make("a", {{"x", 1}});
     source->onSetWatcher = fail;
     EXPECT_THROW(add(source), SourceFailure);
@@ -135,7 +135,7 @@ TEST_F(SourceRegistration, KeepsASourceThatTakesNoWatcher) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(SourceRegistration, KeepsASourceThatFailsToAnswerWhetherItHasAKey) {
+TEST_F(SourceRegistration, KeepsASourceWhoseHasThrows) {
     const auto source = make("a", {{"x", 1}});
     source->onHas = fail;
     EXPECT_THROW(add(source), SourceFailure);
@@ -144,7 +144,7 @@ TEST_F(SourceRegistration, KeepsASourceThatFailsToAnswerWhetherItHasAKey) {
     EXPECT_FALSE(source->isWatched());
 }
 
-TEST_F(SourceRegistration, KeepsASourceThatFailsToAnswerAValue) {
+TEST_F(SourceRegistration, KeepsASourceWhoseGetThrows) {
     const auto source = make("a", {{"x", 1}});
     source->onGet = fail;
     EXPECT_THROW(add(source), SourceFailure);
@@ -153,7 +153,7 @@ TEST_F(SourceRegistration, KeepsASourceThatFailsToAnswerAValue) {
     EXPECT_FALSE(source->isWatched());
 }
 
-TEST_F(SourceRegistration, OfAKeptSourceIsUndoneByARemoval) {
+TEST_F(SourceRegistration, CanBeRepeatedAfterAFailureAndARemoval) {
     const auto source = make("a", {{"x", 1}});
     source->onKeys = fail;
     EXPECT_THROW(add(source), SourceFailure);
@@ -163,7 +163,7 @@ TEST_F(SourceRegistration, OfAKeptSourceIsUndoneByARemoval) {
     EXPECT_TRUE(add(source));
 }
 
-TEST_F(SourceRegistration, LeavesThroughAKeyWhoseSourceChangesItsMind) {
+TEST_F(SourceRegistration, ThrowsWhenTheSourceChangesItsAnswer) {
     const auto source = make("a", {{"x", 1}});
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: x", [&] { add(source); });
@@ -171,19 +171,19 @@ TEST_F(SourceRegistration, LeavesThroughAKeyWhoseSourceChangesItsMind) {
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("a", "override", "default"));
 }
 
-TEST_F(SourceRegistration, GoesOnWithTheRegistryAsASubscriberLeftIt) {
+TEST_F(SourceRegistration, ContinuesAfterASubscriberRemovedTheSource) {
     const auto source = make("a", {{"b", 1}, {"x", 2}});
     const auto first = watch(*configuration, "b", [&](int) { configuration->removeSource("a"); });
     const auto second = watch(*configuration, "x");
     EXPECT_TRUE(add(source));
     EXPECT_THAT(first->values(), ElementsAre(1));
-    EXPECT_THAT(second->values(), ElementsAre()); // by then nobody has x
+    EXPECT_THAT(second->values(), ElementsAre()); // x has no value by then
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
     EXPECT_TRUE(source->isWatched());
     source->setWatcher({});
 }
 
-TEST_F(SourceRegistration, BearsASubscriberThatAddsManySources) {
+TEST_F(SourceRegistration, AllowsASubscriberToAddManySources) {
     const auto subscriber = watch(*configuration, "b", [&](int) {
         for (int i = 0; i < 50; ++i)
             configuration->addInMemorySource("added" + std::to_string(i), "", 1, false, {});

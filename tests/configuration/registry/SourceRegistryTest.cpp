@@ -1,4 +1,4 @@
-/// Which sources there are, in which order and under which names and groups.
+/// The registered sources: their order, names and groups.
 #include "configuration/Answers.hpp"
 #include "support/Expect.hpp"
 
@@ -26,20 +26,20 @@ using test::supplierOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr int lowest = std::numeric_limits<std::int32_t>::max();
+constexpr int largestOrder = std::numeric_limits<std::int32_t>::max();
 
 void add(ConfigurationImpl& configuration, const std::string& name, int order) {
     EXPECT_TRUE(configuration.addInMemorySource(name, "", order, false, {{"key", order}}).get());
 }
 
-/// A configuration with one source more, which has a group and the one entry port = 80.
+/// A configuration with one more source, which has this group and the entry port = 80.
 std::shared_ptr<ConfigurationImpl> withGroup(const std::string& group) {
     auto configuration = makeConfiguration();
     configuration->addInMemorySource("grouped", group, 5, false, {{"port", 80}}).get();
     return configuration;
 }
 
-TEST(SourceRegistry, BeginsWithOverrideAndDefault) {
+TEST(SourceRegistry, StartsWithOverrideAndDefault) {
     const auto configuration = makeConfiguration();
     const std::vector<SourceAnswer> sources = configuration->explain("key");
     ASSERT_EQ(2u, sources.size());
@@ -53,7 +53,7 @@ TEST(SourceRegistry, BeginsWithOverrideAndDefault) {
     EXPECT_FALSE(sources[1].readOnly);
 }
 
-TEST(SourceRegistry, BeginsWithoutOptions) {
+TEST(SourceRegistry, StartsWithoutOptions) {
     EXPECT_THAT(makeConfiguration()->keys().get(), IsEmpty());
 }
 
@@ -79,7 +79,7 @@ TEST(SourceRegistry, LooksUpInTheOrderOfConsultation) {
     EXPECT_FALSE(has(*configuration, "key"));
 }
 
-TEST(SourceRegistry, PutsANewcomerBeforeItsEqualsAmongMany) {
+TEST(SourceRegistry, PutsANewSourceBeforeOthersOfTheSameOrder) {
     const auto configuration = makeConfiguration();
     for (const std::string name : {"1a", "1b", "1c"})
         add(*configuration, name, 1);
@@ -89,14 +89,14 @@ TEST(SourceRegistry, PutsANewcomerBeforeItsEqualsAmongMany) {
                 ElementsAre("override", "1d", "1c", "1b", "1a", "2", "default"));
 }
 
-TEST(SourceRegistry, PutsASourceWithTheOrderOfABuiltInOneBeforeIt) {
+TEST(SourceRegistry, PutsANewSourceBeforeABuiltInOneOfTheSameOrder) {
     const auto configuration = makeConfiguration();
-    add(*configuration, "last", lowest);
+    add(*configuration, "last", largestOrder);
     add(*configuration, "zero", 0);
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("zero", "override", "last", "default"));
 }
 
-TEST(SourceRegistry, KnowsTheSmallestOrderOfAll) {
+TEST(SourceRegistry, SupportsTheSmallestOrder) {
     const auto configuration = makeConfiguration();
     add(*configuration, "negative", -1);
     add(*configuration, "smallest", std::numeric_limits<std::int32_t>::min());
@@ -104,7 +104,7 @@ TEST(SourceRegistry, KnowsTheSmallestOrderOfAll) {
                 ElementsAre("smallest", "negative", "override", "default"));
 }
 
-TEST(SourceRegistry, KeepsTheOrderOfTheRestAtARemoval) {
+TEST(SourceRegistry, KeepsTheOrderOfTheOthersOnRemoval) {
     const auto configuration = makeConfiguration();
     for (const std::string name : {"a", "b", "c"})
         add(*configuration, name, 5);
@@ -119,7 +119,7 @@ TEST(SourceRegistry, ServesTheKeysOfAGroupOnly) {
     EXPECT_EQ(80, intOf(*configuration, "net.port"));
 }
 
-TEST(SourceRegistry, TakesAGroupWithItsPointAsItIs) {
+TEST(SourceRegistry, AcceptsAGroupThatEndsInADot) {
     const auto configuration = withGroup("net.");
     EXPECT_TRUE(has(*configuration, "net.port"));
     EXPECT_FALSE(has(*configuration, "net..port"));
@@ -132,7 +132,7 @@ TEST(SourceRegistry, ServesAllKeysWithoutAGroup) {
     EXPECT_FALSE(has(*configuration, ".port"));
 }
 
-TEST(SourceRegistry, EndsEveryGroupInOnePoint) {
+TEST(SourceRegistry, AppendsADotToAGroupWithoutOne) {
     const struct {
         int line;
         std::string group, normalised;
@@ -162,13 +162,13 @@ TEST(SourceRegistry, ComparesGroupsByteByByte) {
     EXPECT_FALSE(has(*configuration, "n\xc3\xa8t.port"));
 }
 
-TEST(SourceRegistry, DoesNotTakeALongerWordForTheGroup) {
+TEST(SourceRegistry, DoesNotMatchAKeyWhoseFirstWordIsLonger) {
     const auto configuration = withGroup("net");
     EXPECT_FALSE(has(*configuration, "network.port"));
     EXPECT_FALSE(has(*configuration, "xnet.port"));
 }
 
-TEST(SourceRegistry, NeverMatchesAKeyThatIsShorterThanTheGroup) {
+TEST(SourceRegistry, DoesNotMatchAKeyThatIsShorterThanTheGroup) {
     const auto configuration = makeConfiguration();
     configuration->addInMemorySource("grouped", "net", 5, false, {{"", 80}}).get();
     EXPECT_FALSE(has(*configuration, "net"));
@@ -186,7 +186,7 @@ TEST(SourceRegistry, RefusesANameThatIsTaken) {
     }
 }
 
-TEST(SourceRegistry, StaysAsItWasWhenANameIsTaken) {
+TEST(SourceRegistry, DoesNotChangeWhenANameIsTaken) {
     const auto configuration = makeConfiguration();
     configuration->addInMemorySource("default", "net", -1, true, {{"key", 1}});
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
@@ -207,14 +207,14 @@ TEST(SourceRegistry, ComparesNamesByteByByte) {
                 ElementsAre("override", "", "default ", "Default", "default"));
 }
 
-TEST(SourceRegistry, GivesANameAgainAfterARemoval) {
+TEST(SourceRegistry, AllowsANameAgainAfterRemoval) {
     const auto configuration = makeConfiguration();
     configuration->removeSource("override");
     EXPECT_TRUE(configuration->addInMemorySource("override", "", 7, true, {{"key", 1}}).get());
     EXPECT_EQ("override", supplierOf(*configuration, "key"));
 }
 
-TEST(SourceRegistry, AnswersWhetherThereWasASourceToRemove) {
+TEST(SourceRegistry, ReturnsWhetherASourceWasRemoved) {
     const auto configuration = makeConfiguration();
     EXPECT_FALSE(configuration->removeSource("unknown").get());
     EXPECT_TRUE(configuration->removeSource("override").get());

@@ -1,4 +1,4 @@
-/// What a source sees when it is removed and when its configuration goes.
+/// What removeSource and the destructor do with sources and subscribers.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
@@ -38,13 +38,13 @@ protected:
         test::makeConfiguration();
 };
 
-TEST_F(SourceRemoval, AsksForTheKeysThenLetsTheSourceGo) {
+TEST_F(SourceRemoval, AsksForTheKeysThenReleasesTheSource) {
     add("a", "", -1, {{"x", 1}});
     EXPECT_TRUE(remove("a"));
     EXPECT_THAT(journal, ElementsAre("a keys", "a destroyed"));
 }
 
-TEST_F(SourceRemoval, LooksUpEachKeyInAscendingOrderAmongTheOthers) {
+TEST_F(SourceRemoval, LooksUpEachKeyInAscendingOrderInTheOtherSources) {
     const auto removed = add("a", "", -1, {{"x", 1}, {"b", 2}});
     add("rest", "", -1, {{"x", 3}});
     remove("a");
@@ -52,7 +52,7 @@ TEST_F(SourceRemoval, LooksUpEachKeyInAscendingOrderAmongTheOthers) {
                 ElementsAre("a keys", "rest has b", "rest has x", "rest has x", "rest get x"));
 }
 
-TEST_F(SourceRemoval, TellsTheValueThatIsEffectiveNow) {
+TEST_F(SourceRemoval, DeliversTheNewEffectiveValue) {
     const auto subscriber = watch(*configuration, "x");
     configuration->set("x", 1, "default");
     add("a", "", -1, {{"x", 2}});
@@ -60,7 +60,7 @@ TEST_F(SourceRemoval, TellsTheValueThatIsEffectiveNow) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 1));
 }
 
-TEST_F(SourceRemoval, TellsTheSameValueAgainWhenTheSourceDidNotSupplyIt) {
+TEST_F(SourceRemoval, DeliversTheSameValueAgainWhenAnotherSourceSuppliesIt) {
     configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x");
     add("a", "", 5, {{"x", 2}});
@@ -68,7 +68,7 @@ TEST_F(SourceRemoval, TellsTheSameValueAgainWhenTheSourceDidNotSupplyIt) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1, 1));
 }
 
-TEST_F(SourceRemoval, IsNotToldWhenAKeyLostItsLastValue) {
+TEST_F(SourceRemoval, DeliversNothingWhenAKeyLosesItsLastValue) {
     const auto subscriber = watch(*configuration, "x");
     add("a", "", -1, {{"x", 2}});
     remove("a");
@@ -76,7 +76,7 @@ TEST_F(SourceRemoval, IsNotToldWhenAKeyLostItsLastValue) {
     EXPECT_EQ(0, subscriber->completions());
 }
 
-TEST_F(SourceRemoval, OfAGroupIsNotToldToTheWatchersOfItsKeys) {
+TEST_F(SourceRemoval, OfASourceWithAGroupDoesNotNotifySubscribersOfItsKeys) {
     configuration->set("net.port", 1);
     const auto subscriber = watch(*configuration, "net.port");
     add("a", "net", -1, {{"port", 2}});
@@ -86,7 +86,7 @@ TEST_F(SourceRemoval, OfAGroupIsNotToldToTheWatchersOfItsKeys) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2)); // although 1 is effective again
 }
 
-TEST_F(SourceRemoval, OfAGroupIsToldToTheWatchersOfItsKeysWithoutTheGroup) {
+TEST_F(SourceRemoval, OfASourceWithAGroupNotifiesSubscribersOfItsLocalKeys) {
     configuration->set("port", 1);
     const auto subscriber = watch(*configuration, "port");
     add("a", "net", -1, {{"port", 2}});
@@ -102,7 +102,7 @@ TEST_F(SourceRemoval, LeavesTheWatcherInstalled) {
     EXPECT_THAT(journal, ElementsAre("a keys"));
 }
 
-TEST_F(SourceRemoval, StillHearsTheRemovedSource) {
+TEST_F(SourceRemoval, StillDeliversChangesThatTheRemovedSourceReports) {
     const auto source = add("a", "net", -1, {{"x", 1}});
     remove("a");
     configuration->set("net.x", 5);
@@ -111,7 +111,7 @@ TEST_F(SourceRemoval, StillHearsTheRemovedSource) {
     EXPECT_THAT(subscriber->values(), ElementsAre(5, 5)); // the effective value, not the source's
 }
 
-TEST_F(SourceRemoval, NeverAsksTheRemovedSourceAgain) {
+TEST_F(SourceRemoval, NeverCallsTheRemovedSourceAgain) {
     const auto source = add("a", "", -1, {{"x", 1}});
     remove("a");
     journal.clear();
@@ -123,7 +123,7 @@ TEST_F(SourceRemoval, NeverAsksTheRemovedSourceAgain) {
     EXPECT_THAT(journal, ElementsAre());
 }
 
-TEST_F(SourceRemoval, OfASourceWhoseKeysCannotBeListedThrowsAndKeepsIt) {
+TEST_F(SourceRemoval, OfASourceWhoseKeysThrowsThrowsAndKeepsIt) {
     const auto source = add("a", "", -1, {{"x", 1}});
     source->onKeys = [](const std::string&) { throw std::range_error("no keys"); };
     EXPECT_THROW(remove("a"), std::range_error);
@@ -131,7 +131,7 @@ TEST_F(SourceRemoval, OfASourceWhoseKeysCannotBeListedThrowsAndKeepsIt) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(SourceRemoval, StandsAlthoughAnotherSourceFailsAfterwards) {
+TEST_F(SourceRemoval, IsNotUndoneWhenAnotherSourceThrowsAfterwards) {
     add("a", "", -1, {{"x", 1}});
     const auto other = add("other", "", 5, {});
     other->onHas = [](const std::string&) { throw std::range_error("no answer"); };
@@ -141,7 +141,7 @@ TEST_F(SourceRemoval, StandsAlthoughAnotherSourceFailsAfterwards) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(SourceRemoval, GoesOnWithTheRegistryAsASubscriberLeftIt) {
+TEST_F(SourceRemoval, ContinuesAfterASubscriberRemovedAnotherSource) {
     configuration->set("b", 1, "default");
     configuration->set("x", 2, "default");
     add("a", "", -1, {{"b", 3}, {"x", 4}});
@@ -153,7 +153,7 @@ TEST_F(SourceRemoval, GoesOnWithTheRegistryAsASubscriberLeftIt) {
     const auto second = watch(*configuration, "x");
     EXPECT_TRUE(remove("a"));
     EXPECT_EQ(2, calls);
-    EXPECT_THAT(second->values(), ElementsAre(4)); // nobody has x any more
+    EXPECT_THAT(second->values(), ElementsAre(4)); // x has no value any more
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override"));
 }
 
@@ -166,7 +166,7 @@ TEST_F(SourceRemoval, ByTheDestructorClearsTheWatchersInTheOrderOfConsultation) 
     EXPECT_FALSE(a->isWatched());
 }
 
-TEST_F(SourceRemoval, BeforeTheDestructorLeavesTheWatcherForGood) {
+TEST_F(SourceRemoval, BeforeTheDestructorLeavesTheWatcherInstalled) {
     const auto a = add("a", "", 5, {});
     remove("a");
     journal.clear();
@@ -179,12 +179,12 @@ TEST_F(SourceRemoval, ByTheDestructorLeavesASharedSourceUsable) {
     const auto a = add("a", "", 5, {{"x", 1}});
     const auto subscriber = watch(*configuration, "x");
     configuration.reset();
-    a->change("x", 2); // reaches nobody
+    a->change("x", 2); // reaches no subscriber
     EXPECT_EQ(1, a.use_count());
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
-TEST_F(SourceRemoval, ByTheDestructorEndsTheStreamsBetweenTheWatchersAndTheSources) {
+TEST_F(SourceRemoval, ByTheDestructorClearsWatchersThenCompletesStreamsThenReleasesSources) {
     add("a", "", 5, {});
     const auto subscriber = watch(*configuration, "x");
     subscriber->inOnComplete = [&] { journal.push_back("completed"); };

@@ -1,4 +1,4 @@
-/// Writing options.
+/// set, with and without the name of a source.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
@@ -45,7 +45,7 @@ TEST(Set, ReturnsThePreviousValueOfAKnownKey) {
     EXPECT_EQ(3, intOf(*configuration, "x"));
 }
 
-TEST(Set, ReturnsWhatThatSourceHeldAndNotTheEffectiveValue) {
+TEST(Set, ReturnsThePreviousValueOfItsTargetNotTheEffectiveValue) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1, "default");
     EXPECT_EQ(2, intIn(configuration->set("x", 2))); // new in "override"
@@ -59,13 +59,13 @@ TEST(Set, MayChangeTheTypeOfAnOption) {
     EXPECT_EQ("text", boost::get<std::string>(configuration->get("x").get()));
 }
 
-TEST(Set, AnswersBeforeItReturns) {
+TEST(Set, ResolvesItsFutureBeforeItReturns) {
     bool answered = false;
     makeConfiguration()->set("x", 1).then([&](Future<OptionValue>&) { answered = true; });
     EXPECT_TRUE(answered);
 }
 
-TEST(Set, WritesToTheFirstWritableSourceWhoeverHasTheKey) {
+TEST(Set, WritesToTheFirstWritableSourceEvenIfAnotherHasTheKey) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 9, "default");
     configuration->addInMemorySource("first", "", -1, false, {});
@@ -74,7 +74,7 @@ TEST(Set, WritesToTheFirstWritableSourceWhoeverHasTheKey) {
     EXPECT_EQ("first", supplierOf(*configuration, "x"));
 }
 
-TEST(Set, PassesBySourcesWhoseGroupDoesNotFit) {
+TEST(Set, SkipsSourcesWhoseGroupDoesNotMatch) {
     const auto configuration = makeConfiguration();
     configuration->addInMemorySource("net", "net", -1, false, {});
     configuration->set("x", 1);
@@ -99,7 +99,7 @@ TEST(Set, WithoutAnySourceFails) {
                                      [&] { result.get(); });
 }
 
-TEST(Set, WithReadOnlyAndUnfittingSourcesOnlyFails) {
+TEST(Set, WithoutAMatchingWritableSourceFails) {
     const auto configuration = makeConfiguration();
     configuration->removeSource("override");
     configuration->removeSource("default");
@@ -121,7 +121,7 @@ TEST(Set, StaysHiddenBehindAReadOnlySource) {
     EXPECT_EQ(2, intOf(*configuration, "x"));
 }
 
-TEST(SetAt, WritesToTheNamedSource) {
+TEST(SetInNamedSource, WritesToTheNamedSource) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     EXPECT_EQ(2, intIn(configuration->set("x", 2, "default")));
@@ -130,15 +130,15 @@ TEST(SetAt, WritesToTheNamedSource) {
     EXPECT_EQ(2, intOf(*configuration, "x"));
 }
 
-TEST(SetAt, OfAnUnknownSourceFails) {
+TEST(SetInNamedSource, FailsForAnUnknownSource) {
     const auto configuration = makeConfiguration();
-    auto result = configuration->set("x", 1, "nobody");
-    expectThrows<std::runtime_error>("Source not found or not writable: x, nobody",
+    auto result = configuration->set("x", 1, "unknown");
+    expectThrows<std::runtime_error>("Source not found or not writable: x, unknown",
                                      [&] { result.get(); });
     EXPECT_THAT(configuration->keys().get(), IsEmpty());
 }
 
-TEST(SetAt, OfAReadOnlySourceFails) {
+TEST(SetInNamedSource, FailsForAReadOnlySource) {
     const auto configuration = makeConfiguration();
     configuration->addInMemorySource("fixed", "", 5, true, {{"x", 1}});
     auto result = configuration->set("x", 2, "fixed");
@@ -147,7 +147,7 @@ TEST(SetAt, OfAReadOnlySourceFails) {
     EXPECT_EQ(1, intOf(*configuration, "x"));
 }
 
-TEST(SetAt, OfASourceWhoseGroupDoesNotFitFails) {
+TEST(SetInNamedSource, FailsWhenTheGroupDoesNotMatch) {
     const auto configuration = makeConfiguration();
     configuration->addInMemorySource("net", "net", 5, false, {});
     auto result = configuration->set("x", 2, "net");
@@ -156,7 +156,7 @@ TEST(SetAt, OfASourceWhoseGroupDoesNotFitFails) {
     EXPECT_THAT(configuration->keys().get(), IsEmpty());
 }
 
-TEST(SetAt, OfARemovedSourceFails) {
+TEST(SetInNamedSource, FailsForARemovedSource) {
     const auto configuration = makeConfiguration();
     configuration->removeSource("default");
     auto result = configuration->set("x", 2, "default");
@@ -164,13 +164,13 @@ TEST(SetAt, OfARemovedSourceFails) {
                                      [&] { result.get(); });
 }
 
-TEST(SetAt, NeverFallsBackToAnotherSource) {
+TEST(SetInNamedSource, NeverFallsBackToAnotherSource) {
     const auto configuration = makeConfiguration();
     EXPECT_ANY_THROW(configuration->set("x", 2, "").get());
     EXPECT_THAT(configuration->keys().get(), IsEmpty());
 }
 
-/// Writes to a source that writes down what it is told. It serves "net", before all others.
+/// Writes to a source that records its calls. It has the group "net" and is consulted first.
 class SetCalls : public testing::Test {
 protected:
     SetCalls() {
@@ -184,17 +184,17 @@ protected:
         makeConfiguration();
 };
 
-TEST_F(SetCalls, WriteTheLocalKeyAndThenLookItUpForTheWatchers) {
+TEST_F(SetCalls, WriteTheLocalKeyAndThenLookItUpForSubscribers) {
     configuration->set("net.port", 80);
     EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
-                                     "net set over"));
+                                     "net set returns"));
     EXPECT_EQ(80, boost::get<int>(source->values.at("port")));
 }
 
 TEST_F(SetCalls, AreTheSameForANamedSource) {
     configuration->set("net.port", 80, "net");
     EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
-                                     "net set over"));
+                                     "net set returns"));
 }
 
 TEST_F(SetCalls, ReturnWhatTheSourceReturned) {
@@ -203,21 +203,21 @@ TEST_F(SetCalls, ReturnWhatTheSourceReturned) {
     EXPECT_EQ(77, intIn(configuration->set("net.port", 81, "net")));
 }
 
-TEST_F(SetCalls, DoNotReachASourceThatIsNotMeant) {
+TEST_F(SetCalls, DoNotReachOtherSources) {
     configuration->set("x", 1);
     EXPECT_ANY_THROW(configuration->set("x", 1, "net").get());
-    EXPECT_ANY_THROW(configuration->set("net.x", 1, "nobody").get());
+    EXPECT_ANY_THROW(configuration->set("net.x", 1, "unknown").get());
     EXPECT_THAT(journal, IsEmpty());
 }
 
-TEST_F(SetCalls, OfAFailedSetTellNoWatcher) {
+TEST_F(SetCalls, ThatFailNotifyNoSubscriber) {
     configuration->set("x", 1);
     const auto subscriber = test::watch(*configuration, "x");
     EXPECT_ANY_THROW(configuration->set("x", 2, "net").get());
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
-TEST_F(SetCalls, LetTheExceptionOfASourceThrough) {
+TEST_F(SetCalls, ThrowWhatTheSourceThrows) {
     source->onSet = [](const std::string&) { throw std::range_error("refused"); };
     expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80); });
     expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80, "net"); });
@@ -225,27 +225,27 @@ TEST_F(SetCalls, LetTheExceptionOfASourceThrough) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(SetCalls, KeepASourceThatItsWatcherRemovesUntilTheyAreOver) {
+TEST_F(SetCalls, KeepASourceAliveThatASubscriberRemoves) {
     test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net"); });
     journal.clear();
     source->resultOfSet = 77;
     source.reset();
     EXPECT_EQ(77, intIn(configuration->set("net.port", 80)));
     EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
-                                     "net keys", "net set over", "net destroyed"));
+                                     "net keys", "net set returns", "net destroyed"));
 }
 
-TEST_F(SetCalls, KeepANamedSourceThatItsWatcherRemovesUntilTheyAreOver) {
+TEST_F(SetCalls, KeepANamedSourceAliveThatASubscriberRemoves) {
     test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net"); });
     journal.clear();
     source.reset();
     configuration->set("net.port", 80, "net");
     ASSERT_EQ(7u, journal.size());
-    EXPECT_EQ("net set over", journal[5]);
+    EXPECT_EQ("net set returns", journal[5]);
     EXPECT_EQ("net destroyed", journal[6]);
 }
 
-/// Writes beside a property file with the entry port = 80.
+/// set when a property file with the entry port = 80 is registered.
 class SetBesidePropertyFile : public testing::Test {
 protected:
     SetBesidePropertyFile() { std::ofstream(path) << "port = 80\n"; }
@@ -258,7 +258,7 @@ protected:
         makeConfiguration();
 };
 
-TEST_F(SetBesidePropertyFile, PassesItByWhenItIsReadOnly) {
+TEST_F(SetBesidePropertyFile, SkipsItWhenItIsReadOnly) {
     configuration->addPropertyFileSource("file", "", -1, true, path.u16string()).get();
     configuration->set("port", 81);
     EXPECT_EQ("80", boost::get<std::string>(configuration->get("port").get()));

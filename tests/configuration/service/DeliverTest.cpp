@@ -1,4 +1,4 @@
-/// How a request hands itself to the provider.
+/// How a request delivers itself to the provider.
 #include "configuration/service/RecordingProvider.hpp"
 #include "support/Expect.hpp"
 
@@ -52,7 +52,7 @@ TEST_F(Deliver, CallsTheHandlerOfItsClassOnce) {
     EXPECT_THAT(provider->calls, ElementsAre("Get", "Set", "Keys", "AddPropertyFileSource"));
 }
 
-TEST_F(Deliver, HandsOverTheVeryRequest) {
+TEST_F(Deliver, PassesTheRequestItself) {
     MessagePtr owner = std::make_unique<ConfigurationGet>("key");
     const Message* const request = owner.get();
     provider->answer = [&](const RecordingProvider::Call& call) {
@@ -63,7 +63,7 @@ TEST_F(Deliver, HandsOverTheVeryRequest) {
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
 
-TEST_F(Deliver, LeavesTheOwnerEmptyAlreadyWhileTheHandlerRuns) {
+TEST_F(Deliver, EmptiesTheOwnerBeforeTheHandlerRuns) {
     MessagePtr owner = std::make_unique<ConfigurationGet>("key");
     provider->answer = [&](const RecordingProvider::Call&) {
         EXPECT_EQ(nullptr, owner);
@@ -75,31 +75,31 @@ TEST_F(Deliver, LeavesTheOwnerEmptyAlreadyWhileTheHandlerRuns) {
 }
 
 TEST_F(Deliver, DestroysTheRequestAfterTheHandlerAndBeforeItReturns) {
-    bool isGone = false;
+    bool isDestroyed = false;
     provider->answer = [&](const RecordingProvider::Call&) {
-        EXPECT_FALSE(isGone);
+        EXPECT_FALSE(isDestroyed);
         return Reply();
     };
-    deliverNew<TrackedGet>(isGone, "key");
-    EXPECT_TRUE(isGone);
+    deliverNew<TrackedGet>(isDestroyed, "key");
+    EXPECT_TRUE(isDestroyed);
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
 
-TEST_F(Deliver, LeavesARequestAloneThatTheHandlerKeeps) {
-    bool isGone = false;
+TEST_F(Deliver, DoesNotDestroyARequestThatTheHandlerKeeps) {
+    bool isDestroyed = false;
     provider->keepsRequests = true;
-    deliverNew<TrackedGet>(isGone, "key");
-    EXPECT_FALSE(isGone);
+    deliverNew<TrackedGet>(isDestroyed, "key");
+    EXPECT_FALSE(isDestroyed);
     EXPECT_EQ("key", test::as<ConfigurationGet>(provider->kept).key);
     provider->kept.reset();
-    EXPECT_TRUE(isGone);
+    EXPECT_TRUE(isDestroyed);
 }
 
-TEST_F(Deliver, HandsOnTheAddress) {
+TEST_F(Deliver, PassesTheAddress) {
     MessagePtr owner = std::make_unique<ConfigurationGet>("key");
     Address address("sender");
     provider->answer = [&](const RecordingProvider::Call& call) {
-        EXPECT_EQ(&address, &call.address) << "by reference: nothing is copied on the way";
+        EXPECT_EQ(&address, &call.address) << "passed by reference, not copied";
         EXPECT_EQ("sender", call.address.toString());
         return Reply();
     };
@@ -135,15 +135,15 @@ TEST_F(Deliver, ReturnsTheReplyOfTheHandler) {
     EXPECT_EQ(expected, reply.get());
 }
 
-TEST_F(Deliver, PassesOnAFailedFuture) {
+TEST_F(Deliver, ReturnsAFailedFuture) {
     provider->answer = [](const RecordingProvider::Call&) {
-        return connector::makeFailedFuture<MessagePtr>(std::domain_error("not today"));
+        return connector::makeFailedFuture<MessagePtr>(std::domain_error("the handler failed"));
     };
     Reply reply = deliverNew<ConfigurationGet>("key");
-    expectThrows<std::domain_error>("not today", [&] { reply.get(); });
+    expectThrows<std::domain_error>("the handler failed", [&] { reply.get(); });
 }
 
-TEST_F(Deliver, PassesOnAFutureThatIsNotResolvedYet) {
+TEST_F(Deliver, ReturnsAPendingFuture) {
     connector::Promise<MessagePtr> promise;
     provider->answer = [&](const RecordingProvider::Call&) { return promise.getFuture(); };
     Reply reply = deliverNew<ConfigurationGet>("key");
@@ -151,33 +151,33 @@ TEST_F(Deliver, PassesOnAFutureThatIsNotResolvedYet) {
     EXPECT_NO_THROW(test::as<ConfigurationOptionResponse>(reply.get()));
 }
 
-TEST_F(Deliver, PassesOnAFutureThatIsNotValid) {
+TEST_F(Deliver, ReturnsAnInvalidFuture) {
     provider->answer = [](const RecordingProvider::Call&) { return Reply(); };
     EXPECT_FALSE(deliverNew<ConfigurationGet>("key").valid());
 }
 
-TEST_F(Deliver, LetsOutWhatTheHandlerThrowsAndDestroysTheRequest) {
-    bool isGone = false;
+TEST_F(Deliver, ThrowsWhatTheHandlerThrowsAndDestroysTheRequest) {
+    bool isDestroyed = false;
     provider->answer = [](const RecordingProvider::Call&) -> Reply {
         throw std::out_of_range("no such thing");
     };
-    MessagePtr owner = std::make_unique<TrackedGet>(isGone, "key");
+    MessagePtr owner = std::make_unique<TrackedGet>(isDestroyed, "key");
     expectThrows<std::out_of_range>("no such thing", [&] { deliver(owner); });
-    EXPECT_TRUE(isGone);
+    EXPECT_TRUE(isDestroyed);
     EXPECT_EQ(nullptr, owner);
 }
 
-TEST_F(Deliver, LeavesARequestAloneThatTheHandlerKeptBeforeItThrew) {
-    bool isGone = false;
+TEST_F(Deliver, DoesNotDestroyARequestThatTheHandlerKeptBeforeItThrew) {
+    bool isDestroyed = false;
     provider->keepsRequests = true;
     provider->answer = [](const RecordingProvider::Call&) -> Reply { throw 42; };
-    EXPECT_THROW(deliverNew<TrackedGet>(isGone, "key"), int);
-    EXPECT_FALSE(isGone);
+    EXPECT_THROW(deliverNew<TrackedGet>(isDestroyed, "key"), int);
+    EXPECT_FALSE(isDestroyed);
     provider->kept.reset();
-    EXPECT_TRUE(isGone);
+    EXPECT_TRUE(isDestroyed);
 }
 
-TEST_F(Deliver, OutOfAnotherRequestsOwnerFails) {
+TEST_F(Deliver, FailsWhenTheOwnerHoldsAnotherRequest) {
     ConfigurationSet set("key", 7, "");
     MessagePtr owner = std::make_unique<ConfigurationGet>("key");
     Reply reply = deliver(set, owner);
@@ -189,8 +189,8 @@ TEST_F(Deliver, OutOfAnotherRequestsOwnerFails) {
     EXPECT_THAT(provider->calls, IsEmpty());
 }
 
-/// The question is whether it is the same object. The text speaks of types all the same.
-TEST_F(Deliver, OutOfTheOwnerOfAnotherOfItsClassFails) {
+/// The check compares objects, although the text of the failure names types.
+TEST_F(Deliver, FailsWhenTheOwnerHoldsAnotherRequestOfTheSameClass) {
     ConfigurationGet get("key");
     MessagePtr owner = std::make_unique<ConfigurationGet>("key");
     Reply reply = deliver(get, owner);
@@ -202,7 +202,7 @@ TEST_F(Deliver, OutOfTheOwnerOfAnotherOfItsClassFails) {
     EXPECT_THAT(provider->calls, IsEmpty());
 }
 
-TEST_F(Deliver, OutOfAReplysOwnerFails) {
+TEST_F(Deliver, FailsWhenTheOwnerHoldsAReply) {
     ConfigurationKeys keys;
     MessagePtr owner = std::make_unique<ConfigurationKeysResponse>(std::set<std::string>());
     Reply reply = deliver(keys, owner);
@@ -213,7 +213,7 @@ TEST_F(Deliver, OutOfAReplysOwnerFails) {
         [&] { reply.get(); });
 }
 
-TEST_F(Deliver, OutOfABareMessagesOwnerFails) {
+TEST_F(Deliver, FailsWhenTheOwnerHoldsABareMessage) {
     AddPropertyFileSource add("site", "", 5, true, u"path");
     MessagePtr owner = std::make_unique<Message>();
     Reply reply = deliver(add, owner);
@@ -228,7 +228,7 @@ public:
     using ConfigurationGet::ConfigurationGet;
 };
 
-TEST_F(Deliver, NamesTheClassThatARequestHasAtRunTime) {
+TEST_F(Deliver, NamesTheDynamicClassOfTheRequest) {
     DerivedGet derived("key");
     MessagePtr owner = std::make_unique<Message>();
     Reply reply = deliver(derived, owner);
@@ -238,17 +238,17 @@ TEST_F(Deliver, NamesTheClassThatARequestHasAtRunTime) {
         [&] { reply.get(); });
 }
 
-TEST_F(Deliver, ThatFailsLeavesTheOtherMessageWithItsOwner) {
-    bool isGone = false;
-    MessagePtr owner = std::make_unique<TrackedGet>(isGone, "key");
+TEST_F(Deliver, ThatFailsLeavesTheMessageWithItsOwner) {
+    bool isDestroyed = false;
+    MessagePtr owner = std::make_unique<TrackedGet>(isDestroyed, "key");
     const Message* const held = owner.get();
     ConfigurationGet get("key");
     deliver(get, owner);
     EXPECT_EQ(held, owner.get());
-    EXPECT_FALSE(isGone);
+    EXPECT_FALSE(isDestroyed);
 }
 
-TEST_F(Deliver, OutOfAnEmptyOwnerThrows) {
+TEST_F(Deliver, ThrowsWhenTheOwnerIsEmpty) {
     ConfigurationGet get("key");
     MessagePtr owner;
     EXPECT_THROW(deliver(get, owner), std::bad_typeid);

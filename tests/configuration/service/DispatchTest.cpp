@@ -1,4 +1,4 @@
-/// What the generic entry of the service lets through.
+/// dispatch: which messages the service accepts.
 #include "configuration/service/RecordingProvider.hpp"
 #include "support/Expect.hpp"
 
@@ -42,20 +42,20 @@ void expectWrongClass(const std::string& found, Reply reply) {
     expectThrows<std::invalid_argument>(expected + found, [&] { reply.get(); });
 }
 
-TEST(Dispatch, BeforeTheStartFails) {
+TEST(Dispatch, FailsBeforeStart) {
     const auto provider = std::make_shared<RecordingProvider>();
     expectNotRunning(send<ConfigurationGet>(*provider, "key"));
     EXPECT_THAT(provider->calls, IsEmpty());
 }
 
-TEST(Dispatch, AfterTheStopFails) {
+TEST(Dispatch, FailsAfterStop) {
     const auto provider = makeRunning();
     provider->stop();
     expectNotRunning(send<ConfigurationGet>(*provider, "key"));
     EXPECT_THAT(provider->calls, IsEmpty());
 }
 
-TEST(Dispatch, ToAServiceThatWasStartedAgainIsHandled) {
+TEST(Dispatch, WorksAfterARestart) {
     const auto provider = makeRunning();
     provider->stop();
     provider->start();
@@ -64,26 +64,26 @@ TEST(Dispatch, ToAServiceThatWasStartedAgainIsHandled) {
 }
 
 TEST(Dispatch, WhileNotRunningLeavesTheMessageWithTheCaller) {
-    bool isGone = false;
-    MessagePtr message = std::make_unique<TrackedGet>(isGone, "key");
+    bool isDestroyed = false;
+    MessagePtr message = std::make_unique<TrackedGet>(isDestroyed, "key");
     expectNotRunning(dispatch(*std::make_shared<RecordingProvider>(), message));
     EXPECT_NE(nullptr, message);
-    EXPECT_FALSE(isGone);
+    EXPECT_FALSE(isDestroyed);
 }
 
-TEST(Dispatch, WhileNotRunningDoesNotLookAtTheMessage) {
+TEST(Dispatch, WhileNotRunningDoesNotCheckTheMessage) {
     const auto provider = std::make_shared<RecordingProvider>();
     expectNotRunning(dispatch(*provider, nullptr));
     expectNotRunning(send<Message>(*provider));
     expectNotRunning(send<ConfigurationOptionResponse>(*provider));
 }
 
-TEST(Dispatch, WhileNotRunningDoesNotAskWhoOwnsTheProvider) {
+TEST(Dispatch, WhileNotRunningNeedsNoOwnerOfTheProvider) {
     RecordingProvider provider;
     expectNotRunning(send<ConfigurationGet>(provider, "key"));
 }
 
-/// Nothing but the flag itself brings the news to the dispatching thread.
+/// Only the running flag synchronises the two threads.
 TEST(Dispatch, SeesTheStartOnAnotherThread) {
     const auto provider = std::make_shared<RecordingProvider>();
     std::thread other([&] {
@@ -113,7 +113,7 @@ TEST(Dispatch, SeesTheStopOnAnotherThread) {
     EXPECT_FALSE(provider->isRunning());
 }
 
-TEST(Dispatch, OfNothingThrows) {
+TEST(Dispatch, OfANullMessageThrows) {
     EXPECT_THROW(dispatch(*makeRunning(), nullptr), std::bad_typeid);
 }
 
@@ -150,17 +150,17 @@ public:
     }
 };
 
-TEST(Dispatch, OfAnotherServicesRequestFails) {
+TEST(Dispatch, OfARequestOfAnotherServiceFails) {
     expectWrongClass(typeid(OtherRequest).name(), send<OtherRequest>(*makeRunning()));
 }
 
-TEST(Dispatch, OfAWrongClassLeavesTheMessageWithTheCaller) {
+TEST(Dispatch, ThatFailsLeavesTheMessageWithTheCaller) {
     MessagePtr message = std::make_unique<ConfigurationOptionResponse>();
     dispatch(*makeRunning(), message);
     EXPECT_NE(nullptr, message);
 }
 
-/// A request that the application adds: it delivers itself in its own way.
+/// A request class of the application, which delivers itself in its own way.
 class OwnRequest : public connector::ServiceMessage<ConfigurationServiceProvider> {
 public:
     explicit OwnRequest(std::shared_ptr<ConfigurationServiceProvider>& newReceiver)
@@ -177,7 +177,7 @@ private:
     std::shared_ptr<ConfigurationServiceProvider>& receiver;
 };
 
-TEST(Dispatch, LetsARequestOfTheApplicationsDeliverItself) {
+TEST(Dispatch, LetsARequestOfTheApplicationDeliverItself) {
     const auto provider = makeRunning();
     std::shared_ptr<ConfigurationServiceProvider> receiver;
     const MessagePtr reply = send<OwnRequest>(*provider, receiver).get();
@@ -194,7 +194,7 @@ TEST(Dispatch, ToAProviderOnTheStackThrows) {
     EXPECT_THAT(provider.calls, IsEmpty());
 }
 
-TEST(Dispatch, ToAProviderOnTheStackLooksAtTheMessageFirst) {
+TEST(Dispatch, ToAProviderOnTheStackChecksTheMessageFirst) {
     RecordingProvider provider;
     provider.start();
     EXPECT_THROW(dispatch(provider, nullptr), std::bad_typeid);
@@ -202,14 +202,14 @@ TEST(Dispatch, ToAProviderOnTheStackLooksAtTheMessageFirst) {
 }
 
 TEST(Dispatch, TakesTheMessageAndDestroysIt) {
-    bool isGone = false;
-    MessagePtr message = std::make_unique<TrackedGet>(isGone, "key");
+    bool isDestroyed = false;
+    MessagePtr message = std::make_unique<TrackedGet>(isDestroyed, "key");
     dispatch(*makeRunning(), message);
     EXPECT_EQ(nullptr, message);
-    EXPECT_TRUE(isGone);
+    EXPECT_TRUE(isDestroyed);
 }
 
-TEST(Dispatch, HandsOnAddressAndContext) {
+TEST(Dispatch, PassesAddressAndContext) {
     const auto provider = makeRunning();
     auto context = std::make_shared<Context>();
     const std::shared_ptr<Context> sent = context;
@@ -223,7 +223,7 @@ TEST(Dispatch, HandsOnAddressAndContext) {
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
 
-TEST(Dispatch, KeepsTheProviderAliveUntilItIsDone) {
+TEST(Dispatch, KeepsTheProviderAliveUntilItReturns) {
     auto provider = makeRunning();
     const std::weak_ptr<RecordingProvider> observer = provider;
     provider->answer = [&](const RecordingProvider::Call&) {
@@ -237,7 +237,7 @@ TEST(Dispatch, KeepsTheProviderAliveUntilItIsDone) {
     EXPECT_TRUE(observer.expired());
 }
 
-TEST(Dispatch, KeepsNoPointerToTheProvider) {
+TEST(Dispatch, KeepsNoPointerToTheProviderAfterwards) {
     const auto provider = makeRunning();
     const Reply reply = send<ConfigurationGet>(*provider, "key");
     EXPECT_EQ(1, provider.use_count());
@@ -246,21 +246,21 @@ TEST(Dispatch, KeepsNoPointerToTheProvider) {
 TEST(Dispatch, ReturnsWhatTheHandlerReturns) {
     const auto provider = makeRunning();
     provider->answer = [](const RecordingProvider::Call&) {
-        return connector::makeFailedFuture<MessagePtr>(std::domain_error("not today"));
+        return connector::makeFailedFuture<MessagePtr>(std::domain_error("the handler failed"));
     };
     Reply reply = send<ConfigurationGet>(*provider, "key");
-    expectThrows<std::domain_error>("not today", [&] { reply.get(); });
+    expectThrows<std::domain_error>("the handler failed", [&] { reply.get(); });
 }
 
 TEST(Dispatch, ThrowsWhatTheHandlerThrows) {
     const auto provider = makeRunning();
     provider->answer = [](const RecordingProvider::Call&) -> Reply {
-        throw std::domain_error("not ever");
+        throw std::domain_error("the handler threw");
     };
-    bool isGone = false;
-    expectThrows<std::domain_error>("not ever",
-                                    [&] { send<TrackedGet>(*provider, isGone, "key"); });
-    EXPECT_TRUE(isGone);
+    bool isDestroyed = false;
+    expectThrows<std::domain_error>("the handler threw",
+                                    [&] { send<TrackedGet>(*provider, isDestroyed, "key"); });
+    EXPECT_TRUE(isDestroyed);
 }
 
 TEST(Dispatch, RunsTheHandlerOnTheCallingThread) {
@@ -274,7 +274,7 @@ TEST(Dispatch, RunsTheHandlerOnTheCallingThread) {
     EXPECT_EQ(std::this_thread::get_id(), handlerThread);
 }
 
-TEST(Dispatch, FromInsideAHandlerIsHandled) {
+TEST(Dispatch, FromAHandlerIsHandled) {
     const auto provider = makeRunning();
     provider->answer = [&](const RecordingProvider::Call&) {
         return provider->calls.size() == 1 ? send<ConfigurationKeys>(*provider) : Reply();

@@ -1,4 +1,4 @@
-/// What the messages are made of: what other programs are compiled against.
+/// The layout of the messages, against which other programs are compiled.
 #include "configuration/service/Messages.hpp"
 #include "support/Slots.hpp"
 
@@ -54,13 +54,13 @@ static_assert(std::is_default_constructible_v<Address>);
 static_assert(std::is_move_constructible_v<Address> && std::is_move_assignable_v<Address>);
 static_assert(std::has_virtual_destructor_v<Context>);
 
-// The whole type of an operation, so that the test does not compile without it.
+// Compiles only if the operation has exactly this type.
 connector::Future<MessagePtr> (RequestOfTheService::*const deliver)(
     std::shared_ptr<ConfigurationServiceProvider>, MessagePtr&&, Address&&,
     std::shared_ptr<Context>&&) = &RequestOfTheService::deliver;
 
 #ifdef TEST_SLOTS_ARE_KNOWN
-TEST(ServiceMessage, HasDeliverBehindItsDestructors) {
+TEST(ServiceMessage, HasDeliverInTheSlotAfterItsDestructors) {
     EXPECT_EQ(2u, test::slotOf(deliver));
 }
 #else
@@ -73,14 +73,14 @@ std::size_t offsetOf(const Message& message, const Field& field) {
                                     reinterpret_cast<const char*>(&message));
 }
 
-TEST(ConfigurationGet, HoldsItsKeyRightBehindTheVirtualTable) {
+TEST(ConfigurationGet, HoldsItsKeyRightAfterTheVirtualTablePointer) {
     const ConfigurationGet get("net.port");
     EXPECT_EQ("net.port", get.key);
     EXPECT_EQ(sizeof(void*), offsetOf(get, get.key));
     EXPECT_EQ(sizeof(void*) + sizeof(std::string), sizeof(get));
 }
 
-TEST(ConfigurationSet, TakesKeyThenValueThenSource) {
+TEST(ConfigurationSet, IsConstructedFromKeyThenValueThenSource) {
     const ConfigurationSet set("net.port", 80, "override");
     EXPECT_EQ("net.port", set.key);
     EXPECT_EQ(80, boost::get<int>(set.value));
@@ -101,13 +101,13 @@ TEST(ConfigurationSet, HoldsACopyOfTheValue) {
     EXPECT_THAT(boost::get<std::vector<int>>(set.value), ElementsAre(1, 2));
 }
 
-TEST(ConfigurationKeys, AlwaysCarriesAnEmptyString) {
+TEST(ConfigurationKeys, HoldsAnEmptyReservedString) {
     const ConfigurationKeys keys;
     EXPECT_EQ("", keys.reserved);
     EXPECT_EQ(sizeof(void*) + sizeof(std::string), sizeof(keys));
 }
 
-TEST(AddPropertyFileSource, HoldsTheArgumentsOfTheOperationInTheirOrder) {
+TEST(AddPropertyFileSource, HoldsTheArgumentsOfTheOperationInOrder) {
     const AddPropertyFileSource add("site", "net", -7, true, u"/etc/\u00e4.properties");
     EXPECT_EQ("site", add.name);
     EXPECT_EQ("net", add.group);
@@ -121,11 +121,11 @@ TEST(AddPropertyFileSource, HoldsTheArgumentsOfTheOperationInTheirOrder) {
     EXPECT_LT(offsetOf(add, add.readOnly), offsetOf(add, add.path));
 }
 
-TEST(AddPropertyFileSource, HoldsAFlagThatIsNotSet) {
+TEST(AddPropertyFileSource, HoldsAFalseReadOnlyFlag) {
     EXPECT_FALSE(AddPropertyFileSource("site", "", 0, false, u"").readOnly);
 }
 
-TEST(ConfigurationOptionResponse, MadeOfNothingHoldsNoOption) {
+TEST(ConfigurationOptionResponse, HoldsNoOptionByDefault) {
     EXPECT_EQ(nullptr, ConfigurationOptionResponse().option);
 }
 
@@ -140,26 +140,26 @@ TEST(ConfigurationOptionResponse, HoldsACopyOfTheOption) {
     EXPECT_EQ("value", boost::get<std::string>(response.option->value));
 }
 
-TEST(ConfigurationOptionResponse, IsAsLargeAsAPointerToAnOptionMore) {
+TEST(ConfigurationOptionResponse, HoldsOnlyAPointerToTheOption) {
     EXPECT_EQ(sizeof(Message) + sizeof(void*), sizeof(ConfigurationOptionResponse));
 }
 
-TEST(ConfigurationKeysResponse, TakesTheSetAway) {
+TEST(ConfigurationKeysResponse, MovesTheSetOutOfItsArgument) {
     std::set<std::string> keys{"b", "a"};
     const ConfigurationKeysResponse response(std::move(keys));
     EXPECT_THAT(response.keys, ElementsAre("a", "b"));
     EXPECT_THAT(keys, IsEmpty());
 }
 
-TEST(Message, IsDestroyedAsWhatItIs) {
-    bool isGone = false;
-    MessagePtr message = std::make_unique<test::TrackedGet>(isGone, "key");
-    EXPECT_FALSE(isGone);
+TEST(Message, HasAVirtualDestructor) {
+    bool isDestroyed = false;
+    MessagePtr message = std::make_unique<test::TrackedGet>(isDestroyed, "key");
+    EXPECT_FALSE(isDestroyed);
     message.reset();
-    EXPECT_TRUE(isGone);
+    EXPECT_TRUE(isDestroyed);
 }
 
-/// The names stand in failures, so they are seen by applications.
+/// Applications see these names in the texts of failures.
 TEST(Message, HasTheTypeNameOfItsClass) {
     EXPECT_STREQ("N9connector7MessageE", typeid(Message).name());
     EXPECT_STREQ("N9connector13configuration16ConfigurationGetE", typeid(ConfigurationGet).name());

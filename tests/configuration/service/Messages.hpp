@@ -1,4 +1,4 @@
-/// Short ways to make messages, to send them and to read replies.
+/// Shorthands for creating and sending messages, and for reading replies.
 #pragma once
 
 #include <connector/ServiceProvider.hpp>
@@ -21,7 +21,7 @@ namespace test {
 using MessagePtr = std::unique_ptr<connector::Message>;
 using Reply = connector::Future<MessagePtr>;
 
-/// Sends a message that the caller keeps when the service does not take it.
+/// Sends a message. The caller keeps it when the service does not take it.
 inline Reply dispatch(connector::ServiceProvider& provider, MessagePtr& message) {
     return provider.dispatch(std::move(message), connector::Address(), nullptr);
 }
@@ -30,19 +30,19 @@ inline Reply dispatch(connector::ServiceProvider& provider, MessagePtr&& message
     return dispatch(provider, message);
 }
 
-/// Makes a message and sends it.
+/// Creates a message and sends it.
 template <typename Msg, typename... Arguments>
 Reply send(connector::ServiceProvider& provider, Arguments&&... arguments) {
     return dispatch(provider, std::make_unique<Msg>(std::forward<Arguments>(arguments)...));
 }
 
-/// @return the message as what it is; throws std::bad_cast when it is something else
+/// @return the message as a `Msg`. Throws std::bad_cast when it is of another class
 template <typename Msg>
 const Msg& as(const MessagePtr& message) {
     return dynamic_cast<const Msg&>(*message);
 }
 
-/// @return the option in a reply; throws when the reply has none
+/// @return the option in a reply. Throws when the reply has none
 inline connector::configuration::Option optionIn(Reply reply) {
     const MessagePtr message = reply.get();
     const auto& response = as<connector::configuration::ConfigurationOptionResponse>(message);
@@ -61,17 +61,17 @@ inline std::string classOf(const MessagePtr& message) {
     return typeid(held).name();
 }
 
-/// A request that tells when it goes.
+/// A request that records its destruction.
 template <typename Msg>
 class Tracked : public Msg {
 public:
     template <typename... Arguments>
-    explicit Tracked(bool& newIsGone, Arguments&&... arguments)
-        : Msg(std::forward<Arguments>(arguments)...), isGone(newIsGone) {}
-    ~Tracked() override { isGone = true; }
+    explicit Tracked(bool& newIsDestroyed, Arguments&&... arguments)
+        : Msg(std::forward<Arguments>(arguments)...), isDestroyed(newIsDestroyed) {}
+    ~Tracked() override { isDestroyed = true; }
 
 private:
-    bool& isGone;
+    bool& isDestroyed;
 };
 
 using TrackedGet = Tracked<connector::configuration::ConfigurationGet>;

@@ -1,4 +1,4 @@
-/// A provider that tells which of its handlers was called, and does there what a test wants.
+/// A provider that records the calls of its handlers and replies as a test tells it to.
 #pragma once
 
 #include "configuration/service/Messages.hpp"
@@ -20,7 +20,7 @@ public:
     using ConfigurationKeys = connector::configuration::ConfigurationKeys;
     using ConfigurationSet = connector::configuration::ConfigurationSet;
 
-    /// What a handler was given; it may take everything.
+    /// The arguments of a handler, which may move from them.
     struct Call {
         connector::Message* request;
         connector::Address& address;
@@ -44,8 +44,8 @@ public:
         return record("AddPropertyFileSource", request, address, context);
     }
 
-    std::vector<std::string> calls; ///< the requests that came, in order
-    MessagePtr kept;                ///< the last request, when keepsRequests
+    std::vector<std::string> calls; ///< the names of the requests, in order
+    MessagePtr kept;                ///< the last request, if keepsRequests is set
     bool keepsRequests = false;
     std::function<Reply(const Call&)> answer = [](const Call&) {
         return connector::makeReadyFuture<MessagePtr>(std::make_unique<connector::Message>());

@@ -30,7 +30,7 @@ template <typename T>
 connector::Future<T> ScriptedConfiguration::answer(const std::string& description,
                                                    const std::function<Future<T>()>& script) {
     calls.push_back(description);
-    return script ? script() : throw std::logic_error("Nobody scripted " + description + ".");
+    return script ? script() : throw std::logic_error("No script for " + description + ".");
 }
 
 connector::Future<bool> ScriptedConfiguration::has(const std::string& key) {

@@ -1,4 +1,4 @@
-/// A configuration that records what it is asked and answers what a test tells it to.
+/// A configuration that records its calls and returns what a test tells it to.
 #pragma once
 
 #include <connector/configuration/Configuration.hpp>
@@ -12,7 +12,7 @@
 
 namespace test {
 
-/// Operations that no test scripts throw std::logic_error: the service has no business there.
+/// An operation without a script throws std::logic_error, because the service must not call it.
 class ScriptedConfiguration : public connector::configuration::Configuration {
 public:
     template <typename T>

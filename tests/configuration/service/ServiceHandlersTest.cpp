@@ -1,4 +1,4 @@
-/// What each handler asks of the configuration, and how it answers.
+/// The calls that each handler makes to the configuration, and its reply.
 #include "configuration/service/Messages.hpp"
 #include "configuration/service/ScriptedConfiguration.hpp"
 #include "support/Expect.hpp"
@@ -30,7 +30,7 @@ using testing::IsEmpty;
 
 class ServiceHandlers : public testing::Test {
 protected:
-    /// Calls the handler, as somebody may who does not care whether the service runs.
+    /// Calls the handler directly, which works whether or not the service runs.
     template <typename Request, typename... Arguments>
     Reply handle(Arguments&&... arguments) {
         return provider->handle(std::make_unique<Request>(std::forward<Arguments>(arguments)...),
@@ -48,31 +48,31 @@ using SetHandler = ServiceHandlers;
 using KeysHandler = ServiceHandlers;
 using AddPropertyFileSourceHandler = ServiceHandlers;
 
-TEST_F(GetHandler, AsksWhetherThereIsSuchAnOptionAndThenForIt) {
+TEST_F(GetHandler, CallsHasAndThenGetOption) {
     configuration->onHas = [] { return makeReadyFuture(true); };
     configuration->onGetOption = [] { return makeReadyFuture(Option{"given", "table", 7}); };
     const Option option = optionIn(handle<ConfigurationGet>("asked"));
     EXPECT_THAT(configuration->calls, ElementsAre("has(asked)", "getOption(asked)"));
-    EXPECT_EQ("given", option.key) << "everything is what getOption gave";
+    EXPECT_EQ("given", option.key) << "as getOption returned it";
     EXPECT_EQ("table", option.source);
     EXPECT_EQ(7, boost::get<int>(option.value));
 }
 
-TEST_F(GetHandler, DoesNotAskForAnOptionThatIsNotThere) {
+TEST_F(GetHandler, DoesNotCallGetOptionForAMissingOption) {
     configuration->onHas = [] { return makeReadyFuture(false); };
     const MessagePtr reply = handle<ConfigurationGet>("key").get();
     EXPECT_EQ(nullptr, test::as<ConfigurationOptionResponse>(reply).option);
     EXPECT_THAT(configuration->calls, ElementsAre("has(key)"));
 }
 
-TEST_F(GetHandler, ThrowsWhatHasFailedWith) {
+TEST_F(GetHandler, ThrowsTheFailureOfHas) {
     configuration->onHas = [] { return makeFailedFuture<bool>(std::domain_error("no answer")); };
     expectThrows<std::domain_error>("no answer", [&] { handle<ConfigurationGet>("key"); });
     EXPECT_THAT(configuration->calls, ElementsAre("has(key)"));
 }
 
-/// As when another thread takes the option away between the two questions.
-TEST_F(GetHandler, ThrowsWhatGetOptionFailedWith) {
+/// For example, another thread removed the option between the two calls.
+TEST_F(GetHandler, ThrowsTheFailureOfGetOption) {
     configuration->onHas = [] { return makeReadyFuture(true); };
     configuration->onGetOption = [] {
         return makeFailedFuture<Option>(
@@ -87,7 +87,7 @@ TEST_F(GetHandler, ThrowsWhatTheConfigurationThrows) {
     expectThrows<std::range_error>("broken", [&] { handle<ConfigurationGet>("key"); });
 }
 
-TEST_F(GetHandler, WaitsForAnAnswerThatIsNotThereYet) {
+TEST_F(GetHandler, WaitsForAPendingFuture) {
     connector::Promise<bool> answer;
     connector::Promise<bool> asked;
     configuration->onHas = [&] {
@@ -103,7 +103,7 @@ TEST_F(GetHandler, WaitsForAnAnswerThatIsNotThereYet) {
     EXPECT_EQ(nullptr, test::as<ConfigurationOptionResponse>(reply).option);
 }
 
-TEST_F(GetHandler, LetsGoOfTheFutures) {
+TEST_F(GetHandler, ReleasesTheFutures) {
     const auto state = std::make_shared<connector::detail::SharedFutureState<bool>>();
     state->setValue(false);
     configuration->onHas = [&] { return connector::Future<bool>(state); };
@@ -111,17 +111,17 @@ TEST_F(GetHandler, LetsGoOfTheFutures) {
     EXPECT_EQ(1, state.use_count());
 }
 
-TEST_F(SetHandler, WithoutASourceNamesNone) {
+TEST_F(SetHandler, WithoutASourceRepliesWithoutASource) {
     configuration->onSet = [] { return makeReadyFuture<OptionValue>(7); };
     const Option option = optionIn(handle<ConfigurationSet>("key", 8, ""));
     EXPECT_THAT(configuration->calls, ElementsAre("set(key)"));
     EXPECT_TRUE(configuration->written == std::vector<OptionValue>{8});
     EXPECT_EQ("key", option.key);
-    EXPECT_EQ("", option.source) << "whichever source took the value";
-    EXPECT_EQ(7, boost::get<int>(option.value)) << "what set answered, not what was sent";
+    EXPECT_EQ("", option.source) << "even though some source took the value";
+    EXPECT_EQ(7, boost::get<int>(option.value)) << "what set returned, not what was sent";
 }
 
-TEST_F(SetHandler, WithASourceNamesIt) {
+TEST_F(SetHandler, WithASourceRepliesWithThatSource) {
     configuration->onSet = [] { return makeReadyFuture<OptionValue>(7); };
     const Option option = optionIn(handle<ConfigurationSet>("key", 8, "table"));
     EXPECT_THAT(configuration->calls, ElementsAre("set(key, table)"));
@@ -142,7 +142,7 @@ TEST_F(SetHandler, CopiesTheValueOutOfTheRequest) {
     EXPECT_EQ("table", request->source);
 }
 
-TEST_F(SetHandler, ThrowsWhatSetFailedWith) {
+TEST_F(SetHandler, ThrowsTheFailureOfSet) {
     configuration->onSet = [] {
         return makeFailedFuture<OptionValue>(
             std::runtime_error("No writable configuration source for key: key"));
@@ -152,7 +152,7 @@ TEST_F(SetHandler, ThrowsWhatSetFailedWith) {
     EXPECT_THAT(configuration->calls, ElementsAre("set(key)"));
 }
 
-TEST_F(SetHandler, WithASourceThrowsWhatSetFailedWith) {
+TEST_F(SetHandler, WithASourceThrowsTheFailureOfSet) {
     configuration->onSet = [] {
         return makeFailedFuture<OptionValue>(std::domain_error("not there"));
     };
@@ -160,18 +160,18 @@ TEST_F(SetHandler, WithASourceThrowsWhatSetFailedWith) {
                                     [&] { handle<ConfigurationSet>("key", 8, "table"); });
 }
 
-TEST_F(KeysHandler, AnswersWithTheKeys) {
+TEST_F(KeysHandler, RepliesWithTheKeys) {
     configuration->onKeys = [] { return makeReadyFuture(std::set<std::string>{"b", "a"}); };
     EXPECT_THAT(test::keysIn(handle<ConfigurationKeys>()), ElementsAre("a", "b"));
     EXPECT_THAT(configuration->calls, ElementsAre("keys()"));
 }
 
-TEST_F(KeysHandler, AnswersWithAnEmptySetWhenThereAreNone) {
+TEST_F(KeysHandler, RepliesWithAnEmptySetWhenThereAreNoKeys) {
     configuration->onKeys = [] { return makeReadyFuture(std::set<std::string>()); };
     EXPECT_THAT(test::keysIn(handle<ConfigurationKeys>()), IsEmpty());
 }
 
-TEST_F(KeysHandler, DoesNotReadTheStringOfTheRequest) {
+TEST_F(KeysHandler, IgnoresTheReservedString) {
     configuration->onKeys = [] { return makeReadyFuture(std::set<std::string>{"a", "b"}); };
     auto request = std::make_unique<ConfigurationKeys>();
     request->reserved = "a";
@@ -179,14 +179,14 @@ TEST_F(KeysHandler, DoesNotReadTheStringOfTheRequest) {
     EXPECT_THAT(test::keysIn(std::move(reply)), ElementsAre("a", "b"));
 }
 
-TEST_F(KeysHandler, ThrowsWhatKeysFailedWith) {
+TEST_F(KeysHandler, ThrowsTheFailureOfKeys) {
     configuration->onKeys = [] {
         return makeFailedFuture<std::set<std::string>>(std::domain_error("unknown"));
     };
     expectThrows<std::domain_error>("unknown", [&] { handle<ConfigurationKeys>(); });
 }
 
-TEST_F(AddPropertyFileSourceHandler, PassesEveryFieldOn) {
+TEST_F(AddPropertyFileSourceHandler, PassesEveryField) {
     configuration->onAddPropertyFileSource = [] { return makeReadyFuture(true); };
     handle<AddPropertyFileSource>("site", "net", -3, true, u"/etc/\u00e4");
     handle<AddPropertyFileSource>("other", "", 2147483647, false, u"");
@@ -195,20 +195,20 @@ TEST_F(AddPropertyFileSourceHandler, PassesEveryFieldOn) {
                             "addPropertyFileSource(other, , 2147483647, false, )"));
 }
 
-TEST_F(AddPropertyFileSourceHandler, AnswersWithABareMessage) {
+TEST_F(AddPropertyFileSourceHandler, RepliesWithABareMessage) {
     configuration->onAddPropertyFileSource = [] { return makeReadyFuture(true); };
     const MessagePtr reply = handle<AddPropertyFileSource>("site", "", 5, true, u"path").get();
     EXPECT_EQ(typeid(Message).name(), test::classOf(reply));
 }
 
-/// The requester learns only that nothing was thrown; that is intended.
-TEST_F(AddPropertyFileSourceHandler, AnswersTheSameWhenNothingWasAdded) {
+/// The reply says only that nothing was thrown. This is deliberate.
+TEST_F(AddPropertyFileSourceHandler, RepliesTheSameWhenNothingWasAdded) {
     configuration->onAddPropertyFileSource = [] { return makeReadyFuture(false); };
     const MessagePtr reply = handle<AddPropertyFileSource>("site", "", 5, true, u"path").get();
     EXPECT_EQ(typeid(Message).name(), test::classOf(reply));
 }
 
-TEST_F(AddPropertyFileSourceHandler, ThrowsWhatTheRegistrationFailedWith) {
+TEST_F(AddPropertyFileSourceHandler, ThrowsTheFailureOfTheRegistration) {
     configuration->onAddPropertyFileSource = [] {
         return makeFailedFuture<bool>(
             std::invalid_argument("Source with the requested name already exists: site"));
@@ -230,25 +230,25 @@ TEST_F(ServiceHandlers, LeaveRequestAddressAndContextWithTheCaller) {
     EXPECT_EQ(1, context.use_count());
 }
 
-TEST_F(ServiceHandlers, CalledWithNothingThrow) {
+TEST_F(ServiceHandlers, ThrowForANullRequest) {
     const std::string text = "A handler needs a request.";
-    const auto callWithNothing = [&](auto request) {
+    const auto callWithNull = [&](auto request) {
         expectThrows<std::invalid_argument>(
             text, [&] { provider->handle(std::move(request), Address(), nullptr); });
     };
-    callWithNothing(std::unique_ptr<ConfigurationGet>());
-    callWithNothing(std::unique_ptr<ConfigurationSet>());
-    callWithNothing(std::unique_ptr<ConfigurationKeys>());
-    callWithNothing(std::unique_ptr<AddPropertyFileSource>());
+    callWithNull(std::unique_ptr<ConfigurationGet>());
+    callWithNull(std::unique_ptr<ConfigurationSet>());
+    callWithNull(std::unique_ptr<ConfigurationKeys>());
+    callWithNull(std::unique_ptr<AddPropertyFileSource>());
     EXPECT_THAT(configuration->calls, IsEmpty());
 }
 
-TEST(ConfigurationServiceProviderImpl, NeedsAConfiguration) {
+TEST(ConfigurationServiceProviderImpl, RequiresAConfiguration) {
     expectThrows<std::invalid_argument>("A configuration service needs a configuration.",
                                         [] { ConfigurationServiceProviderImpl{nullptr}; });
 }
 
-TEST(ConfigurationServiceProviderImpl, KeepsTheConfigurationAliveForAsLongAsItLives) {
+TEST(ConfigurationServiceProviderImpl, KeepsTheConfigurationAlive) {
     auto configuration = std::make_shared<test::ScriptedConfiguration>();
     const std::weak_ptr<Configuration> observer = configuration;
     auto provider = std::make_unique<ConfigurationServiceProviderImpl>(std::move(configuration));
@@ -257,7 +257,7 @@ TEST(ConfigurationServiceProviderImpl, KeepsTheConfigurationAliveForAsLongAsItLi
     EXPECT_TRUE(observer.expired());
 }
 
-TEST(ConfigurationServiceProviderImpl, DoesNothingWithTheConfigurationToStartOrStop) {
+TEST(ConfigurationServiceProviderImpl, StartsAndStopsWithoutACallOfTheConfiguration) {
     const auto configuration = std::make_shared<test::ScriptedConfiguration>();
     ConfigurationServiceProviderImpl provider(configuration);
     provider.start();

@@ -1,4 +1,4 @@
-/// The shape of the provider: what frameworks and applications are compiled against.
+/// The binary interface of the provider, against which frameworks and applications are compiled.
 #include "configuration/service/RecordingProvider.hpp"
 #include "support/Slots.hpp"
 
@@ -37,7 +37,7 @@ template <typename Message>
 using Operation = Reply (ConfigurationServiceProvider::*)(std::unique_ptr<Message>&&, Address&&,
                                                           std::shared_ptr<Context>&&);
 
-// Naming an operation with its whole type makes sure that the class has it.
+// Each of these compiles only if the operation has exactly this type.
 Reply (ServiceProvider::*const dispatch)(MessagePtr&&, Address&&,
                                          std::shared_ptr<Context>&&) = &ServiceProvider::dispatch;
 const Operation<ConfigurationGet> handleGet = &ConfigurationServiceProvider::handle;
@@ -45,18 +45,18 @@ const Operation<ConfigurationSet> handleSet = &ConfigurationServiceProvider::han
 const Operation<ConfigurationKeys> handleKeys = &ConfigurationServiceProvider::handle;
 const Operation<AddPropertyFileSource> handleAdd = &ConfigurationServiceProvider::handle;
 
-/// Opens the hooks.
-class Open : public ConfigurationServiceProviderImpl {
+/// Exposes the protected hooks.
+class ExposedHooks : public ConfigurationServiceProviderImpl {
 public:
-    using Hook = void (Open::*)();
-    static Hook startHook() { return &Open::onStart; }
-    static Hook stopHook() { return &Open::onStop; }
+    using Hook = void (ExposedHooks::*)();
+    static Hook startHook() { return &ExposedHooks::onStart; }
+    static Hook stopHook() { return &ExposedHooks::onStop; }
 };
 
 #ifdef TEST_SLOTS_ARE_KNOWN
 TEST(ConfigurationServiceProvider, KeepsItsOperationsInTheirSlots) {
-    EXPECT_EQ(2u, test::slotOf(Open::startHook())); // after the two destructors
-    EXPECT_EQ(3u, test::slotOf(Open::stopHook()));
+    EXPECT_EQ(2u, test::slotOf(ExposedHooks::startHook())); // after the two destructors
+    EXPECT_EQ(3u, test::slotOf(ExposedHooks::stopHook()));
     EXPECT_EQ(4u, test::slotOf(dispatch));
     EXPECT_EQ(5u, test::slotOf(handleGet));
     EXPECT_EQ(6u, test::slotOf(handleSet));
@@ -67,19 +67,19 @@ TEST(ConfigurationServiceProvider, KeepsItsOperationsInTheirSlots) {
 
 TEST(ConfigurationServiceProvider, IsCalledThroughPointersToItsOperations) {
     const auto provider = std::make_shared<test::RecordingProvider>();
-    ConfigurationServiceProvider& face = *provider;
-    ((face).*handleGet)(std::make_unique<ConfigurationGet>("key"), Address(), nullptr);
-    ((face).*handleSet)(std::make_unique<ConfigurationSet>("key", 7, ""), Address(), nullptr);
-    ((face).*handleKeys)(std::make_unique<ConfigurationKeys>(), Address(), nullptr);
-    ((face).*handleAdd)(std::make_unique<AddPropertyFileSource>("s", "", 5, true, u""), Address(),
+    ConfigurationServiceProvider& base = *provider;
+    ((base).*handleGet)(std::make_unique<ConfigurationGet>("key"), Address(), nullptr);
+    ((base).*handleSet)(std::make_unique<ConfigurationSet>("key", 7, ""), Address(), nullptr);
+    ((base).*handleKeys)(std::make_unique<ConfigurationKeys>(), Address(), nullptr);
+    ((base).*handleAdd)(std::make_unique<AddPropertyFileSource>("s", "", 5, true, u""), Address(),
                         nullptr);
-    ((face).*dispatch)(std::make_unique<ConfigurationGet>("key"), Address(), nullptr);
+    ((base).*dispatch)(std::make_unique<ConfigurationGet>("key"), Address(), nullptr);
     EXPECT_EQ((std::vector<std::string>{"Get", "Set", "Keys", "AddPropertyFileSource"}),
               provider->calls)
-        << "dispatch refuses, because the service does not run";
+        << "dispatch fails, because the service is not running";
 }
 
-TEST(ConfigurationServiceProvider, BeginsWithItsFrameworkFace) {
+TEST(ConfigurationServiceProvider, HasLifecycleAsItsFirstBase) {
     const auto provider = std::make_shared<test::RecordingProvider>();
     EXPECT_EQ(static_cast<void*>(provider.get()),
               static_cast<void*>(static_cast<Lifecycle*>(provider.get())));

@@ -1,4 +1,4 @@
-/// The service in front of a real configuration.
+/// The service with a real configuration.
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/service/Messages.hpp"
 #include "support/Expect.hpp"
@@ -53,7 +53,7 @@ public:
         ("service-with-configuration-test-" + std::to_string(::getpid()) + ".properties");
 };
 
-TEST_F(ServiceWithConfiguration, AnswersAGetWithTheOption) {
+TEST_F(ServiceWithConfiguration, RepliesToAGetWithTheOption) {
     configuration->addInMemorySource("table", "net", 5, true, {{"port", 80}});
     const Option option = optionIn(send<ConfigurationGet>(*provider, "net.port"));
     EXPECT_EQ("net.port", option.key);
@@ -61,12 +61,12 @@ TEST_F(ServiceWithConfiguration, AnswersAGetWithTheOption) {
     EXPECT_EQ(80, boost::get<int>(option.value));
 }
 
-TEST_F(ServiceWithConfiguration, AnswersAGetOfAnAbsentKeyWithoutAnOption) {
+TEST_F(ServiceWithConfiguration, RepliesToAGetOfAMissingKeyWithoutAnOption) {
     EXPECT_TRUE(hasNoOption("net.port"));
     EXPECT_TRUE(hasNoOption(""));
 }
 
-TEST_F(ServiceWithConfiguration, AnswersASetWithoutASourceNameAlthoughASourceTookIt) {
+TEST_F(ServiceWithConfiguration, RepliesToASetWithoutASourceNameEvenThoughASourceTookIt) {
     const Option option = optionIn(send<ConfigurationSet>(*provider, "port", 80, ""));
     EXPECT_EQ("port", option.key);
     EXPECT_EQ("", option.source);
@@ -74,7 +74,7 @@ TEST_F(ServiceWithConfiguration, AnswersASetWithoutASourceNameAlthoughASourceToo
     EXPECT_EQ("override", configuration->getOption("port").get().source);
 }
 
-TEST_F(ServiceWithConfiguration, AnswersASecondSetWithThePreviousValue) {
+TEST_F(ServiceWithConfiguration, RepliesToASecondSetWithThePreviousValue) {
     send<ConfigurationSet>(*provider, "port", 80, "").get();
     const Option option = optionIn(send<ConfigurationSet>(*provider, "port", 81, ""));
     EXPECT_EQ(80, boost::get<int>(option.value));
@@ -87,20 +87,20 @@ TEST_F(ServiceWithConfiguration, SetsInTheNamedSource) {
     EXPECT_EQ("default", configuration->getOption("port").get().source);
 }
 
-TEST_F(ServiceWithConfiguration, TellsTheWatchersOfASet) {
+TEST_F(ServiceWithConfiguration, NotifiesSubscribersOfASet) {
     const auto subscriber = test::watch(*configuration, "port");
     send<ConfigurationSet>(*provider, "port", 80, "");
     EXPECT_THAT(subscriber->values(), ElementsAre(80));
 }
 
-TEST_F(ServiceWithConfiguration, ThrowsForASetThatNoSourceTakes) {
+TEST_F(ServiceWithConfiguration, ThrowsForASetWithoutAWritableSource) {
     configuration->removeSource("override");
     configuration->removeSource("default");
     expectThrows<std::runtime_error>("No writable configuration source for key: port",
                                      [&] { send<ConfigurationSet>(*provider, "port", 80, ""); });
 }
 
-TEST_F(ServiceWithConfiguration, ThrowsForASetInASourceThatIsReadOnly) {
+TEST_F(ServiceWithConfiguration, ThrowsForASetInAReadOnlySource) {
     configuration->addInMemorySource("table", "", 5, true, {});
     expectThrows<std::runtime_error>("Source not found or not writable: port, table", [&] {
         send<ConfigurationSet>(*provider, "port", 80, "table");
@@ -147,18 +147,18 @@ TEST_F(ServiceWithConfiguration, ThrowsForASourceNameThatIsTaken) {
         });
 }
 
-TEST_F(ServiceWithConfiguration, ServesAfterAFailure) {
-    EXPECT_ANY_THROW(send<ConfigurationSet>(*provider, "port", 80, "nowhere"));
+TEST_F(ServiceWithConfiguration, WorksAfterAFailure) {
+    EXPECT_ANY_THROW(send<ConfigurationSet>(*provider, "port", 80, "unknown"));
     EXPECT_TRUE(hasNoOption("port"));
 }
 
-TEST_F(ServiceWithConfiguration, LeavesTheConfigurationAloneWhileItDoesNotRun) {
+TEST_F(ServiceWithConfiguration, DoesNotCallTheConfigurationWhileNotRunning) {
     provider->stop();
     send<ConfigurationSet>(*provider, "port", 80, "");
     EXPECT_FALSE(configuration->has("port").get());
 }
 
-TEST_F(ServiceWithConfiguration, ServesManyThreads) {
+TEST_F(ServiceWithConfiguration, ServesSeveralThreads) {
     constexpr int threads = 4;
     constexpr int rounds = 50;
     std::vector<std::thread> senders;

@@ -1,4 +1,4 @@
-/// The interface of sources, as other libraries are compiled against it.
+/// The binary interface of sources, against which other libraries are compiled.
 
 #include "support/Slots.hpp"
 
@@ -23,8 +23,8 @@ using connector::configuration::PropertyFileSource;
 } // namespace
 
 #ifdef TEST_SLOTS_ARE_KNOWN
-TEST(ConfigurationSource, HasItsOperationsInTheOrderOfTheBinaryInterface) {
-    EXPECT_EQ(2u, slotOf(&ConfigurationSource::get)); // behind the two destructors
+TEST(ConfigurationSource, KeepsItsOperationsInTheirSlots) {
+    EXPECT_EQ(2u, slotOf(&ConfigurationSource::get)); // after the two destructors
     EXPECT_EQ(3u, slotOf(&ConfigurationSource::set));
     EXPECT_EQ(4u, slotOf(&ConfigurationSource::has));
     EXPECT_EQ(5u, slotOf(&ConfigurationSource::setWatcher));
@@ -38,7 +38,7 @@ TEST(ConfigurationSource, HasNoDataAndOnlyPureOperations) {
     EXPECT_TRUE(std::has_virtual_destructor_v<ConfigurationSource>);
 }
 
-TEST(ConfigurationSource, DeclaresItsOperationsAsCallersAndImplementationsUseThem) {
+TEST(ConfigurationSource, DeclaresItsOperationsWithTheseTypes) {
     using Source = ConfigurationSource;
     using Watcher = std::function<void(const std::string&)>;
     EXPECT_TRUE(
@@ -60,7 +60,7 @@ TEST(ConfigurationSource, IsTheFirstBaseOfBothSources) {
               static_cast<void*>(static_cast<ConfigurationSource*>(propertyFile.get())));
 }
 
-TEST(ConfigurationSource, HandsOutSharedPointersToItselfInBothSources) {
+TEST(ConfigurationSource, ReturnsSharedPointersToItselfInBothSources) {
     const auto inMemory =
         std::make_shared<InMemorySource>(std::unordered_map<std::string, OptionValue>());
     EXPECT_EQ(inMemory, inMemory->shared_from_this());

@@ -1,4 +1,4 @@
-/// What only a source in memory does: writing, and values of every type.
+/// What only InMemorySource does: writing, and values of every type.
 
 #include "support/Expect.hpp"
 
@@ -28,22 +28,21 @@ const int* numbersIn(const OptionValue& value) {
 
 } // namespace
 
-TEST(InMemorySource, TheMapOfInitialValuesIsEmptyAfterwards) {
+TEST(InMemorySource, TheConstructorEmptiesTheMapOfInitialValues) {
     Values values{{"a", 1}, {"b", 2}};
     const InMemorySource source(std::move(values));
-    EXPECT_TRUE(values.empty()); // NOLINT: that it is empty is promised
+    EXPECT_TRUE(values.empty()); // NOLINT: the constructor promises it
 }
 
-TEST(InMemorySource, TheInitialValuesAreAnswered) {
+TEST(InMemorySource, TheInitialValuesAreReturned) {
     const auto source = make({{"b", 2}, {"a", 1}});
     EXPECT_EQ(1, boost::get<int>(source->get("a")));
     EXPECT_EQ(2, boost::get<int>(source->get("b")));
     EXPECT_EQ((std::set<std::string>{"a", "b"}), source->keys());
 }
 
-TEST(InMemorySource, KeysOfAnyBytesAreInTheOrderOfTheirBytes) {
-    // All the ways in which keys can differ: early, late, by a byte that reads as negative or as the
-    // end, by being longer than what both begin with.
+TEST(InMemorySource, KeysOfAnyBytesAreSortedByTheirBytes) {
+    // Keys that differ early or late, in a byte above 0x7F, in a NUL, or only in their length.
     std::set<std::string> keys;
     for (const std::string& beginning : {std::string(), std::string("section.option.")}) {
         keys.clear();
@@ -101,7 +100,7 @@ TEST(InMemorySource, WhatSetTakesSharesNothingWithTheTable) {
     EXPECT_EQ((Numbers{1, 2, 3}), boost::get<Numbers>(source->get("a")));
 }
 
-TEST(InMemorySource, GetAnswersADeepCopyEachTime) {
+TEST(InMemorySource, GetReturnsADeepCopyEachTime) {
     const auto source = make({{"a", Numbers{1, 2, 3}}});
     const OptionValue one = source->get("a");
     const OptionValue other = source->get("a");
@@ -134,7 +133,7 @@ TEST(InMemorySource, ValuesOfAllTypesKeepTheirTypeAndContent) {
     }
 }
 
-TEST(InMemorySource, SetCallsTheWatcherOnceWithTheKeyAlsoForAnEqualValue) {
+TEST(InMemorySource, SetCallsTheWatcherOnceEvenForAnEqualValue) {
     const auto source = make({{"a", 1}});
     std::vector<std::string> watched;
     source->setWatcher([&](const std::string& key) { watched.push_back(key); });
@@ -160,12 +159,12 @@ TEST(InMemorySource, AWatcherMaySetAnotherKey) {
     EXPECT_EQ((std::set<std::string>{"a", "b"}), source->keys());
 }
 
-TEST(InMemorySource, AWatcherThatSetsTheKeyAgainLeavesTheResultOfTheOuterSet) {
+TEST(InMemorySource, AWatcherThatSetsTheKeyAgainDoesNotChangeTheResultOfTheOuterSet) {
     const auto source = make({{"a", 1}});
     int innerResult = 0;
     source->setWatcher([&](const std::string& key) {
         if (innerResult == 0) {
-            innerResult = -1; // before the inner call of this watcher
+            innerResult = -1; // ends the recursion
             innerResult = boost::get<int>(source->set(key, 3));
         }
     });

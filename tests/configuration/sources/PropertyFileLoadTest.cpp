@@ -1,9 +1,9 @@
-/// What the constructor makes of a file, which it reads in larger steps than parseStream.
+/// Loading a file in the constructor, which reads in larger steps than parseStream.
 
-#include "support/TemporaryDirectory.hpp"
 #include "configuration/properties/parsing/Observation.hpp"
 #include "configuration/properties/parsing/ReferenceParser.hpp"
 #include "support/LogCapture.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <connector/configuration/sources/PropertyFileSource.hpp>
 #include <foundation/log/basic_diagnostic_logger.hpp>
@@ -55,12 +55,12 @@ std::string linesOfDifferentKeys(int count) {
     return text;
 }
 
-/// A named pipe, and the end to write to.
+/// A named pipe and its end for writing.
 class Pipe {
 public:
     explicit Pipe(const fs::path& newPath) : path(newPath) {
         if (mkfifo(path.c_str(), 0600) != 0)
-            throw std::runtime_error("cannot make a pipe");
+            throw std::runtime_error("cannot create a pipe");
     }
     /// Waits for a reader.
     void open() { end = ::open(path.c_str(), O_WRONLY); }
@@ -80,7 +80,7 @@ private:
     int end = -1;
 };
 
-/// Loads what `write` writes into a pipe, whose length nobody knows beforehand.
+/// Loads what `write` writes into a pipe, whose size is not known in advance.
 template <typename Write>
 Texts loadFromPipe(const TemporaryDirectory& directory, Write write) {
     Pipe pipe(directory.path / "pipe");
@@ -107,7 +107,7 @@ protected:
     const TemporaryDirectory directory;
 };
 
-TEST_F(PropertyFileLoad, FilesOfAnyNumberOfPropertiesAreWhole) {
+TEST_F(PropertyFileLoad, FilesOfAnyNumberOfPropertiesAreReadCompletely) {
     for (int count = 0; count <= 70; ++count) {
         const Texts options = loadText(linesOfDifferentKeys(count));
         EXPECT_EQ(static_cast<std::size_t>(count), options.size());
@@ -116,7 +116,7 @@ TEST_F(PropertyFileLoad, FilesOfAnyNumberOfPropertiesAreWhole) {
     }
 }
 
-TEST_F(PropertyFileLoad, TheLastOccurrenceWinsHoweverFarTheOthersAre) {
+TEST_F(PropertyFileLoad, TheLastOccurrenceWinsAtAnyDistance) {
     for (int distance = 1; distance <= 70; ++distance) {
         const std::string between = linesOfDifferentKeys(distance - 1);
         for (const char* before : {"", "x=y\n"}) {
@@ -141,7 +141,7 @@ TEST_F(PropertyFileLoad, AnUnfinishedLastLineIsKeptOrLostAfterAnyNumberOfPropert
     }
 }
 
-TEST_F(PropertyFileLoad, NothingDependsOnWhereTheFileIsCut) {
+TEST_F(PropertyFileLoad, PositionsOfBufferBoundariesMakeNoDifference) {
     const std::string sample = "# c\r\nk\\u00e9y\\=s : v\\u20acl\\\r\n   ue \\\n\n  x\r\r\n"
                                "a=b\r\nc = d\n e\n! f\ng\nh\ti\\\\\n";
     for (const std::size_t cut : {4096u, 8191u, 8192u, 65536u}) {
@@ -160,7 +160,7 @@ TEST_F(PropertyFileLoad, LinesOfAnyLengthAreRead) {
     }
 }
 
-TEST_F(PropertyFileLoad, RandomFilesAreReadAsCharacterByCharacter) {
+TEST_F(PropertyFileLoad, RandomFilesAreReadAsByTheReference) {
     const std::string pieces[] = {"a",       "b",
                                   "key",     "=",
                                   ":",       " ",
@@ -173,19 +173,19 @@ TEST_F(PropertyFileLoad, RandomFilesAreReadAsCharacterByCharacter) {
                                   "=1\n",    " : 2\r\n",
                                   "\\u00e9", std::string(1, '\0'),
                                   "\xC3"};
-    std::mt19937 dice(1);
+    std::mt19937 random(1);
     for (int round = 0; round < 500; ++round) {
         std::string text;
-        for (std::size_t count = dice() % 400; count > 0; --count)
-            text += pieces[dice() % std::size(pieces)];
+        for (std::size_t count = random() % 400; count > 0; --count)
+            text += pieces[random() % std::size(pieces)];
         SCOPED_TRACE(testing::PrintToString(text));
         expectSameAsReference(text);
         if (HasFailure())
-            return; // one file is enough to look into
+            return; // one failing file is enough
     }
 }
 
-TEST_F(PropertyFileLoad, AFileWhoseBeginningPromisesTooMuchOrTooLittleIsRead) {
+TEST_F(PropertyFileLoad, AFileWithAMisleadingBeginningIsRead) {
     const std::string longLine = "long=" + std::string(200000, 'x') + "\n";
     expectSameAsReference(linesOfDifferentKeys(40) + longLine);
     expectSameAsReference(longLine + linesOfDifferentKeys(5000));
@@ -198,7 +198,7 @@ TEST_F(PropertyFileLoad, APipeIsRead) {
               loadFromPipe(directory, [&](Pipe& pipe) { pipe.write(text); }));
 }
 
-TEST_F(PropertyFileLoad, APipeThatBringsItsTextInBitsIsRead) {
+TEST_F(PropertyFileLoad, APipeThatSuppliesSingleCharactersIsRead) {
     const std::string text = "a\\u00e9=b\\\r\n c\r\nd = e\r\n";
     EXPECT_EQ((Texts{{"a\xC3\xA9", "bc"}, {"d", "e"}}), loadFromPipe(directory, [&](Pipe& pipe) {
                   for (const char c : text) {
@@ -208,12 +208,12 @@ TEST_F(PropertyFileLoad, APipeThatBringsItsTextInBitsIsRead) {
               }));
 }
 
-TEST_F(PropertyFileLoad, AFileThatIsLongerThanItSaysIsRead) {
+TEST_F(PropertyFileLoad, AFileThatIsLongerThanItsReportedSizeIsRead) {
     ASSERT_EQ(0u, fs::file_size("/proc/self/status"));
     EXPECT_EQ(1u, load("/proc/self/status").count("Pid"));
 }
 
-TEST_F(PropertyFileLoad, EveryPropertyIsALineOfTheLogInTheOrderOfTheFile) {
+TEST_F(PropertyFileLoad, EveryPropertyIsLoggedInTheOrderOfTheFile) {
     const PropertyFileLog log;
     std::vector<std::string> expected;
     for (int i = 0; i < 70; ++i) {
@@ -236,7 +236,7 @@ TEST_F(PropertyFileLoad, TheLogMayBeSwitchedOffInTheMiddleOfAFile) {
     EXPECT_EQ(20, lines);
 }
 
-TEST_F(PropertyFileLoad, WhatComesAfterTheLogIsSwitchedOnReplacesWhatCameBefore) {
+TEST_F(PropertyFileLoad, PropertiesReadAfterTheLogIsSwitchedOnReplaceEarlierOnes) {
     const LogCapture log;
     const Texts options = loadFromPipe(directory, [](Pipe& pipe) {
         pipe.write("a=before\nb=before\n");
@@ -248,7 +248,7 @@ TEST_F(PropertyFileLoad, WhatComesAfterTheLogIsSwitchedOnReplacesWhatCameBefore)
     EXPECT_EQ("Parsed property: a = after", log.lines().back());
 }
 
-TEST_F(PropertyFileLoad, WhatASinkThrowsLeavesTheConstructor) {
+TEST_F(PropertyFileLoad, TheConstructorThrowsWhatASinkThrows) {
     const LogCapture log([](const LogRecord&) { throw std::domain_error("sink"); });
     foundation::log::set_diagnostic_mask(loggerName, 16);
     EXPECT_THROW(loadText("a=b\n"), std::domain_error);

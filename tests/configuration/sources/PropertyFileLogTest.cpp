@@ -1,9 +1,9 @@
-/// The lines that property files leave in the log.
+/// The diagnostic lines of property files.
 
-#include "support/TemporaryDirectory.hpp"
 #include "configuration/properties/parsing/Observation.hpp"
 #include "support/Expect.hpp"
 #include "support/LogCapture.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <connector/configuration/sources/PropertyFileSource.hpp>
 #include <foundation/log/basic_diagnostic_logger.hpp>
@@ -28,7 +28,7 @@ void parse(PropertyFileSource& source, const std::string& text) {
     source.parseStream(stream);
 }
 
-/// Counts the records that are begun, from the first step of their making on.
+/// Counts the log records that are started. The filter runs at the first step of a record.
 class RecordCount {
 public:
     RecordCount() {
@@ -46,7 +46,7 @@ public:
 
 } // namespace
 
-TEST(PropertyFileLog, TheLoggerIsKnownByItsName) {
+TEST(PropertyFileLog, TheLoggerIsFoundByItsName) {
     const auto source = makeEmptyPropertyFileSource();
     EXPECT_TRUE(foundation::log::set_diagnostic_mask(loggerName, 0));
 }
@@ -63,7 +63,7 @@ TEST(PropertyFileLog, ALineHasTheChannelAndSeverityOfPropertyFiles) {
     }
 }
 
-TEST(PropertyFileLog, EachPropertyIsALineAndTheLastWithoutLineBreakIsTheFinalOne) {
+TEST(PropertyFileLog, EachPropertyIsLoggedAndALastOneWithoutALineBreakIsFinal) {
     const auto source = makeEmptyPropertyFileSource();
     const PropertyFileLog log;
     parse(*source, "a=b\nkey = some value\nc=d");
@@ -73,7 +73,7 @@ TEST(PropertyFileLog, EachPropertyIsALineAndTheLastWithoutLineBreakIsTheFinalOne
         log.lines());
 }
 
-TEST(PropertyFileLog, LinesStandInTheOrderOfTheFile) {
+TEST(PropertyFileLog, LinesAreInTheOrderOfTheFile) {
     const auto source = makeEmptyPropertyFileSource();
     const PropertyFileLog log;
     parse(*source, "z=1\na=2\nz=3\n");
@@ -110,7 +110,7 @@ TEST(PropertyFileLog, NothingIsLoggedForWhatIsNotStored) {
     EXPECT_EQ(std::vector<std::string>(), log.lines());
 }
 
-TEST(PropertyFileLog, NothingIsLoggedByAnsweringAndRefusing) {
+TEST(PropertyFileLog, OtherOperationsLogNothing) {
     const auto source = makeEmptyPropertyFileSource();
     parse(*source, "a=b\n");
     const PropertyFileLog log;
@@ -123,14 +123,14 @@ TEST(PropertyFileLog, NothingIsLoggedByAnsweringAndRefusing) {
     EXPECT_EQ(std::vector<std::string>(), log.lines());
 }
 
-TEST(PropertyFileLog, NothingIsComposedAtTheStart) {
+TEST(PropertyFileLog, NoRecordIsStartedByDefault) {
     const RecordCount records;
     const auto source = makeEmptyPropertyFileSource();
     parse(*source, "a=b\nc=d");
     EXPECT_EQ(0, records.count);
 }
 
-TEST(PropertyFileLog, NothingIsComposedWhileItsBitIsOff) {
+TEST(PropertyFileLog, NoRecordIsStartedWhileTheBitIsOff) {
     const auto source = makeEmptyPropertyFileSource();
     const LogCapture log;
     foundation::log::set_diagnostic_mask(loggerName, ~16u);
@@ -140,7 +140,7 @@ TEST(PropertyFileLog, NothingIsComposedWhileItsBitIsOff) {
     EXPECT_EQ((std::map<std::string, std::string>{{"a", "b"}, {"c", "d"}}), optionsOf(*source));
 }
 
-TEST(PropertyFileLog, OneRecordIsComposedForEachPropertyWhileItsBitIsOn) {
+TEST(PropertyFileLog, OneRecordIsStartedForEachPropertyWhileTheBitIsOn) {
     const auto source = makeEmptyPropertyFileSource();
     const PropertyFileLog log;
     const RecordCount records;
@@ -158,7 +158,7 @@ TEST(PropertyFileLog, TheBitMayBeSwitchedOnInTheMiddleOfAFile) {
     EXPECT_EQ((std::vector<std::string>{"Parsed property: b = 2"}), log.lines());
 }
 
-TEST(PropertyFileLog, TheCoresLoggerIsAnother) {
+TEST(PropertyFileLog, TheMaskOfTheCoreLoggerMakesNoDifference) {
     const auto source = makeEmptyPropertyFileSource();
     const LogCapture log;
     foundation::log::set_diagnostic_mask("connector::configuration", ~0u);
@@ -166,7 +166,7 @@ TEST(PropertyFileLog, TheCoresLoggerIsAnother) {
     EXPECT_EQ(std::vector<std::string>(), log.lines());
 }
 
-TEST(PropertyFileLog, WhatASinkThrowsGoesOnAndThePropertyIsStoredButNotWatched) {
+TEST(PropertyFileLog, AThrowingSinkLeavesThePropertyStoredButNotReported) {
     const auto source = makeEmptyPropertyFileSource();
     const LogCapture log([](const LogRecord&) { throw std::domain_error("sink"); });
     foundation::log::set_diagnostic_mask(loggerName, 16);

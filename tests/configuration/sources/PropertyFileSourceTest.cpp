@@ -1,8 +1,8 @@
 /// Property files as files: opening, failing, closing.
 
-#include "support/TemporaryDirectory.hpp"
 #include "configuration/properties/parsing/Observation.hpp"
 #include "support/Expect.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/configuration/sources/PropertyFileSource.hpp>
@@ -77,20 +77,20 @@ TEST_F(PropertyFile, AFileMuchLargerThanAnyBufferIsRead) {
     EXPECT_EQ(expected, optionsOf(*open(directory.write("large", content))));
 }
 
-TEST_F(PropertyFile, ContentThatIsNoTextIsNoError) {
+TEST_F(PropertyFile, BinaryContentIsNotAnError) {
     std::string content;
     for (int i = 0; i < 70000; ++i)
         content += static_cast<char>(i * 7919 >> 4);
     EXPECT_NO_THROW(open(directory.write("binary", content)));
 }
 
-TEST_F(PropertyFile, AllValuesAreEightBitTexts) {
+TEST_F(PropertyFile, AllValuesAreEightBitStrings) {
     const auto source = open(directory.write("types", "a=true\nb=5\nc=1.5\nd=[1]\n"));
     for (const std::string& key : source->keys())
         EXPECT_EQ(5, source->get(key).which()) << key;
 }
 
-TEST_F(PropertyFile, APathOutsideAsciiIsOpened) {
+TEST_F(PropertyFile, ANonAsciiPathIsOpened) {
     const fs::path path = directory.path / fs::u8path(u8"gr\u00f6\u00dfe \u20ac \U0001F600");
     directory.write(path.filename(), "a=b\n");
     EXPECT_EQ((Texts{{"a", "b"}}), optionsOf(*open(path)));
@@ -101,7 +101,7 @@ TEST_F(PropertyFile, ASymbolicLinkIsFollowed) {
     EXPECT_EQ((Texts{{"a", "b"}}), optionsOf(*open(directory.path / "link")));
 }
 
-TEST_F(PropertyFile, ARelativePathIsTakenFromTheCurrentDirectory) {
+TEST_F(PropertyFile, ARelativePathIsResolvedInTheCurrentDirectory) {
     const fs::path path = directory.write("relative", "a=b\n");
     EXPECT_EQ((Texts{{"a", "b"}}), optionsOf(*open(fs::relative(path))));
 }
@@ -110,7 +110,7 @@ TEST_F(PropertyFile, AMissingFileIsNotOpened) {
     expectNotOpened(directory.path / "missing.properties");
 }
 
-TEST_F(PropertyFile, AMissingFileOutsideAsciiIsNamedInUtf8) {
+TEST_F(PropertyFile, AMissingNonAsciiPathIsNamedInUtf8) {
     const fs::path path = directory.path / fs::u8path(u8"\u00e9\u20ac\U0001F600");
     expectThrows<std::runtime_error>(notOpened + directory.path.string() +
                                          "/\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80",
@@ -147,7 +147,7 @@ TEST_F(PropertyFile, AFileUnderAFileIsNotOpened) {
     expectNotOpened(directory.write("file", "a=b\n") / "a.properties");
 }
 
-TEST_F(PropertyFile, ALinkToNothingIsNotOpened) {
+TEST_F(PropertyFile, ADanglingLinkIsNotOpened) {
     fs::create_symlink(directory.path / "missing", directory.path / "link");
     expectNotOpened(directory.path / "link");
 }
@@ -172,7 +172,7 @@ TEST_F(PropertyFile, APathWithNulIsNotOpenedAlthoughItsBeginningNamesAFile) {
     }
 }
 
-TEST_F(PropertyFile, APathThatIsNoUtf16SaysSo) {
+TEST_F(PropertyFile, APathThatIsNotUtf16IsRefused) {
     for (const std::u16string& path : {std::u16string(1, 0xD800), std::u16string(1, 0xDC00),
                                        u"/tmp/" + std::u16string(1, 0xDBFF) + u"x"}) {
         expectThrows<std::runtime_error>("Text is not valid UTF-16",
@@ -180,8 +180,8 @@ TEST_F(PropertyFile, APathThatIsNoUtf16SaysSo) {
     }
 }
 
-TEST_F(PropertyFile, AReadErrorInTheFileIsNoFailure) {
-    // Opens, and then fails at the first read.
+TEST_F(PropertyFile, AReadErrorInTheFileIsNotAFailure) {
+    // This file can be opened, but the first read fails.
     PropertyFileSource source(u"/proc/self/mem");
     EXPECT_EQ(std::set<std::string>(), source.keys());
 }
@@ -229,7 +229,7 @@ TEST_F(PropertyFile, TheFileIsNotWritten) {
     EXPECT_EQ("a=b", std::string(std::istreambuf_iterator<char>(stream), {}));
 }
 
-TEST_F(PropertyFile, AWatcherThatIsSetAfterConstructionIsNotToldOfTheFile) {
+TEST_F(PropertyFile, AWatcherSetAfterConstructionIsNotCalledForTheFile) {
     const auto source = open(directory.write("file", "a=b\n"));
     int calls = 0;
     source->setWatcher([&](const std::string&) { ++calls; });

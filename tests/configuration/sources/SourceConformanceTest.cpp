@@ -1,4 +1,4 @@
-/// What every source does alike. A new kind of source joins by a line at the end.
+/// What all sources of the library have in common. The list at the end names the kinds of sources.
 
 #include "configuration/properties/parsing/Observation.hpp"
 #include "support/Expect.hpp"
@@ -25,7 +25,7 @@ using connector::configuration::PropertyFileSource;
 
 using Texts = std::map<std::string, std::string>;
 
-/// How to make a source of one kind, and how to make it change.
+/// Creates sources of one kind and changes their values.
 struct SourceKind {
     std::string name;
     std::function<std::shared_ptr<ConfigurationSource>(const Texts&)> make;
@@ -85,19 +85,19 @@ TEST_P(SourceConformance, AnEmptySourceHasNoKeys) {
     EXPECT_FALSE(source->has(""));
 }
 
-TEST_P(SourceConformance, GetAnswersTheValueAsAnEightBitText) {
+TEST_P(SourceConformance, GetReturnsTheValueAsAnEightBitString) {
     const OptionValue value = make({{"a", "b"}})->get("a");
     EXPECT_EQ(5, value.which());
     EXPECT_EQ("b", boost::get<std::string>(value));
 }
 
-TEST_P(SourceConformance, GetAnswersTheSameTwice) {
+TEST_P(SourceConformance, GetReturnsTheSameTwice) {
     const auto source = make({{"a", "b"}});
     EXPECT_EQ("b", boost::get<std::string>(source->get("a")));
     EXPECT_EQ("b", boost::get<std::string>(source->get("a")));
 }
 
-TEST_P(SourceConformance, GetAnswersACopyThatSharesNothing) {
+TEST_P(SourceConformance, GetReturnsACopyThatSharesNothing) {
     const auto source = make({{"a", std::string(100, 'b')}});
     OptionValue copy = source->get("a");
     boost::get<std::string>(copy)[0] = 'x';
@@ -110,14 +110,14 @@ TEST_P(SourceConformance, GetOfAMissingKeyThrowsOutOfRange) {
                                     [&] { source->get("missing"); });
 }
 
-TEST_P(SourceConformance, GetOfAMissingKeyDoesNotMakeIt) {
+TEST_P(SourceConformance, GetOfAMissingKeyDoesNotCreateIt) {
     const auto source = make({{"a", "b"}});
     EXPECT_THROW(source->get("missing"), std::out_of_range);
     EXPECT_FALSE(source->has("missing"));
     EXPECT_EQ((std::set<std::string>{"a"}), source->keys());
 }
 
-TEST_P(SourceConformance, HasIsTrueForTheKeysOfTheTableOnly) {
+TEST_P(SourceConformance, HasIsTrueOnlyForKeysOfTheTable) {
     const auto source = make({{"net.port", "1"}, {"net", "2"}});
     EXPECT_TRUE(source->has("net.port"));
     EXPECT_TRUE(source->has("net"));
@@ -149,7 +149,7 @@ TEST_P(SourceConformance, KeysAreSortedByTheirBytes) {
               std::vector<std::string>(keys.begin(), keys.end()));
 }
 
-TEST_P(SourceConformance, KeysAreACopyThatLaterChangesLeaveAlone) {
+TEST_P(SourceConformance, KeysAreACopyThatDoesNotChangeLater) {
     const auto source = make({{"a", "b"}});
     const std::set<std::string> before = source->keys();
     change(*source, "c", "d");
@@ -172,7 +172,7 @@ TEST_P(SourceConformance, ManyKeysAreAllKept) {
     EXPECT_EQ(texts, optionsOf(*make(texts)));
 }
 
-TEST_P(SourceConformance, WithoutWatcherAChangeCallsNothing) {
+TEST_P(SourceConformance, AChangeWithoutAWatcherSucceeds) {
     const auto source = make({});
     EXPECT_NO_THROW(change(*source, "a", "b"));
     EXPECT_TRUE(source->has("a"));
@@ -186,7 +186,7 @@ TEST_P(SourceConformance, TheWatcherIsCalledWithTheKeyOfEachChange) {
     EXPECT_EQ((std::vector<std::string>{"a", "c"}), watched);
 }
 
-TEST_P(SourceConformance, TheWatcherIsCalledAlsoWhenTheValueStaysTheSame) {
+TEST_P(SourceConformance, TheWatcherIsCalledEvenWhenTheValueStaysTheSame) {
     const auto source = make({{"a", "b"}});
     source->setWatcher(recorder());
     change(*source, "a", "b");
@@ -208,7 +208,7 @@ TEST_P(SourceConformance, TheWatcherIsNotCalledByReading) {
     EXPECT_EQ(std::vector<std::string>(), watched);
 }
 
-TEST_P(SourceConformance, TheWatcherFindsTheNewValueInPlace) {
+TEST_P(SourceConformance, TheWatcherSeesTheNewValue) {
     const auto source = make({{"a", "b"}});
     std::string seen;
     source->setWatcher([&](const std::string& key) {
@@ -238,7 +238,7 @@ TEST_P(SourceConformance, AReplacedWatcherIsDestroyed) {
     EXPECT_TRUE(observed.expired());
 }
 
-TEST_P(SourceConformance, AnEmptyWatcherSwitchesNotificationOff) {
+TEST_P(SourceConformance, AnEmptyWatcherDisablesNotification) {
     const auto source = make({});
     source->setWatcher(recorder());
     source->setWatcher(ConfigurationSource::Watcher());
@@ -256,7 +256,7 @@ TEST_P(SourceConformance, ASourceThatIsDestroyedDestroysItsWatcher) {
     EXPECT_TRUE(observed.expired());
 }
 
-TEST_P(SourceConformance, WhatTheWatcherThrowsGoesOnAndTheValueIsStored) {
+TEST_P(SourceConformance, AWatcherThatThrowsLeavesTheValueStored) {
     const auto source = make({{"a", "b"}});
     source->setWatcher([](const std::string& key) { throw std::range_error("watcher of " + key); });
     expectThrows<std::range_error>("watcher of a", [&] { change(*source, "a", "x"); });

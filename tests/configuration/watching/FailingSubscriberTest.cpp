@@ -1,4 +1,4 @@
-/// Subscribers that throw: who is told, and who is not harmed.
+/// Subscribers that throw: what is reported, and what is not affected.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
@@ -25,7 +25,7 @@ using test::RecordingSubscriber;
 using test::watch;
 using testing::ElementsAre;
 
-/// Takes the place of std::cerr's buffer, and counts how often it is flushed.
+/// Replaces the buffer of std::cerr, and counts how often it is flushed.
 class CapturedErrors : private std::stringbuf {
 public:
     CapturedErrors() : before(std::cerr.rdbuf(this)) { std::cerr << std::nounitbuf; }
@@ -64,7 +64,7 @@ TEST(FailingSubscriber, IsReportedWithTheKeyInOneLine) {
     EXPECT_EQ(lineForX, errors.text());
 }
 
-TEST(FailingSubscriber, IsReportedAtOnce) {
+TEST(FailingSubscriber, IsReportedWithAFlush) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     watch(*configuration, "x", throwException);
@@ -119,7 +119,7 @@ TEST(FailingSubscriber, IsReportedOncePerStream) {
     EXPECT_EQ(lineForX + lineForX, errors.text());
 }
 
-TEST(FailingSubscriber, DoesNotHarmTheOthers) {
+TEST(FailingSubscriber, DoesNotAffectOtherSubscribers) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     const auto before = watch(*configuration, "x");
@@ -130,7 +130,7 @@ TEST(FailingSubscriber, DoesNotHarmTheOthers) {
     EXPECT_THAT(after->values(), ElementsAre(1));
 }
 
-TEST(FailingSubscriber, DoesNotHarmWhoeverChangesTheOption) {
+TEST(FailingSubscriber, DoesNotAffectTheCallerOfSet) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     watch(*configuration, "x", throwException);
@@ -139,7 +139,7 @@ TEST(FailingSubscriber, DoesNotHarmWhoeverChangesTheOption) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST(FailingSubscriber, IsServedAgainByTheNextChange) {
+TEST(FailingSubscriber, ReceivesTheNextChange) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x", throwException);
@@ -170,7 +170,7 @@ TEST(FailingSubscriber, DoesNotStopTheRemovalOfASource) {
     EXPECT_EQ(lineForX, errors.text());
 }
 
-TEST(FailingSubscriber, IsNotReportedWhenItThrowsToItsOwnRequest) {
+TEST(FailingSubscriber, IsNotReportedWhenItsOwnRequestThrows) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
@@ -179,7 +179,7 @@ TEST(FailingSubscriber, IsNotReportedWhenItThrowsToItsOwnRequest) {
     EXPECT_EQ("", errors.text());
 }
 
-TEST(FailingSubscriber, LeavesNothingToReportWhenItIsWell) {
+TEST(FailingSubscriber, IsTheOnlyCauseOfAReport) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     watch(*configuration, "x");
@@ -202,7 +202,7 @@ TEST(FailingSink, DuringANotificationIsReportedLikeASubscriber) {
         foundation::log::set_diagnostic_mask("connector::configuration", 8);
         configuration->set("x", 1);
     }
-    EXPECT_THAT(first->values(), ElementsAre()); // its line came before its value
+    EXPECT_THAT(first->values(), ElementsAre()); // the sink threw before the value was delivered
     EXPECT_THAT(second->values(), ElementsAre(1));
     EXPECT_EQ(lineForX, errors.text());
 }

@@ -1,4 +1,4 @@
-/// How the stream of a watched option ends, and who outlives whom.
+/// How the stream of a watched option ends, and what may outlive what.
 #include "configuration/Answers.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
@@ -21,7 +21,7 @@ using test::RecordingSubscriber;
 using test::watch;
 using testing::ElementsAre;
 
-TEST(WatchEnd, ByCancellingLeavesTheOthersServed) {
+TEST(WatchEnd, CancellingDoesNotAffectOtherStreams) {
     const auto configuration = makeConfiguration();
     const auto cancelled = watch(*configuration, "x");
     const auto other = watch(*configuration, "x");
@@ -32,7 +32,7 @@ TEST(WatchEnd, ByCancellingLeavesTheOthersServed) {
     EXPECT_THAT(other->values(), ElementsAre(1, 2));
 }
 
-TEST(WatchEnd, ByCancellingTakesTheStreamOutOfTheList) {
+TEST(WatchEnd, CancellingRemovesTheStream) {
     const auto configuration = makeConfiguration();
     const auto publisher = configuration->watchOption("x");
     const auto subscriber = std::make_shared<RecordingSubscriber>();
@@ -44,14 +44,14 @@ TEST(WatchEnd, ByCancellingTakesTheStreamOutOfTheList) {
     EXPECT_EQ(0, subscriber->completions());
 }
 
-TEST(WatchEnd, LetsTheSubscriberGo) {
+TEST(WatchEnd, CancellingReleasesTheSubscriber) {
     const auto configuration = makeConfiguration();
     auto subscriber = watch(*configuration, "x");
     subscriber->cancel();
     EXPECT_EQ(1, subscriber.use_count());
 }
 
-TEST(WatchEnd, ByCancellingOneOfTwoKeepsTheOtherInTheList) {
+TEST(WatchEnd, CancellingOneOfTwoStreamsKeepsTheOther) {
     const auto configuration = makeConfiguration();
     const auto cancelled = watch(*configuration, "x");
     const auto other = configuration->watchOption("x");
@@ -59,17 +59,17 @@ TEST(WatchEnd, ByCancellingOneOfTwoKeepsTheOtherInTheList) {
     EXPECT_GT(other.use_count(), 1);
 }
 
-TEST(WatchEnd, ByCancellingManyKeepsTheOrderOfTheOthers) {
+TEST(WatchEnd, CancellingManyStreamsKeepsTheOrderOfTheOthers) {
     const auto configuration = makeConfiguration();
     std::vector<int> served;
-    std::map<int, std::shared_ptr<RecordingSubscriber>> watchers;
-    const auto addWatcher = [&](int number) {
-        watchers[number] =
+    std::map<int, std::shared_ptr<RecordingSubscriber>> subscribers;
+    const auto addSubscriber = [&](int number) {
+        subscribers[number] =
             watch(*configuration, "x", [&served, number](int) { served.push_back(number); });
     };
     const auto expectAllServed = [&] {
         std::vector<int> numbers;
-        for (const auto& [number, watcher] : watchers)
+        for (const auto& [number, subscriber] : subscribers)
             numbers.push_back(number);
         served.clear();
         configuration->set("x", 1);
@@ -77,17 +77,17 @@ TEST(WatchEnd, ByCancellingManyKeepsTheOrderOfTheOthers) {
     };
     int next = 0;
     while (next < 16)
-        addWatcher(next++);
+        addSubscriber(next++);
     for (const int number : {0, 1, 2, 15, 7, 8, 6, 3, 14, 4, 5, 9, 13, 10, 12, 11}) {
         SCOPED_TRACE(number);
-        watchers.at(number)->cancel();
-        watchers.erase(number);
-        addWatcher(next++);
+        subscribers.at(number)->cancel();
+        subscribers.erase(number);
+        addSubscriber(next++);
         expectAllServed();
     }
-    while (!watchers.empty()) {
-        watchers.begin()->second->cancel();
-        watchers.erase(watchers.begin());
+    while (!subscribers.empty()) {
+        subscribers.begin()->second->cancel();
+        subscribers.erase(subscribers.begin());
         expectAllServed();
     }
 }
@@ -113,7 +113,7 @@ TEST(RemoveStream, OfAnUnknownIdDoesNothing) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
-TEST(RemoveStream, CompletesAStreamThatNobodyElseHolds) {
+TEST(RemoveStream, CompletesAStreamWithoutAnotherOwner) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
     configuration->removeStream(0);
@@ -122,7 +122,7 @@ TEST(RemoveStream, CompletesAStreamThatNobodyElseHolds) {
     EXPECT_THAT(subscriber->values(), ElementsAre());
 }
 
-TEST(RemoveStream, LeavesAStreamThatSomebodyHoldsOpenButWithoutValues) {
+TEST(RemoveStream, LeavesAStreamWithAnotherOwnerOpenButWithoutValues) {
     const auto configuration = makeConfiguration();
     const auto publisher = configuration->watchOption("x");
     const auto subscriber = std::make_shared<RecordingSubscriber>();
@@ -134,7 +134,7 @@ TEST(RemoveStream, LeavesAStreamThatSomebodyHoldsOpenButWithoutValues) {
     EXPECT_THAT(subscriber->values(), ElementsAre());
 }
 
-TEST(WatchEnd, ByTheDestructorCompletesTheStreamsInTheOrderOfTheirCreation) {
+TEST(WatchEnd, DestructionCompletesTheStreamsInTheOrderOfTheirCreation) {
     auto configuration = makeConfiguration();
     std::vector<std::string> order;
     const auto add = [&](const std::string& key, const std::string& name) {
@@ -148,14 +148,14 @@ TEST(WatchEnd, ByTheDestructorCompletesTheStreamsInTheOrderOfTheirCreation) {
     EXPECT_THAT(order, ElementsAre("first", "second", "third", "fourth"));
 }
 
-TEST(WatchEnd, ByTheDestructorResolvesTheCompletionWithTrue) {
+TEST(WatchEnd, DestructionResolvesTheCompletionWithTrue) {
     auto configuration = makeConfiguration();
     auto completion = configuration->watchOption("x")->completionFuture();
     configuration.reset();
     EXPECT_TRUE(completion.get());
 }
 
-TEST(WatchEnd, DoesNotComeToAPublisherThatOutlivesTheConfiguration) {
+TEST(WatchEnd, DestructionDoesNotCompleteAPublisherThatOutlivesIt) {
     auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto publisher = configuration->watchOption("x");
@@ -167,7 +167,7 @@ TEST(WatchEnd, DoesNotComeToAPublisherThatOutlivesTheConfiguration) {
     EXPECT_EQ(1, publisher.use_count());
 }
 
-TEST(WatchEnd, AfterTheConfigurationIsHarmless) {
+TEST(WatchEnd, CancellingAfterTheDestructionIsHarmless) {
     auto configuration = makeConfiguration();
     auto cancelled = configuration->watchOption("x");
     auto dropped = configuration->watchOption("x");
@@ -182,7 +182,7 @@ TEST(WatchEnd, AfterTheConfigurationIsHarmless) {
     EXPECT_EQ(1, other->completions());
 }
 
-TEST(WatchEnd, BeforeTheConfigurationIsHarmless) {
+TEST(WatchEnd, DroppingAPublisherEarlyIsHarmless) {
     const auto configuration = makeConfiguration();
     auto publisher = configuration->watchOption("x");
     configuration->removeStream(0);
@@ -202,7 +202,7 @@ TEST(WatchOption, DoesNotKeepTheConfigurationAlive) {
     EXPECT_TRUE(observer.expired());
 }
 
-TEST(WatchOption, IsKeptByTheConfigurationAlone) {
+TEST(WatchOption, IsKeptAliveByTheConfiguration) {
     const auto configuration = makeConfiguration();
     const std::weak_ptr<ConfigurationImpl::OptionPublisher> observer =
         configuration->watchOption("x");

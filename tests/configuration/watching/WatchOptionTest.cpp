@@ -1,4 +1,4 @@
-/// Which values reach the watchers of an option, and when.
+/// Which values reach the subscribers of an option, and when.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
@@ -22,13 +22,13 @@ using test::ScriptedSource;
 using test::watch;
 using testing::ElementsAre;
 
-TEST(WatchOption, GivesTheEffectiveValueAtOnce) {
+TEST(WatchOption, DeliversTheEffectiveValueAtOnce) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     EXPECT_THAT(watch(*configuration, "x")->values(), ElementsAre(1));
 }
 
-TEST(WatchOption, HoldsTheValueUntilItIsAskedFor) {
+TEST(WatchOption, HoldsTheValueUntilItIsRequested) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x", nullptr, 0);
@@ -37,7 +37,7 @@ TEST(WatchOption, HoldsTheValueUntilItIsAskedFor) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
-TEST(WatchOption, HoldsTheValueUntilSomebodySubscribes) {
+TEST(WatchOption, HoldsTheValueUntilASubscription) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto publisher = configuration->watchOption("x");
@@ -47,7 +47,7 @@ TEST(WatchOption, HoldsTheValueUntilSomebodySubscribes) {
     EXPECT_THAT(subscriber->values(), ElementsAre(2));
 }
 
-TEST(WatchOption, KeepsTheNewestUndeliveredValueOnly) {
+TEST(WatchOption, KeepsOnlyTheNewestUndeliveredValue) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x", nullptr, 1);
@@ -60,7 +60,7 @@ TEST(WatchOption, KeepsTheNewestUndeliveredValueOnly) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 4, 5));
 }
 
-TEST(WatchOption, OfAKeyWithoutAValueWaitsForTheFirst) {
+TEST(WatchOption, OfAKeyWithoutAValueDeliversTheFirstOne) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
     EXPECT_THAT(subscriber->values(), ElementsAre());
@@ -83,7 +83,7 @@ TEST(WatchOption, DeliversTheSameValueAgain) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
 }
 
-TEST(WatchOption, DeliversTheEffectiveValueWhenALowerSourceChanges) {
+TEST(WatchOption, DeliversTheEffectiveValueWhenAHiddenSourceChanges) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x");
@@ -91,23 +91,23 @@ TEST(WatchOption, DeliversTheEffectiveValueWhenALowerSourceChanges) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
 }
 
-TEST(WatchOption, DeliversTheEffectiveValueWhenALowerSourceIsAdded) {
+TEST(WatchOption, DeliversTheEffectiveValueWhenAHiddenSourceIsAdded) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x");
-    configuration->addInMemorySource("lower", "", 5, false, {{"x", 2}});
+    configuration->addInMemorySource("hidden", "", 5, false, {{"x", 2}});
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
 }
 
-TEST(WatchOption, DeliversTheValueOfAHigherSourceThatIsAdded) {
+TEST(WatchOption, DeliversTheValueOfAnAddedSourceThatIsConsultedFirst) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x");
-    configuration->addInMemorySource("higher", "", -1, true, {{"x", 2}});
+    configuration->addInMemorySource("first", "", -1, true, {{"x", 2}});
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
 }
 
-TEST(WatchOption, IsNotTouchedByASourceWithoutTheKey) {
+TEST(WatchOption, IsNotNotifiedOfASourceWithoutTheKey) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x");
@@ -116,7 +116,7 @@ TEST(WatchOption, IsNotTouchedByASourceWithoutTheKey) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
-TEST(WatchOption, FollowsItsOwnKeyOnly) {
+TEST(WatchOption, FollowsOnlyItsOwnKey) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
     for (const std::string key : {"X", "x.", "xx", "", "net.x"})
@@ -135,7 +135,7 @@ TEST(WatchOption, FollowsTheKeyWithItsGroup) {
     EXPECT_THAT(bare->values(), ElementsAre());
 }
 
-TEST(WatchOption, MakesAStreamOfItsOwnEachTime) {
+TEST(WatchOption, CreatesANewStreamEachTime) {
     const auto configuration = makeConfiguration();
     EXPECT_NE(configuration->watchOption("x"), configuration->watchOption("x"));
     const auto first = watch(*configuration, "x");
@@ -146,7 +146,7 @@ TEST(WatchOption, MakesAStreamOfItsOwnEachTime) {
     EXPECT_THAT(second->values(), ElementsAre(1, 2));
 }
 
-TEST(WatchOption, ServesTheStreamsInTheOrderOfTheirCreation) {
+TEST(WatchOption, NotifiesStreamsInTheOrderOfTheirCreation) {
     const auto configuration = makeConfiguration();
     std::vector<int> order;
     for (int i = 0; i < 5; ++i)
@@ -167,7 +167,7 @@ TEST(WatchOption, KeepsTheOrderOfTheOthersWhenAStreamEnds) {
     EXPECT_THAT(order, ElementsAre(0, 2, 4));
 }
 
-TEST(WatchOption, CountsItsStreamsFromZero) {
+TEST(WatchOption, NumbersItsStreamsFromZero) {
     const auto configuration = makeConfiguration();
     const auto first = watch(*configuration, "x");
     const auto second = watch(*configuration, "y");
@@ -178,7 +178,7 @@ TEST(WatchOption, CountsItsStreamsFromZero) {
     EXPECT_EQ(1, second->completions());
 }
 
-TEST(WatchOption, NeverUsesTheIdOfAStreamAgain) {
+TEST(WatchOption, NeverReusesAStreamId) {
     const auto configuration = makeConfiguration();
     watch(*configuration, "x")->cancel();
     const auto second = watch(*configuration, "x");
@@ -194,7 +194,7 @@ TEST(WatchOption, OnTheStackThrows) {
     EXPECT_TRUE(test::mutexIsFree(configuration));
 }
 
-TEST(WatchOption, WithoutAnOwnerConsumesAnId) {
+TEST(WatchOption, ThatThrowsConsumesAnId) {
     auto* const ownerless = new connector::configuration::ConfigurationImpl;
     EXPECT_THROW(ownerless->watchOption("x"), std::bad_weak_ptr);
     const std::shared_ptr<connector::configuration::ConfigurationImpl> configuration(ownerless);
@@ -205,7 +205,7 @@ TEST(WatchOption, WithoutAnOwnerConsumesAnId) {
     EXPECT_EQ(1, subscriber->completions());
 }
 
-TEST(WatchOption, ThrowsWhatASourceThrowsAndKeepsTheStream) {
+TEST(WatchOption, ThrowsWhatASourceThrowsAndLeavesTheStreamRegistered) {
     test::Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "a");
@@ -215,14 +215,14 @@ TEST(WatchOption, ThrowsWhatASourceThrowsAndKeepsTheStream) {
     source->onHas = nullptr;
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 
-    const test::CoreLog log; // the only witness: nobody has a pointer to that stream
+    const test::CoreLog log; // nothing else shows the stream: no pointer to it exists
     configuration->set("x", 1);
     configuration->removeStream(0);
     configuration->set("x", 2);
     EXPECT_THAT(log.lines(), testing::Contains("notifying watcher: x").Times(1));
 }
 
-TEST(WatchOption, AsksForTheKeyTwiceAndThenForTheValue) {
+TEST(WatchOption, AsksTwiceForTheKeyAndThenForTheValue) {
     test::Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(
@@ -233,7 +233,7 @@ TEST(WatchOption, AsksForTheKeyTwiceAndThenForTheValue) {
     EXPECT_THAT(journal, ElementsAre("a has x", "a has x", "a get x"));
 }
 
-TEST(WatchOption, LooksAReportedKeyUpOnceForAllItsWatchers) {
+TEST(WatchOption, LooksUpAReportedKeyOnceForAllSubscribers) {
     test::Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(
@@ -244,12 +244,12 @@ TEST(WatchOption, LooksAReportedKeyUpOnceForAllItsWatchers) {
     journal.clear();
     source->report("x");
     EXPECT_THAT(journal, ElementsAre("a has x", "a has x", "a get x"));
-    source->report("nobody's key");
+    source->report("another key");
     EXPECT_THAT(first->values(), ElementsAre(1, 1));
     EXPECT_THAT(second->values(), ElementsAre(1, 1));
 }
 
-TEST(WatchOption, TellsNothingOfAReportedKeyWithoutAValue) {
+TEST(WatchOption, DeliversNothingForAReportedKeyWithoutAValue) {
     test::Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(

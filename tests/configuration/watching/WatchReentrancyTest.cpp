@@ -1,4 +1,4 @@
-/// Subscribers that call back into the configuration, and the locks that are held meanwhile.
+/// Subscribers that call the configuration, and whether the mutex is held during notifications.
 #include "configuration/Answers.hpp"
 #include "configuration/MutexProbe.hpp"
 #include "configuration/RecordingSubscriber.hpp"
@@ -51,7 +51,7 @@ TEST(WatchReentrancy, ASubscriberMaySetItsOwnOption) {
     EXPECT_EQ(3, intOf(*configuration, "x"));
 }
 
-TEST(WatchReentrancy, AStreamThatIsMadeDuringAPassIsNotServedByIt) {
+TEST(WatchReentrancy, AStreamCreatedDuringAPassIsNotNotifiedByIt) {
     const auto configuration = makeConfiguration();
     std::shared_ptr<RecordingSubscriber> late;
     watch(*configuration, "x", [&](int) {
@@ -64,18 +64,18 @@ TEST(WatchReentrancy, AStreamThatIsMadeDuringAPassIsNotServedByIt) {
     EXPECT_THAT(late->values(), ElementsAre(1, 2));
 }
 
-TEST(WatchReentrancy, AStreamThatIsRemovedDuringAPassStillGetsItsValue) {
+TEST(WatchReentrancy, AStreamRemovedDuringAPassStillReceivesItsValue) {
     const auto configuration = makeConfiguration();
     watch(*configuration, "x", [&](int) { configuration->removeStream(1); });
     const auto removed = watch(*configuration, "x");
     configuration->set("x", 1);
     EXPECT_THAT(removed->values(), ElementsAre(1));
-    EXPECT_EQ(1, removed->completions()); // only the pass had kept it
+    EXPECT_EQ(1, removed->completions()); // the pass was its last owner
     configuration->set("x", 2);
     EXPECT_THAT(removed->values(), ElementsAre(1));
 }
 
-TEST(WatchReentrancy, AStreamThatIsCancelledDuringAPassGetsNothing) {
+TEST(WatchReentrancy, AStreamCancelledDuringAPassReceivesNothing) {
     const auto configuration = makeConfiguration();
     std::shared_ptr<RecordingSubscriber> second;
     watch(*configuration, "x", [&](int) { second->cancel(); });
@@ -94,7 +94,7 @@ TEST(WatchReentrancy, ASubscriberMayCancelItsOwnStream) {
     EXPECT_EQ(1, subscriber.use_count());
 }
 
-TEST(WatchReentrancy, ASubscriberMayAskForOneValueAtATime) {
+TEST(WatchReentrancy, ASubscriberMayRequestOneValueAtATime) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x", nullptr, 1);
     subscriber->inOnNext = [self = subscriber.get()](int) { self->request(1); };
@@ -114,7 +114,7 @@ TEST(WatchReentrancy, ASubscriberMayAddASource) {
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("added", "override", "default"));
 }
 
-TEST(WatchReentrancy, ASubscriberMayRemoveTheSourceThatSupplies) {
+TEST(WatchReentrancy, ASubscriberMayRemoveTheSupplier) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 9, "default");
     const auto subscriber = watch(*configuration, "x", [&](int value) {
@@ -126,7 +126,7 @@ TEST(WatchReentrancy, ASubscriberMayRemoveTheSourceThatSupplies) {
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("default"));
 }
 
-TEST(WatchReentrancy, OnePassOffersOneValueWhateverASubscriberChanges) {
+TEST(WatchReentrancy, APassOffersOneValueEvenIfASubscriberChangesTheOption) {
     const auto configuration = makeConfiguration();
     watch(*configuration, "x", [&](int value) {
         if (value == 1)
@@ -145,7 +145,7 @@ TEST(WatchReentrancy, ASubscriberMayUseTheConfigurationWhenItsStreamCompletes) {
     EXPECT_FALSE(found);
 }
 
-TEST(WatchLocks, TheThreadThatSetsKeepsTheMutexDuringTheNotifications) {
+TEST(WatchLocks, SetHoldsTheMutexDuringNotifications) {
     const auto configuration = makeConfiguration();
     MutexProbe probe(*configuration);
     bool held = false;
@@ -154,7 +154,7 @@ TEST(WatchLocks, TheThreadThatSetsKeepsTheMutexDuringTheNotifications) {
     EXPECT_TRUE(held);
 }
 
-TEST(WatchLocks, AChangeThatASourceReportsIsToldWithTheMutexReleased) {
+TEST(WatchLocks, AReportedChangeIsDeliveredWithoutTheMutex) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "a");
@@ -166,7 +166,7 @@ TEST(WatchLocks, AChangeThatASourceReportsIsToldWithTheMutexReleased) {
     EXPECT_FALSE(held);
 }
 
-TEST(WatchLocks, AnAddedSourceIsToldWithTheMutexReleased) {
+TEST(WatchLocks, AddSourceNotifiesWithoutTheMutex) {
     const auto configuration = makeConfiguration();
     MutexProbe probe(*configuration);
     bool held = true;
@@ -175,7 +175,7 @@ TEST(WatchLocks, AnAddedSourceIsToldWithTheMutexReleased) {
     EXPECT_FALSE(held);
 }
 
-TEST(WatchLocks, ARemovedSourceIsToldWithTheMutexReleased) {
+TEST(WatchLocks, RemoveSourceNotifiesWithoutTheMutex) {
     const auto configuration = makeConfiguration();
     configuration->set("x", 1, "default");
     configuration->set("x", 2);
@@ -189,7 +189,7 @@ TEST(WatchLocks, ARemovedSourceIsToldWithTheMutexReleased) {
     EXPECT_FALSE(held);
 }
 
-TEST(WatchLocks, AStreamThatIsRemovedCompletesWithTheMutexReleased) {
+TEST(WatchLocks, RemoveStreamCompletesTheStreamWithoutTheMutex) {
     const auto configuration = makeConfiguration();
     MutexProbe probe(*configuration);
     bool held = true;

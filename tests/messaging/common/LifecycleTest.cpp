@@ -1,4 +1,4 @@
-/// Starting and stopping.
+/// Starting and stopping a service.
 #include "support/Expect.hpp"
 
 #include <connector/common/Lifecycle.hpp>
@@ -15,26 +15,26 @@ namespace {
 using connector::common::Lifecycle;
 using testing::ElementsAre;
 
-/// Notes each hook with the running flag that it sees.
-class Watched : public Lifecycle {
+/// Records each hook with the running flag that it sees.
+class RecordingLifecycle : public Lifecycle {
 public:
     std::vector<std::string> hooks;
     bool failsToStart = false;
     bool failsToStop = false;
 
 protected:
-    void onStart() override { note("onStart", failsToStart); }
-    void onStop() override { note("onStop", failsToStop); }
+    void onStart() override { record("onStart", failsToStart); }
+    void onStop() override { record("onStop", failsToStop); }
 
 private:
-    void note(const std::string& hook, bool fails) {
+    void record(const std::string& hook, bool fails) {
         hooks.push_back(hook + (isRunning() ? ", running" : ", not running"));
         if (fails)
             throw std::runtime_error(hook + " failed");
     }
 };
 
-TEST(Lifecycle, DoesNotRunAtFirst) {
+TEST(Lifecycle, IsNotRunningInitially) {
     EXPECT_FALSE(Lifecycle().isRunning());
 }
 
@@ -55,28 +55,28 @@ TEST(Lifecycle, CanBeStartedAgain) {
 }
 
 TEST(Lifecycle, CallsEachHookBeforeTheFlagChanges) {
-    Watched watched;
-    watched.start();
-    watched.stop();
-    EXPECT_THAT(watched.hooks, ElementsAre("onStart, not running", "onStop, running"));
+    RecordingLifecycle lifecycle;
+    lifecycle.start();
+    lifecycle.stop();
+    EXPECT_THAT(lifecycle.hooks, ElementsAre("onStart, not running", "onStop, running"));
 }
 
-TEST(Lifecycle, ThatFailsToStartDoesNotRun) {
-    Watched watched;
-    watched.failsToStart = true;
-    test::expectThrows<std::runtime_error>("onStart failed", [&] { watched.start(); });
-    EXPECT_FALSE(watched.isRunning());
+TEST(Lifecycle, IsNotRunningAfterAFailedStart) {
+    RecordingLifecycle lifecycle;
+    lifecycle.failsToStart = true;
+    test::expectThrows<std::runtime_error>("onStart failed", [&] { lifecycle.start(); });
+    EXPECT_FALSE(lifecycle.isRunning());
 }
 
-TEST(Lifecycle, ThatFailsToStopGoesOnRunning) {
-    Watched watched;
-    watched.failsToStop = true;
-    watched.start();
-    test::expectThrows<std::runtime_error>("onStop failed", [&] { watched.stop(); });
-    EXPECT_TRUE(watched.isRunning());
+TEST(Lifecycle, IsStillRunningAfterAFailedStop) {
+    RecordingLifecycle lifecycle;
+    lifecycle.failsToStop = true;
+    lifecycle.start();
+    test::expectThrows<std::runtime_error>("onStop failed", [&] { lifecycle.stop(); });
+    EXPECT_TRUE(lifecycle.isRunning());
 }
 
-/// Nothing but the flag itself brings the news to the other thread.
+/// Only the running flag synchronises the two threads.
 TEST(Lifecycle, IsSeenByAnotherThread) {
     Lifecycle lifecycle;
     std::thread other([&] {

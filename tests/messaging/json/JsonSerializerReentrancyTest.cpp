@@ -1,4 +1,4 @@
-/// Converters that call back, and threads that register and convert at once.
+/// Converters that call the serializer, and threads that register and convert concurrently.
 #include "configuration/json/Json.hpp"
 #include "configuration/service/Messages.hpp"
 
@@ -44,7 +44,7 @@ TEST(JsonConverter, MayConvertAnotherMessage) {
     EXPECT_EQ(typeid(Message).name(), test::classOf(serializer.deserialize(object)));
 }
 
-TEST(JsonConverter, MayRegisterAnother) {
+TEST(JsonConverter, MayRegisterAnotherConverter) {
     JsonSerializerImpl serializer;
     serializer.registerConverter(
         "test/Letter", typeid(Letter), emptyObject, [&](const Object& content) {
@@ -55,7 +55,7 @@ TEST(JsonConverter, MayRegisterAnother) {
     EXPECT_TRUE(serializer.knows("test/Note"));
 }
 
-TEST(JsonConverter, MayWithdrawItselfAndFinish) {
+TEST(JsonConverter, MayUnregisterItself) {
     JsonSerializerImpl serializer;
     const auto token = std::make_shared<int>(7);
     serializer.registerConverter("test/Letter", typeid(Letter), emptyObject,
@@ -70,12 +70,12 @@ TEST(JsonConverter, MayWithdrawItselfAndFinish) {
     EXPECT_EQ(1, token.use_count());
 }
 
-/// Calls the serializer back when it goes.
-class Farewell {
+/// Calls the serializer when it is destroyed.
+class CallingDestructor {
 public:
-    explicit Farewell(JsonSerializerImpl& newSerializer, int& newCount)
+    explicit CallingDestructor(JsonSerializerImpl& newSerializer, int& newCount)
         : serializer(newSerializer), count(newCount) {}
-    ~Farewell() {
+    ~CallingDestructor() {
         EXPECT_TRUE(serializer.knows("connector/Message"));
         ++count;
     }
@@ -85,26 +85,27 @@ private:
     int& count;
 };
 
-TEST(JsonConverter, MayCallBackWhenItIsDestroyed) {
+TEST(JsonConverter, MayCallTheSerializerWhenItIsDestroyed) {
     JsonSerializerImpl serializer;
-    int farewells = 0;
-    const auto serialize = [](std::shared_ptr<Farewell> farewell) {
-        return [farewell](const MessagePtr&) -> Object { return new Poco::JSON::Object; };
+    int destructions = 0;
+    const auto serialize = [](std::shared_ptr<CallingDestructor> held) {
+        return [held](const MessagePtr&) -> Object { return new Poco::JSON::Object; };
     };
-    serializer.registerConverter("test/Letter", typeid(Letter),
-                                 serialize(std::make_shared<Farewell>(serializer, farewells)),
-                                 make<Letter>);
-    EXPECT_EQ(0, farewells);
+    serializer.registerConverter(
+        "test/Letter", typeid(Letter),
+        serialize(std::make_shared<CallingDestructor>(serializer, destructions)), make<Letter>);
+    EXPECT_EQ(0, destructions);
     serializer.unregisterConverter(typeid(Letter));
-    EXPECT_EQ(1, farewells);
+    EXPECT_EQ(1, destructions);
     EXPECT_THROW(serializer.registerConverter(
                      "connector/Message", typeid(Letter),
-                     serialize(std::make_shared<Farewell>(serializer, farewells)), make<Letter>),
+                     serialize(std::make_shared<CallingDestructor>(serializer, destructions)),
+                     make<Letter>),
                  std::invalid_argument);
-    EXPECT_EQ(2, farewells);
+    EXPECT_EQ(2, destructions);
 }
 
-TEST(JsonSerializerImpl, ReleasesItsConvertersWhenItGoes) {
+TEST(JsonSerializerImpl, ReleasesItsConvertersWhenItIsDestroyed) {
     const auto token = std::make_shared<int>();
     {
         JsonSerializerImpl serializer;
@@ -116,9 +117,9 @@ TEST(JsonSerializerImpl, ReleasesItsConvertersWhenItGoes) {
     EXPECT_EQ(1, token.use_count());
 }
 
-/// One thread registers and withdraws a class over and over; the others meanwhile see it or not, and
-/// always see the other class.
-TEST(JsonSerializerImpl, MayBeUsedByManyThreads) {
+/// One thread registers and unregisters a class repeatedly. The others may see that class or not,
+/// and always see another one.
+TEST(JsonSerializerImpl, MayBeUsedBySeveralThreads) {
     JsonSerializerImpl serializer;
     serializer.registerConverter("test/Note", typeid(Note), emptyObject, make<Note>);
     std::atomic<bool> isDone{false};
@@ -133,7 +134,7 @@ TEST(JsonSerializerImpl, MayBeUsedByManyThreads) {
                     try {
                         serializer.deserialize(parse(letter));
                     } catch (const std::invalid_argument&) {
-                        continue; // withdrawn meanwhile
+                        continue; // unregistered in the meantime
                     }
                 }
             } while (!isDone);

@@ -1,8 +1,8 @@
-/// The bundled serializer: the envelope, and what it refuses.
+/// The bundled serializer: the envelope, and what is refused.
 #include "configuration/json/Json.hpp"
 #include "configuration/service/Messages.hpp"
-#include "support/Slots.hpp"
 #include "support/Expect.hpp"
+#include "support/Slots.hpp"
 
 #include <connector/json/JsonSerializerImpl.hpp>
 
@@ -25,7 +25,7 @@ static_assert(std::is_abstract_v<JsonSerializer>);
 static_assert(std::has_virtual_destructor_v<JsonSerializer>);
 static_assert(std::is_base_of_v<JsonSerializer, JsonSerializerImpl>);
 
-// The whole type of each operation, so that the test does not compile without it.
+// Each of these compiles only if the operation has exactly this type.
 void (JsonSerializer::*const registerConverter)(
     const std::string&, const std::type_info&, std::function<Object(const MessagePtr&)>,
     std::function<MessagePtr(Object)>) = &JsonSerializer::registerConverter;
@@ -73,13 +73,13 @@ protected:
     JsonSerializerImpl serializer;
 };
 
-TEST_F(JsonSerializerImplTest, PutsAMessageIntoAnEnvelope) {
+TEST_F(JsonSerializerImplTest, WrapsAMessageInAnEnvelope) {
     registerNote();
     EXPECT_EQ(R"({"message":{"text":"hello"},"type":"test/Note"})",
               print(serializer.serialize(std::make_unique<Note>("hello"))));
 }
 
-TEST_F(JsonSerializerImplTest, TakesAMessageOutOfAnEnvelope) {
+TEST_F(JsonSerializerImplTest, ReadsAMessageFromAnEnvelope) {
     registerNote();
     const MessagePtr note =
         serializer.deserialize(parse(R"({"type":"test/Note","message":{"text":"hello"}})"));
@@ -103,7 +103,7 @@ TEST_F(JsonSerializerImplTest, ReadsABareMessageWithoutARegistration) {
     EXPECT_EQ(typeid(Message).name(), test::classOf(message));
 }
 
-TEST_F(JsonSerializerImplTest, KnowsWhatIsRegistered) {
+TEST_F(JsonSerializerImplTest, KnowsTheRegisteredNames) {
     EXPECT_TRUE(serializer.knows("connector/Message"));
     EXPECT_FALSE(serializer.knows("test/Note"));
     registerNote();
@@ -149,13 +149,13 @@ TEST_F(JsonSerializerImplTest, RefusesTheNameAndTheClassOfABareMessage) {
         });
 }
 
-TEST_F(JsonSerializerImplTest, RefusesToWithdrawAClassThatIsNotRegistered) {
+TEST_F(JsonSerializerImplTest, RefusesToUnregisterAClassThatIsNotRegistered) {
     expectThrows<std::invalid_argument>(std::string("Message class not registered: ") +
                                             typeid(Note).name(),
                                         [&] { serializer.unregisterConverter(typeid(Note)); });
 }
 
-TEST_F(JsonSerializerImplTest, RegistersAgainWhatWasWithdrawn) {
+TEST_F(JsonSerializerImplTest, RegistersAClassAgainAfterUnregistering) {
     registerNote();
     serializer.unregisterConverter(typeid(Note));
     registerNote();
@@ -169,7 +169,7 @@ TEST_F(JsonSerializerImplTest, RefusesAMessageOfAClassThatIsNotRegistered) {
                                         [&] { serializer.serialize(note); });
 }
 
-TEST_F(JsonSerializerImplTest, DoesNotTakeAMessageForOneOfItsBaseClass) {
+TEST_F(JsonSerializerImplTest, DoesNotUseTheConverterOfABaseClass) {
     registerNote();
     const MessagePtr urgent = std::make_unique<UrgentNote>("hello");
     expectThrows<std::invalid_argument>(std::string("Message class not registered: ") +
@@ -177,16 +177,16 @@ TEST_F(JsonSerializerImplTest, DoesNotTakeAMessageForOneOfItsBaseClass) {
                                         [&] { serializer.serialize(urgent); });
 }
 
-TEST_F(JsonSerializerImplTest, RefusesNoMessage) {
+TEST_F(JsonSerializerImplTest, RefusesANullMessage) {
     expectThrows<std::invalid_argument>("No message to serialize",
                                         [&] { serializer.serialize(nullptr); });
 }
 
-TEST_F(JsonSerializerImplTest, RefusesNoObject) {
+TEST_F(JsonSerializerImplTest, RefusesANullObject) {
     expectDeserializationFails("No object to deserialize", nullptr);
 }
 
-TEST_F(JsonSerializerImplTest, RefusesATypeNameThatIsUnknown) {
+TEST_F(JsonSerializerImplTest, RefusesAnUnknownTypeName) {
     expectDeserializationFails("Unknown message type: test/Note",
                                parse(R"({"type":"test/Note","message":{}})"));
     expectDeserializationFails("Unknown message type: connector/message",
@@ -200,7 +200,7 @@ TEST_F(JsonSerializerImplTest, RefusesAnEnvelopeWithoutAType) {
     expectDeserializationFails("Unknown message type: 7", parse(R"({"type":7,"message":{}})"));
 }
 
-TEST_F(JsonSerializerImplTest, RefusesAnEnvelopeWithoutAContent) {
+TEST_F(JsonSerializerImplTest, RefusesAnEnvelopeWithoutContent) {
     for (const char* const envelope :
          {R"({"type":"connector/Message"})", R"({"type":"connector/Message","message":null})",
           R"({"type":"connector/Message","message":[]})",

@@ -33,7 +33,7 @@ class Observer {
 public:
     explicit Observer(const ParseInput& newInput)
         : input(newInput),
-          buffer(makeSupplyBuffer(input.supply, input.text, input.pieceSize, input.ending)),
+          buffer(makeSupplyBuffer(input.supply, input.text, input.pieceSize, input.end)),
           stream(buffer.get()) {
         buffer->attach(stream);
         stream.exceptions(input.exceptions);
@@ -57,7 +57,7 @@ public:
     Observation observation;
 
 private:
-    // Not tellg, which has no answer for a stream that has failed.
+    // Not tellg, which returns -1 for a stream that has failed.
     std::streamoff position() {
         return buffer->pubseekoff(0, std::ios_base::cur, std::ios_base::in);
     }

@@ -1,4 +1,4 @@
-/// Everything that the world can see of one parse.
+/// Everything observable about one parse.
 #pragma once
 
 #include "configuration/properties/parsing/SupplyBuffer.hpp"
@@ -15,17 +15,18 @@
 
 namespace test {
 
-/// What is parsed, and what happens meanwhile.
+/// The input of a parse, and the failures that are injected.
 struct ParseInput {
     std::string text;
     Supply supply = Supply::pieces;
     std::size_t pieceSize = 1;
-    Ending ending = Ending::endOfInput;
+    InputEnd end = InputEnd::regular;
     std::ios_base::iostate exceptions = std::ios_base::goodbit; ///< which state bits throw
-    std::size_t throwingEvent = 0; ///< the log sink or the watcher throws at this event; 0: never
+    std::size_t throwingEvent =
+        0; ///< number of the event whose log sink or watcher throws; 0: none
 };
 
-/// Something that the parser told, and where the stream stood at that moment.
+/// An event of the parser, with the position and state of the stream at that moment.
 struct ParseEvent {
     std::string text; ///< "log: " and the line, or "watcher: " and the key
     std::streamoff position;
@@ -49,16 +50,16 @@ struct Observation {
 Observation observeLibrary(const ParseInput& input);
 Observation observeReference(const ParseInput& input);
 
-/// Expects that two observations differ in nothing.
+/// Expects that two observations are equal.
 void expectSame(const Observation& expected, const Observation& actual);
 
-/// Expects that two observations have the same options and tell of them in the same order.
+/// Expects that two observations have the same options and report them in the same order.
 void expectSameProperties(const Observation& expected, const Observation& actual);
 
-/// @return a source without options, made from a file without content
+/// @return a source without options, loaded from an empty file
 std::shared_ptr<connector::configuration::PropertyFileSource> makeEmptyPropertyFileSource();
 
-/// @return all options of a source of texts
+/// @return all options of a source whose values are all strings
 std::map<std::string, std::string> optionsOf(connector::configuration::ConfigurationSource& source);
 
 } // namespace test

@@ -1,4 +1,4 @@
-/// The rules of property files as a table: what is read, what comes of it.
+/// The rules of property files as a table of inputs and expected results.
 #pragma once
 
 #include <ostream>
@@ -8,11 +8,11 @@
 
 namespace test {
 
-/// With which line breaks a row means the same. "\n" in what is expected stands for the line break.
+/// The line breaks for which a row holds. "\n" in the expected texts stands for the line break.
 enum class LineBreaks {
     any,       ///< LF, CR LF and CR
     oneByte,   ///< LF and CR; the row counts characters
-    asWritten, ///< the row is about the very line breaks that it holds
+    asWritten, ///< the row depends on its own line breaks
 };
 
 struct PropertyRow {
@@ -39,7 +39,7 @@ std::vector<PropertyRow> endOfInputRows();
 /// @return `row` with `lineBreak` wherever it has "\n"
 PropertyRow withLineBreak(PropertyRow row, const std::string& lineBreak);
 
-/// @return the row once with every kind of line break with which it means the same
+/// @return the row with every kind of line break for which it holds
 std::vector<PropertyRow> lineBreakVariations(const PropertyRow& row);
 
 } // namespace test

@@ -33,7 +33,7 @@ private:
         listeners.watcher(key);
     }
 
-    /// Four characters; the hexadecimal digits before the first other character are the number.
+    /// Reads four characters. Their leading hexadecimal digits are the number.
     std::string unicodeEscape() {
         std::string digits;
         char next;
@@ -61,7 +61,7 @@ private:
     std::string value;
 };
 
-/// One step through the state table: a case is a state, a branch is a row.
+/// One transition of the state machine.
 void ReferenceParser::step() {
     switch (state) {
     case State::LineStart:

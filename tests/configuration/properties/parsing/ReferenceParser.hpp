@@ -1,4 +1,4 @@
-/// The rules of property files once more, as slowly and as plainly as can be.
+/// A second, simple and slow implementation of the rules of property files.
 #pragma once
 
 #include <functional>
@@ -8,14 +8,14 @@
 
 namespace test {
 
-/// What a parser tells the world, in this order for each property.
+/// The callbacks of a parser, called in this order for each property.
 struct ParseListeners {
     std::function<void(const std::string& line)> log;
     std::function<void(const std::string& key)> watcher;
 };
 
-/// Parses `stream` into `options`, one get at a time, as the library's parser has to.
-/// Written for comparison with it, and kept apart from it: neither may borrow from the other.
+/// Parses `stream` into `options`, one character at a time. Shares no code with the library's
+/// parser, so that the comparison of the two means something.
 void parseByReference(std::istream& stream, std::map<std::string, std::string>& options,
                       const ParseListeners& listeners);
 

@@ -10,17 +10,17 @@ namespace {
 
 class PieceBuffer : public SupplyBuffer {
 public:
-    PieceBuffer(const std::string& text, std::size_t newPieceSize, Ending ending)
-        : SupplyBuffer(text, ending), pieceSize(newPieceSize) {}
+    PieceBuffer(const std::string& text, std::size_t newPieceSize, InputEnd inputEnd)
+        : SupplyBuffer(text, inputEnd), pieceSize(newPieceSize) {}
 
 protected:
     int_type underflow() override {
         if (remaining() == 0)
             return end();
-        char* const first = &text[handedOut];
+        char* const first = &text[supplied];
         const std::size_t count = std::min(pieceSize, remaining());
         setg(first, first, first + count);
-        handedOut += count;
+        supplied += count;
         return traits_type::to_int_type(*first);
     }
 
@@ -30,17 +30,17 @@ private:
 
 class ReusedBuffer : public SupplyBuffer {
 public:
-    ReusedBuffer(const std::string& text, std::size_t pieceSize, Ending ending)
-        : SupplyBuffer(text, ending), memory(pieceSize, scribble) {}
+    ReusedBuffer(const std::string& text, std::size_t pieceSize, InputEnd inputEnd)
+        : SupplyBuffer(text, inputEnd), memory(pieceSize, scribble) {}
 
 protected:
     int_type underflow() override {
-        std::fill(memory.begin(), memory.end(), scribble); // whoever still looks here shall see it
+        std::fill(memory.begin(), memory.end(), scribble); // makes stale reads visible
         if (remaining() == 0)
             return end();
-        const std::size_t count = text.copy(&memory[0], memory.size(), handedOut);
+        const std::size_t count = text.copy(&memory[0], memory.size(), supplied);
         setg(&memory[0], &memory[0], &memory[0] + count);
-        handedOut += count;
+        supplied += count;
         return traits_type::to_int_type(memory[0]);
     }
 
@@ -55,20 +55,20 @@ public:
 
 protected:
     int_type underflow() override {
-        return remaining() == 0 ? end() : traits_type::to_int_type(text[handedOut]);
+        return remaining() == 0 ? end() : traits_type::to_int_type(text[supplied]);
     }
 
     int_type uflow() override {
-        return remaining() == 0 ? end() : traits_type::to_int_type(text[handedOut++]);
+        return remaining() == 0 ? end() : traits_type::to_int_type(text[supplied++]);
     }
 };
 
 } // namespace
 
 SupplyBuffer::int_type SupplyBuffer::end() {
-    if (ending == Ending::throwing)
+    if (inputEnd == InputEnd::throwing)
         throw std::runtime_error("read error");
-    if (ending == Ending::turningBad)
+    if (inputEnd == InputEnd::settingBadBit)
         stream->setstate(std::ios_base::badbit);
     return traits_type::eof();
 }
@@ -77,20 +77,20 @@ SupplyBuffer::pos_type SupplyBuffer::seekoff(off_type offset, std::ios_base::see
                                              std::ios_base::openmode) {
     if (offset != 0 || direction != std::ios_base::cur)
         return pos_type(off_type(-1));
-    return pos_type(static_cast<off_type>(handedOut) - (egptr() - gptr()));
+    return pos_type(static_cast<off_type>(supplied) - (egptr() - gptr()));
 }
 
 std::unique_ptr<SupplyBuffer> makeSupplyBuffer(Supply supply, const std::string& text,
-                                               std::size_t pieceSize, Ending ending) {
+                                               std::size_t pieceSize, InputEnd inputEnd) {
     switch (supply) {
     case Supply::pieces:
-        return std::make_unique<PieceBuffer>(text, pieceSize, ending);
+        return std::make_unique<PieceBuffer>(text, pieceSize, inputEnd);
     case Supply::reused:
-        return std::make_unique<ReusedBuffer>(text, pieceSize, ending);
+        return std::make_unique<ReusedBuffer>(text, pieceSize, inputEnd);
     case Supply::unbuffered:
         break;
     }
-    return std::make_unique<UnbufferedBuffer>(text, ending);
+    return std::make_unique<UnbufferedBuffer>(text, inputEnd);
 }
 
 } // namespace test

@@ -1,7 +1,7 @@
-/// File streams over native paths.
+/// File streams that open native paths.
 
-#include "support/TemporaryDirectory.hpp"
 #include "support/Expect.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <fl/filesystem/fstream.hpp>
 
@@ -52,7 +52,7 @@ TEST_F(Fstream, AFileIsOpenedForReadingByDefault) {
     EXPECT_EQ("first", line);
 }
 
-TEST_F(Fstream, AFileIsOpenedForReadingWhateverTheMode) {
+TEST_F(Fstream, AFileIsOpenedForReadingInEveryMode) {
     ifstream stream(file, std::ios_base::binary);
     EXPECT_TRUE(stream.is_open());
     EXPECT_EQ("first\nsecond", rest(stream));
@@ -63,7 +63,7 @@ TEST_F(Fstream, IsAnInputStreamOfTheStandardLibrary) {
     EXPECT_TRUE((std::is_same_v<fl::filesystem::basic_ifstream<char>, ifstream>));
 }
 
-TEST_F(Fstream, BinaryModeLeavesEveryByteAlone) {
+TEST_F(Fstream, BinaryModeKeepsEveryByte) {
     std::string bytes;
     for (int i = 0; i < 512; ++i)
         bytes += static_cast<char>(i);
@@ -72,13 +72,13 @@ TEST_F(Fstream, BinaryModeLeavesEveryByteAlone) {
     EXPECT_EQ(bytes, rest(stream));
 }
 
-TEST_F(Fstream, AnEmptyFileIsOpenedAndEndsAtOnce) {
+TEST_F(Fstream, AnEmptyFileIsOpened) {
     ifstream stream(directory.write("empty", "").string(), binary);
     EXPECT_TRUE(stream.is_open());
     EXPECT_EQ(std::char_traits<char>::eof(), stream.get());
 }
 
-TEST_F(Fstream, AStreamKnowsAndSeeksItsPosition) {
+TEST_F(Fstream, AStreamReportsAndSeeksItsPosition) {
     ifstream stream(file, binary);
     stream.ignore(6);
     EXPECT_EQ(6, stream.tellg());
@@ -133,7 +133,7 @@ TEST_F(Fstream, AMissingFileIsNotOpened) {
     expectNotOpen(directory.path / "missing");
 }
 
-TEST_F(Fstream, AMissingFileIsNotMade) {
+TEST_F(Fstream, AMissingFileIsNotCreated) {
     expectNotOpen(directory.path / "missing");
     EXPECT_FALSE(std::filesystem::exists(directory.path / "missing"));
 }
@@ -168,7 +168,7 @@ TEST_F(Fstream, ANameThatIsTooLongIsNotOpened) {
     expectNotOpen(directory.path / std::string(5000, 'x'));
 }
 
-TEST_F(Fstream, APathOutsideAsciiIsTakenInItsNativeForm) {
+TEST_F(Fstream, ANonAsciiPathIsOpenedInItsNativeForm) {
     const std::u16string name = u"gr\u00F6\u00DFe \u20AC \U0001F600";
     directory.write(std::filesystem::path(name), "content");
     ifstream stream(make_native_access_form_with_cleanup_i18n(
@@ -183,14 +183,14 @@ TEST(NativePath, IsThePathInUtf8) {
     EXPECT_EQ("", make_native_access_form_with_cleanup_i18n(u""));
 }
 
-TEST(NativePath, KeepsTheCharactersOfThePath) {
+TEST(NativePath, KeepsEveryCharacterOfThePath) {
     const std::string path = "./a/../b//c\\d~ e /";
     EXPECT_EQ(path, make_native_access_form_with_cleanup_i18n({path.begin(), path.end()}));
     EXPECT_EQ(std::string("a\0b", 3),
               make_native_access_form_with_cleanup_i18n(std::u16string(u"a\0b", 3)));
 }
 
-TEST(NativePath, ThatIsNoUtf16IsRefused) {
+TEST(NativePath, RefusesInvalidUtf16) {
     expectThrows<std::runtime_error>("Text is not valid UTF-16", [] {
         make_native_access_form_with_cleanup_i18n(std::u16string(1, 0xD800));
     });

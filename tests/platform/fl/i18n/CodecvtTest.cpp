@@ -1,4 +1,4 @@
-/// What converts, to what, and what is refused.
+/// Conversions between UTF-8 and UTF-16, and what they refuse.
 
 #include "support/Expect.hpp"
 
@@ -23,7 +23,7 @@ struct Pair {
     std::u16string utf16;
 };
 
-/// The edges of each length, and of the gap that the surrogates leave.
+/// The limits of each sequence length and of the surrogate range.
 const std::vector<Pair> valid = {
     {__LINE__, "", u""},
     {__LINE__, "plain text", u"plain text"},
@@ -38,9 +38,9 @@ const std::vector<Pair> valid = {
     {__LINE__, "\xED\x9F\xBF", u"\uD7FF"},
     {__LINE__, "\xEE\x80\x80", u"\uE000"},
     {__LINE__, "\xEF\xBB\xBF", u"\uFEFF"},                     // a byte order mark is a character
-    {__LINE__, "\xEF\xBB\xBFx\xEF\xBB\xBF", u"\uFEFFx\uFEFF"}, // wherever it stands
+    {__LINE__, "\xEF\xBB\xBFx\xEF\xBB\xBF", u"\uFEFFx\uFEFF"}, // at any position
     {__LINE__, "\xEF\xBF\xBD", u"\uFFFD"},
-    {__LINE__, "\xEF\xBF\xBE", std::u16string(1, 0xFFFE)}, // so are the noncharacters
+    {__LINE__, "\xEF\xBF\xBE", std::u16string(1, 0xFFFE)}, // noncharacters are allowed, too
     {__LINE__, "\xEF\xBF\xBF", std::u16string(1, 0xFFFF)},
     {__LINE__, "\xF0\x90\x80\x80", u"\U00010000"},
     {__LINE__, "\xF0\x9F\x98\x80", u"\U0001F600"},
@@ -81,7 +81,7 @@ const std::vector<BadUtf8> badUtf8 = {
     {__LINE__, "\xF4\x90\x80\x80"},
     {__LINE__, "\xF5\x80\x80\x80"},
     {__LINE__, "\xF7\xBF\xBF\xBF"},
-    // Cut short by the end.
+    // Truncated by the end.
     {__LINE__, "\xC3"},
     {__LINE__, "\xE2"},
     {__LINE__, "\xE2\x82"},
@@ -89,7 +89,7 @@ const std::vector<BadUtf8> badUtf8 = {
     {__LINE__, "\xF0\x9F"},
     {__LINE__, "\xF0\x9F\x98"},
     {__LINE__, "valid until \xE2\x82"},
-    // Cut short by another character.
+    // Truncated by another character.
     {__LINE__, "\xC3x"},
     {__LINE__, "\xE2\x82x"},
     {__LINE__, "\xE2x\xAC"},
@@ -116,7 +116,7 @@ const std::vector<BadUtf16> badUtf16 = {
     {__LINE__, {0xD83D, 0}},              //
     {__LINE__, {0xD83D, 0xE000}},         //
     {__LINE__, {0xDE00, 0xD83D}},         // a pair in the wrong order
-    {__LINE__, {0xD83D, 0xDE00, 0xDE00}}, // a low surrogate behind a pair
+    {__LINE__, {0xD83D, 0xDE00, 0xDE00}}, // a low surrogate after a pair
 };
 
 const fl::i18n::codecvt_string_to_ustring toUtf16("UTF-8");
@@ -126,14 +126,14 @@ const fl::i18n::codecvt_ustring_to_string toUtf8("UTF-8");
 
 TEST(Codecvt, Utf8BecomesUtf16) {
     for (const Pair& pair : valid) {
-        SCOPED_TRACE("row of line " + std::to_string(pair.line));
+        SCOPED_TRACE("row in line " + std::to_string(pair.line));
         EXPECT_EQ(pair.utf16, fl::i18n::to_ustring(pair.utf8, toUtf16));
     }
 }
 
 TEST(Codecvt, Utf16BecomesUtf8) {
     for (const Pair& pair : valid) {
-        SCOPED_TRACE("row of line " + std::to_string(pair.line));
+        SCOPED_TRACE("row in line " + std::to_string(pair.line));
         EXPECT_EQ(pair.utf8, fl::i18n::to_string(pair.utf16, toUtf8));
     }
 }
@@ -153,34 +153,34 @@ TEST(Codecvt, EveryCharacterSurvivesARoundTrip) {
     }
 }
 
-TEST(Codecvt, TextThatIsNoUtf8IsRefused) {
+TEST(Codecvt, InvalidUtf8IsRefused) {
     for (const BadUtf8& bad : badUtf8) {
-        SCOPED_TRACE("row of line " + std::to_string(bad.line));
+        SCOPED_TRACE("row in line " + std::to_string(bad.line));
         expectThrows<std::runtime_error>("Text is not valid UTF-8",
                                          [&] { fl::i18n::to_ustring(bad.text, toUtf16); });
     }
 }
 
-TEST(Codecvt, TextThatIsNoUtf8IsRefusedInTheMiddleOfText) {
+TEST(Codecvt, InvalidUtf8IsRefusedInTheMiddleOfText) {
     for (const BadUtf8& bad : badUtf8) {
-        SCOPED_TRACE("row of line " + std::to_string(bad.line));
+        SCOPED_TRACE("row in line " + std::to_string(bad.line));
         expectThrows<std::runtime_error>("Text is not valid UTF-8", [&] {
             fl::i18n::to_ustring("\xC3\xA9" + bad.text + "z", toUtf16);
         });
     }
 }
 
-TEST(Codecvt, TextThatIsNoUtf16IsRefused) {
+TEST(Codecvt, InvalidUtf16IsRefused) {
     for (const BadUtf16& bad : badUtf16) {
-        SCOPED_TRACE("row of line " + std::to_string(bad.line));
+        SCOPED_TRACE("row in line " + std::to_string(bad.line));
         expectThrows<std::runtime_error>("Text is not valid UTF-16",
                                          [&] { fl::i18n::to_string(bad.text, toUtf8); });
     }
 }
 
-TEST(Codecvt, TextThatIsNoUtf16IsRefusedInTheMiddleOfText) {
+TEST(Codecvt, InvalidUtf16IsRefusedInTheMiddleOfText) {
     for (const BadUtf16& bad : badUtf16) {
-        SCOPED_TRACE("row of line " + std::to_string(bad.line));
+        SCOPED_TRACE("row in line " + std::to_string(bad.line));
         expectThrows<std::runtime_error>("Text is not valid UTF-16", [&] {
             fl::i18n::to_string(u"\u00E9" + bad.text + u"z", toUtf8);
         });
@@ -194,14 +194,14 @@ TEST(Codecvt, EveryLoneSurrogateIsRefused) {
     }
 }
 
-TEST(Codecvt, AConverterIsUsableAfterItRefusedAText) {
+TEST(Codecvt, AConverterIsUsableAfterAFailure) {
     EXPECT_ANY_THROW(toUtf16.convert("\xFF"));
     EXPECT_EQ(u"\u00E9", toUtf16.convert("\xC3\xA9"));
     EXPECT_ANY_THROW(toUtf8.convert(std::u16string(1, 0xD800)));
     EXPECT_EQ("\xC3\xA9", toUtf8.convert(u"\u00E9"));
 }
 
-TEST(Codecvt, OtherEncodingsThanUtf8AreUnknown) {
+TEST(Codecvt, OtherEncodingsThanUtf8AreRefused) {
     for (const std::string& name : {""s, "utf-8"s, "UTF8"s, "UTF-16"s, "UTF-8 "s, "ISO-8859-1"s}) {
         SCOPED_TRACE(name);
         expectThrows<std::invalid_argument>("Unsupported text encoding: " + name, [&] {
@@ -213,7 +213,7 @@ TEST(Codecvt, OtherEncodingsThanUtf8AreUnknown) {
     }
 }
 
-TEST(Codecvt, ConvertersThatConsumeAllAndThatDoNotAreAlike) {
+TEST(Codecvt, TheConsumeAllFlagMakesNoDifference) {
     for (const bool consumeAll : {true, false}) {
         const fl::i18n::codecvt_string_to_ustring in("UTF-8", consumeAll);
         const fl::i18n::codecvt_ustring_to_string out("UTF-8", consumeAll);

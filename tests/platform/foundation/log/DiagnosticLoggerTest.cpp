@@ -23,7 +23,7 @@ using foundation::log::set_diagnostic_mask;
 
 using Lines = std::vector<std::string>;
 
-/// A piece of a line that counts how often it is written.
+/// An argument that counts how often it is formatted.
 struct Counted {
     int& count;
 };
@@ -33,14 +33,14 @@ std::ostream& operator<<(std::ostream& stream, const Counted& counted) {
     return stream << "counted";
 }
 
-/// A piece that cannot be written.
-struct Refusing {};
+/// An argument whose formatting throws.
+struct ThrowingArgument {};
 
-std::ostream& operator<<(std::ostream&, const Refusing&) {
-    throw std::domain_error("refused");
+std::ostream& operator<<(std::ostream&, const ThrowingArgument&) {
+    throw std::domain_error("cannot be formatted");
 }
 
-/// Groups digits in twos.
+/// Formats numbers unlike the classic locale.
 struct Grouping : std::numpunct<char> {
     char do_thousands_sep() const override { return '\''; }
     char do_decimal_point() const override { return ','; }
@@ -71,7 +71,7 @@ TEST_F(DiagnosticLogger, KnowsItsName) {
     EXPECT_EQ("test::logger", logger.name());
 }
 
-TEST_F(DiagnosticLogger, HasNothingEnabledAtTheStart) {
+TEST_F(DiagnosticLogger, HasNothingEnabledInitially) {
     for (unsigned bit = 1; bit != 0; bit <<= 1)
         EXPECT_FALSE(logger.enabled(bit)) << bit;
     logger.log(~0u, "line");
@@ -86,7 +86,7 @@ TEST_F(DiagnosticLogger, WritesTheLinesWhoseBitIsOn) {
     EXPECT_EQ((Lines{"eight", "thirty-two"}), log.lines());
 }
 
-TEST_F(DiagnosticLogger, AnswersWhetherABitIsOn) {
+TEST_F(DiagnosticLogger, ReportsWhetherABitIsOn) {
     logger.set_mask(8 | 32);
     EXPECT_TRUE(logger.enabled(8));
     EXPECT_FALSE(logger.enabled(16));
@@ -101,19 +101,19 @@ TEST_F(DiagnosticLogger, ReplacesTheMask) {
     EXPECT_TRUE(logger.enabled(16));
 }
 
-TEST_F(DiagnosticLogger, KnowsTheHighestBit) {
+TEST_F(DiagnosticLogger, SupportsTheHighestBit) {
     logger.set_mask(0x80000000u);
     EXPECT_TRUE(logger.enabled(0x80000000u));
     EXPECT_FALSE(logger.enabled(0x7FFFFFFFu));
 }
 
-TEST_F(DiagnosticLogger, JoinsThePiecesWithoutAnythingBetween) {
+TEST_F(DiagnosticLogger, ConcatenatesItsArguments) {
     logger.set_mask(1);
     logger.log(1, "get: ", std::string("key"), " from ", 1, ' ', -2, ' ', 3u, ' ', true, ' ', 0.5);
     EXPECT_EQ((Lines{"get: key from 1 -2 3 1 0.5"}), log.lines());
 }
 
-TEST_F(DiagnosticLogger, KeepsEveryByteOfAPiece) {
+TEST_F(DiagnosticLogger, KeepsEveryByteOfAnArgument) {
     logger.set_mask(1);
     logger.log(1, std::string("a\0\n\xFF", 4));
     EXPECT_EQ((Lines{std::string("a\0\n\xFF", 4)}), log.lines());
@@ -125,7 +125,7 @@ TEST_F(DiagnosticLogger, WritesAnEmptyLine) {
     EXPECT_EQ((Lines{""}), log.lines());
 }
 
-TEST_F(DiagnosticLogger, TouchesThePiecesOnlyWhileTheBitIsOn) {
+TEST_F(DiagnosticLogger, FormatsItsArgumentsOnlyWhileTheBitIsOn) {
     int count = 0;
     logger.log(8, Counted{count});
     logger.set_mask(~8u);
@@ -137,9 +137,9 @@ TEST_F(DiagnosticLogger, TouchesThePiecesOnlyWhileTheBitIsOn) {
     EXPECT_EQ((Lines{"countedcounted"}), log.lines());
 }
 
-TEST_F(DiagnosticLogger, LetsThroughWhatAPieceThrows) {
+TEST_F(DiagnosticLogger, ThrowsWhatAnArgumentThrows) {
     logger.set_mask(1);
-    EXPECT_THROW(logger.log(1, "begun ", Refusing()), std::domain_error);
+    EXPECT_THROW(logger.log(1, "begun ", ThrowingArgument()), std::domain_error);
     EXPECT_EQ(Lines(), log.lines());
 }
 
@@ -164,7 +164,7 @@ TEST_F(DiagnosticLogger, IsNotFoundByAnotherName) {
     }
 }
 
-TEST_F(DiagnosticLogger, SharesItsNameAndItsMaskWithOthers) {
+TEST_F(DiagnosticLogger, SharesItsMaskWithOthersOfItsName) {
     const basic_diagnostic_logger same("test::logger");
     const basic_diagnostic_logger other("test::other");
     EXPECT_TRUE(set_diagnostic_mask("test::logger", 4));
@@ -173,7 +173,7 @@ TEST_F(DiagnosticLogger, SharesItsNameAndItsMaskWithOthers) {
     EXPECT_FALSE(other.enabled(4));
 }
 
-TEST_F(DiagnosticLogger, DoesNotInheritTheMaskOfAnOlderOneOfItsName) {
+TEST_F(DiagnosticLogger, DoesNotInheritTheMaskOfAnOlderLoggerOfItsName) {
     set_diagnostic_mask("test::logger", 4);
     const basic_diagnostic_logger later("test::logger");
     EXPECT_FALSE(later.enabled(4));
@@ -186,7 +186,7 @@ TEST_F(DiagnosticLogger, IsForgottenWhenItIsDestroyed) {
     EXPECT_FALSE(set_diagnostic_mask("test::short", 1));
 }
 
-TEST_F(DiagnosticLogger, LeavesItsNameToTheOthersWhenItIsDestroyed) {
+TEST_F(DiagnosticLogger, LeavesItsNameToOthersWhenItIsDestroyed) {
     auto shortLived = std::make_unique<basic_diagnostic_logger>("test::logger");
     shortLived.reset();
     EXPECT_TRUE(set_diagnostic_mask("test::logger", 4));

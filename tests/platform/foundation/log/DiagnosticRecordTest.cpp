@@ -1,4 +1,4 @@
-/// The records that a logger gives to the logging core.
+/// The records that a logger passes to the logging core.
 
 #include "support/Expect.hpp"
 #include "support/LogCapture.hpp"
@@ -87,7 +87,7 @@ TEST_F(DiagnosticRecord, HasTheChannelAndTheSeverityAndTheMessage) {
     EXPECT_EQ("line 1", log.records()[0].message);
 }
 
-TEST_F(DiagnosticRecord, HasAttributesOfExactlyTheseNamesAndTypes) {
+TEST_F(DiagnosticRecord, HasExactlyTheseAttributes) {
     std::map<std::string, std::type_index> types;
     const Sink sink([&](const RecordView& view) {
         for (const auto& attribute : view.attribute_values()) {
@@ -120,11 +120,11 @@ TEST_F(DiagnosticRecord, GoesToEverySink) {
     EXPECT_EQ((std::vector<std::string>{"line"}), other.lines());
 }
 
-TEST_F(DiagnosticRecord, IsDroppedWhenAFilterOfTheCoreRefusesIt) {
+TEST_F(DiagnosticRecord, IsDroppedWhenAFilterOfTheCoreRejectsIt) {
     const LogCapture log;
     {
         const Filter nothing([](const boost::log::attribute_value_set&) { return false; });
-        EXPECT_NO_THROW(logger.log(16, "refused"));
+        EXPECT_NO_THROW(logger.log(16, "rejected"));
     }
     logger.log(16, "accepted");
     EXPECT_EQ((std::vector<std::string>{"accepted"}), log.lines());
@@ -150,13 +150,13 @@ TEST_F(DiagnosticRecord, IsDroppedWhileTheCoreIsSwitchedOff) {
     EXPECT_EQ((std::vector<std::string>{"on"}), log.lines());
 }
 
-TEST_F(DiagnosticRecord, PassesOnWhatASinkThrows) {
+TEST_F(DiagnosticRecord, MakesLogThrowWhatASinkThrows) {
     const LogCapture log(
         [](const LogRecord& record) { throw std::domain_error("sink of " + record.message); });
     expectThrows<std::domain_error>("sink of line", [&] { logger.log(16, "line"); });
 }
 
-TEST_F(DiagnosticRecord, PassesOnWhatAFilterThrows) {
+TEST_F(DiagnosticRecord, MakesLogThrowWhatAFilterThrows) {
     const LogCapture log;
     const Filter throwing(
         [](const boost::log::attribute_value_set&) -> bool { throw std::domain_error("filter"); });
@@ -164,7 +164,7 @@ TEST_F(DiagnosticRecord, PassesOnWhatAFilterThrows) {
     EXPECT_EQ(std::vector<std::string>(), log.lines());
 }
 
-TEST_F(DiagnosticRecord, FollowsOneThatASinkRefusedByThrowing) {
+TEST_F(DiagnosticRecord, IsWrittenAfterOneForWhichASinkThrew) {
     bool throws = true;
     const LogCapture log([&](const LogRecord&) {
         if (throws)

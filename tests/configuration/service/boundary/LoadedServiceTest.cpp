@@ -1,8 +1,8 @@
-/// A program that does not link the configuration library and gets it with a plugin at run time. What
-/// it knows of the templates of the message framework it has compiled itself: there are two copies of
-/// their type information in the process, and they count as one.
-#include "configuration/service/border/LoadedPlugin.hpp"
-#include "configuration/service/border/Plugin.hpp"
+/// A program that does not link the configuration library but loads it with a plugin. It compiles
+/// the templates of the message framework itself, so the process has two copies of their type
+/// information, which must count as one.
+#include "configuration/service/boundary/LoadedPlugin.hpp"
+#include "configuration/service/boundary/Plugin.hpp"
 #include "support/Expect.hpp"
 
 #include <connector/ServiceMessage.hpp>
@@ -24,22 +24,22 @@ using test::plugin;
 using MessagePtr = std::unique_ptr<Message>;
 using Reply = connector::Future<MessagePtr>;
 
-/// Caught by its type when it has come through the library.
-class OutsideError : public std::runtime_error {
+/// Thrown through the library and caught by its type.
+class ProgramError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
 /// A request that the library has never seen.
-class OutsideRequest : public connector::ServiceMessage<ConfigurationServiceProvider> {
+class ProgramRequest : public connector::ServiceMessage<ConfigurationServiceProvider> {
 public:
-    explicit OutsideRequest(bool newFails) : fails(newFails) {}
+    explicit ProgramRequest(bool newFails) : fails(newFails) {}
 
     Reply deliver(std::shared_ptr<ConfigurationServiceProvider> provider, MessagePtr&& owner,
                   Address&&, std::shared_ptr<Context>&&) override {
         EXPECT_NE(nullptr, provider);
         if (fails)
-            throw OutsideError("from outside");
+            throw ProgramError("from the program");
         return connector::makeReadyFuture<MessagePtr>(std::move(owner));
     }
 
@@ -47,8 +47,8 @@ private:
     const bool fails;
 };
 
-/// A message that is no request of the service.
-class OutsideMessage : public Message {};
+/// A message that is not a request of the service.
+class ProgramMessage : public Message {};
 
 bool libraryIsLoaded() {
     return ::dlopen(TEST_LIBRARY, RTLD_NOW | RTLD_NOLOAD) != nullptr;
@@ -71,7 +71,7 @@ protected:
     std::shared_ptr<connector::ServiceProvider> provider;
 };
 
-TEST_F(LoadedService, AnswersARequestOfTheLibrarys) {
+TEST_F(LoadedService, RepliesToARequestOfTheLibrary) {
     MessagePtr get;
     plugin().find<test::MakeGet>("makeGet")("net.port", get);
     const MessagePtr reply = dispatch(std::move(get)).get();
@@ -79,33 +79,33 @@ TEST_F(LoadedService, AnswersARequestOfTheLibrarys) {
     EXPECT_STREQ("N9connector13configuration27ConfigurationOptionResponseE", typeid(held).name());
 }
 
-TEST_F(LoadedService, KnowsARequestThatWasMadeOutside) {
-    MessagePtr request = std::make_unique<OutsideRequest>(false);
+TEST_F(LoadedService, AcceptsARequestClassOfTheProgram) {
+    MessagePtr request = std::make_unique<ProgramRequest>(false);
     const Message* const sent = request.get();
     EXPECT_EQ(sent, dispatch(std::move(request)).get().get());
 }
 
-TEST_F(LoadedService, LetsTheExceptionsOfARequestThrough) {
-    expectThrows<OutsideError>("from outside",
-                               [&] { dispatch(std::make_unique<OutsideRequest>(true)); });
+TEST_F(LoadedService, ThrowsWhatARequestThrows) {
+    expectThrows<ProgramError>("from the program",
+                               [&] { dispatch(std::make_unique<ProgramRequest>(true)); });
 }
 
-TEST_F(LoadedService, RefusesAMessageThatIsNoRequest) {
-    Reply reply = dispatch(std::make_unique<OutsideMessage>());
+TEST_F(LoadedService, RefusesAMessageThatIsNotARequest) {
+    Reply reply = dispatch(std::make_unique<ProgramMessage>());
     expectThrows<std::invalid_argument>(
         std::string("Incorrect message type. Expected: N9connector14ServiceMessageINS_"
                     "13configuration28ConfigurationServiceProviderEEE but found ") +
-            typeid(OutsideMessage).name(),
+            typeid(ProgramMessage).name(),
         [&] { reply.get(); });
 }
 
-TEST_F(LoadedService, RefusesNothing) {
+TEST_F(LoadedService, ThrowsForANullMessage) {
     EXPECT_THROW(dispatch(nullptr), std::bad_typeid);
 }
 
-TEST_F(LoadedService, RefusesEverythingWhenItWasStoppedFromOutside) {
+TEST_F(LoadedService, RefusesEveryMessageAfterTheProgramStopsIt) {
     provider->stop();
-    Reply reply = dispatch(std::make_unique<OutsideRequest>(false));
+    Reply reply = dispatch(std::make_unique<ProgramRequest>(false));
     expectThrows<std::runtime_error>("Service exists but is not running.", [&] { reply.get(); });
 }
 

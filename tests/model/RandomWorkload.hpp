@@ -1,5 +1,5 @@
-/// A configuration in the hands of many threads at once, each of which does whatever comes to its
-/// mind, and the watchers, who do so, too, whenever they are called.
+/// A configuration that many threads use at once. Each thread, and each subscriber that is called,
+/// runs random operations.
 #pragma once
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -17,28 +17,28 @@
 
 namespace test::model {
 
-class Scene;
+class RandomWorkload;
 
-/// A subscriber. Any number of threads call it at once.
-class Watcher final
+/// A subscriber. Several threads may call it at once.
+class RandomSubscriber final
     : public connector::reactive_streams::Subscriber<connector::configuration::OptionValue> {
 public:
     using Subscription = connector::reactive_streams::Subscription;
     using OptionValue = connector::configuration::OptionValue;
 
-    /// @param newScene  outlives the watcher
-    Watcher(Scene& newScene, std::string newKey, std::uint64_t newDemand);
-    ~Watcher() override;
+    /// @param newWorkload  outlives the subscriber
+    RandomSubscriber(RandomWorkload& newWorkload, std::string newKey, std::uint64_t newDemand);
+    ~RandomSubscriber() override;
 
     void onSubscribe(std::weak_ptr<Subscription> newSubscription) override;
     void onNext(const OptionValue& value) override;
     void onComplete() override { ++completions; }
-    void onError(std::exception_ptr) override { ++breaches; }
+    void onError(std::exception_ptr) override { ++violations; }
 
     void request(std::uint64_t count);
     void cancel();
 
-    /// @return the values asked for and not yet received
+    /// @return the number of values requested and not yet received
     std::uint64_t demand() const { return requested - received; }
 
     const std::string key;
@@ -46,63 +46,63 @@ public:
     std::atomic<std::uint64_t> received{0};
     std::atomic<bool> isCancelled{false};
     std::atomic<int> completions{0};
-    std::atomic<int> breaches{0}; ///< calls that no publisher may make
+    std::atomic<int> violations{0}; ///< calls that a publisher must not make
 
 private:
-    Scene& scene;
+    RandomWorkload& workload;
     const std::uint64_t firstDemand;
-    std::weak_ptr<Subscription> subscription; // set before anybody else can reach the watcher
+    std::weak_ptr<Subscription> subscription; // set before another thread can use the subscriber
     std::atomic<std::uint64_t> requested{0};
 };
 
-/// What a watcher throws.
-class Thrown : public std::runtime_error {
+/// Thrown by a subscriber.
+class SubscriberFailure : public std::runtime_error {
 public:
-    Thrown() : std::runtime_error("thrown by a watcher") {}
+    SubscriberFailure() : std::runtime_error("thrown by a subscriber") {}
 };
 
-class Scene {
+class RandomWorkload {
 public:
     using Configuration = connector::configuration::ConfigurationImpl;
     using Publisher = Configuration::OptionPublisher;
 
-    /// A stream that was made, whatever became of it.
+    /// A stream that was created; it may have ended.
     struct Stream {
         std::weak_ptr<Publisher> publisher;
-        std::shared_ptr<Watcher> watcher;
+        std::shared_ptr<RandomSubscriber> subscriber;
     };
 
     static const std::vector<std::string>& keys();
 
-    /// Makes the calling thread's choices from now on.
+    /// Seeds the random choices of the calling thread.
     static void seed(std::uint64_t seed);
 
-    /// Does one thing at random.
-    void act();
+    /// Runs one random operation.
+    void step();
 
-    /// What a watcher does with a value: something at random, or nothing once the scene is calm.
-    void react(Watcher& watcher);
+    /// The reaction of a subscriber to a value: a random operation, or nothing after quiesce().
+    void react(RandomSubscriber& subscriber);
 
-    /// From now on watchers just take their values, only the configuration keeps publishers, and only
-    /// its own sources are left.
-    void calm();
+    /// From now on subscribers just take their values, only the configuration keeps publishers, and
+    /// only its own sources are left.
+    void quiesce();
 
-    /// Streams that ended long ago are left out.
+    /// Excludes streams that ended long ago.
     std::vector<Stream> takeStreams();
 
     std::shared_ptr<Configuration> configuration = std::make_shared<Configuration>();
 
-    std::atomic<std::uint64_t> actions{0};
+    std::atomic<std::uint64_t> steps{0};
     std::atomic<std::uint64_t> deliveries{0};
     std::atomic<std::uint64_t> thrown{0};
-    std::atomic<std::uint64_t> caught{0};  ///< what came back to those who act
-    std::atomic<std::int64_t> watchers{0}; ///< that are alive
+    std::atomic<std::uint64_t> caught{0};     ///< failures that reached the caller of an operation
+    std::atomic<std::int64_t> subscribers{0}; ///< alive now
 
 private:
     struct Slot {
         std::mutex mutex;
-        std::shared_ptr<Publisher> publisher; // guarded by mutex
-        std::shared_ptr<Watcher> watcher;     // guarded by mutex
+        std::shared_ptr<Publisher> publisher;         // guarded by mutex
+        std::shared_ptr<RandomSubscriber> subscriber; // guarded by mutex
     };
 
     void set();
@@ -114,19 +114,19 @@ private:
     void removeStream();
     void request();
     void cancel();
-    void letGo();
+    void release();
 
     Slot& anySlot();
-    std::shared_ptr<Watcher> anyWatcher();
-    void makeRoom();
+    std::shared_ptr<RandomSubscriber> anySubscriber();
+    void limitStreams();
 
-    // No call into the configuration or a publisher is made under one of these mutexes.
+    // These mutexes are never held during a call into the configuration or a publisher.
     std::array<Slot, 16> slots;
     std::mutex streamsMutex;
     std::vector<Stream> streams; // guarded by streamsMutex
     std::atomic<std::uint64_t> streamsMade{0};
     std::atomic<int> lastValue{0};
-    std::atomic<bool> isCalm{false};
+    std::atomic<bool> isQuiet{false};
 };
 
 } // namespace test::model

@@ -1,4 +1,4 @@
-#include "Scene.hpp"
+#include "RandomWorkload.hpp"
 
 #include <boost/variant/get.hpp>
 
@@ -13,7 +13,7 @@ using connector::configuration::OptionValue;
 namespace {
 
 thread_local std::mt19937_64 engine;
-thread_local int depth = 0; // of watchers that act within one another on this thread
+thread_local int depth = 0; // nesting of reactions on this thread
 
 std::size_t below(std::size_t end) {
     return engine() % end;
@@ -32,111 +32,113 @@ const std::string& anyName() {
 
 } // namespace
 
-Watcher::Watcher(Scene& newScene, std::string newKey, std::uint64_t newDemand)
-    : key(std::move(newKey)), scene(newScene), firstDemand(newDemand) {
-    ++scene.watchers;
+RandomSubscriber::RandomSubscriber(RandomWorkload& newWorkload, std::string newKey,
+                                   std::uint64_t newDemand)
+    : key(std::move(newKey)), workload(newWorkload), firstDemand(newDemand) {
+    ++workload.subscribers;
 }
 
-Watcher::~Watcher() {
-    --scene.watchers;
+RandomSubscriber::~RandomSubscriber() {
+    --workload.subscribers;
 }
 
-void Watcher::onSubscribe(std::weak_ptr<Subscription> newSubscription) {
+void RandomSubscriber::onSubscribe(std::weak_ptr<Subscription> newSubscription) {
     subscription = std::move(newSubscription);
     request(firstDemand);
 }
 
-void Watcher::onNext(const OptionValue& value) {
+void RandomSubscriber::onNext(const OptionValue& value) {
     if (++received > requested)
-        ++breaches;
+        ++violations;
     last = boost::get<int>(value);
-    ++scene.deliveries;
-    scene.react(*this);
+    ++workload.deliveries;
+    workload.react(*this);
 }
 
-void Watcher::request(std::uint64_t count) {
+void RandomSubscriber::request(std::uint64_t count) {
     requested += count;
     if (const auto alive = subscription.lock())
         alive->request(count);
 }
 
-void Watcher::cancel() {
+void RandomSubscriber::cancel() {
     isCancelled = true;
     if (const auto alive = subscription.lock())
         alive->cancel();
 }
 
-const std::vector<std::string>& Scene::keys() {
+const std::vector<std::string>& RandomWorkload::keys() {
     static const std::vector<std::string> keys = {"a", "b", "net.port", "net.host"};
     return keys;
 }
 
-void Scene::seed(std::uint64_t seed) {
+void RandomWorkload::seed(std::uint64_t seed) {
     engine.seed(seed);
 }
 
-void Scene::act() {
-    static const std::vector<void (Scene::*)()> choices = {
-        &Scene::set,    &Scene::set,       &Scene::set,          &Scene::setInSource,
-        &Scene::read,   &Scene::addSource, &Scene::removeSource, &Scene::watch,
-        &Scene::watch,  &Scene::request,   &Scene::request,      &Scene::request,
-        &Scene::cancel, &Scene::letGo,     &Scene::removeStream,
+void RandomWorkload::step() {
+    static const std::vector<void (RandomWorkload::*)()> choices = {
+        &RandomWorkload::set,          &RandomWorkload::set,     &RandomWorkload::set,
+        &RandomWorkload::setInSource,  &RandomWorkload::read,    &RandomWorkload::addSource,
+        &RandomWorkload::removeSource, &RandomWorkload::watch,   &RandomWorkload::watch,
+        &RandomWorkload::request,      &RandomWorkload::request, &RandomWorkload::request,
+        &RandomWorkload::cancel,       &RandomWorkload::release, &RandomWorkload::removeStream,
     };
-    ++actions;
+    ++steps;
     try {
         (this->*oneOf(choices))();
-    } catch (const Thrown&) {
+    } catch (const SubscriberFailure&) {
         ++caught;
     }
 }
 
-void Scene::react(Watcher& watcher) {
-    if (isCalm || depth > 2)
+void RandomWorkload::react(RandomSubscriber& subscriber) {
+    if (isQuiet || depth > 2)
         return;
     ++depth;
     switch (below(12)) {
     case 0:
     case 1:
-        act();
+        step();
         break;
     case 2:
-        watcher.cancel();
+        subscriber.cancel();
         break;
     case 3:
     case 4:
         --depth;
         ++thrown;
-        throw Thrown();
+        throw SubscriberFailure();
     default:
-        watcher.request(below(3));
+        subscriber.request(below(3));
     }
     --depth;
 }
 
-void Scene::calm() {
-    isCalm = true;
+void RandomWorkload::quiesce() {
+    isQuiet = true;
     for (Slot& slot : slots) {
         slot.publisher.reset();
-        slot.watcher.reset();
+        slot.subscriber.reset();
     }
     for (const std::string& name : names)
         configuration->removeSource(name);
 }
 
-std::vector<Scene::Stream> Scene::takeStreams() {
+std::vector<RandomWorkload::Stream> RandomWorkload::takeStreams() {
     const std::lock_guard<std::mutex> lock(streamsMutex);
     return std::exchange(streams, {});
 }
 
-void Scene::set() {
+void RandomWorkload::set() {
     configuration->set(oneOf(keys()), ++lastValue);
 }
 
-void Scene::setInSource() {
+void RandomWorkload::setInSource() {
     configuration->set(oneOf(keys()), ++lastValue, below(3) == 0 ? "default" : anyName());
 }
 
-void Scene::read() {
+void RandomWorkload::read() {
     const std::string& key = oneOf(keys());
     switch (below(4)) {
     case 0:
@@ -153,7 +155,7 @@ void Scene::read() {
     }
 }
 
-void Scene::addSource() {
+void RandomWorkload::addSource() {
     static const std::vector<std::string> groups = {"", "net"};
     static const std::vector<std::string> localKeys = {"a", "b", "port", "host", "net.port"};
     std::unordered_map<std::string, OptionValue> entries;
@@ -163,69 +165,69 @@ void Scene::addSource() {
                                      below(4) == 0, std::move(entries));
 }
 
-void Scene::removeSource() {
+void RandomWorkload::removeSource() {
     configuration->removeSource(anyName());
 }
 
-/// Replaces what a slot held: that stream lives on for as long as the configuration keeps it.
-void Scene::watch() {
-    makeRoom();
+/// Replaces the content of a slot. The old stream exists for as long as the configuration keeps it.
+void RandomWorkload::watch() {
+    limitStreams();
     const std::string& key = oneOf(keys());
     auto publisher = configuration->watchOption(key);
     ++streamsMade;
-    auto watcher = std::make_shared<Watcher>(*this, key, below(4));
+    auto subscriber = std::make_shared<RandomSubscriber>(*this, key, below(4));
     try {
-        publisher->subscribe(watcher);
-    } catch (const Thrown&) {
+        publisher->subscribe(subscriber);
+    } catch (const SubscriberFailure&) {
         ++caught;
     }
     {
         const std::lock_guard<std::mutex> lock(streamsMutex);
-        streams.push_back({publisher, watcher});
+        streams.push_back({publisher, subscriber});
     }
     Slot& slot = anySlot();
     const std::lock_guard<std::mutex> lock(slot.mutex);
     slot.publisher.swap(publisher);
-    slot.watcher.swap(watcher);
+    slot.subscriber.swap(subscriber);
 }
 
-/// The ids of the youngest streams are near the number of those that were made.
-void Scene::removeStream() {
+/// The ids of the newest streams are just below the number of streams created.
+void RandomWorkload::removeStream() {
     const std::uint64_t made = streamsMade;
     configuration->removeStream(made - std::min<std::uint64_t>(made, below(32)));
 }
 
-void Scene::request() {
-    if (const auto watcher = anyWatcher())
-        watcher->request(below(4));
+void RandomWorkload::request() {
+    if (const auto subscriber = anySubscriber())
+        subscriber->request(below(4));
 }
 
-void Scene::cancel() {
-    if (const auto watcher = anyWatcher())
-        watcher->cancel();
+void RandomWorkload::cancel() {
+    if (const auto subscriber = anySubscriber())
+        subscriber->cancel();
 }
 
-void Scene::letGo() {
-    std::shared_ptr<Publisher> publisher; // goes after the lock
+void RandomWorkload::release() {
+    std::shared_ptr<Publisher> publisher; // destroyed after the lock
     Slot& slot = anySlot();
     const std::lock_guard<std::mutex> lock(slot.mutex);
     publisher.swap(slot.publisher);
 }
 
-Scene::Slot& Scene::anySlot() {
+RandomWorkload::Slot& RandomWorkload::anySlot() {
     return slots[below(slots.size())];
 }
 
-std::shared_ptr<Watcher> Scene::anyWatcher() {
+std::shared_ptr<RandomSubscriber> RandomWorkload::anySubscriber() {
     Slot& slot = anySlot();
     const std::lock_guard<std::mutex> lock(slot.mutex);
-    return slot.watcher;
+    return slot.subscriber;
 }
 
-/// Forgets streams that have ended; while there are too many others, ends the oldest.
-void Scene::makeRoom() {
+/// Drops streams that have ended, and cancels the oldest when too many are left.
+void RandomWorkload::limitStreams() {
     std::vector<Stream> ended;
-    std::shared_ptr<Watcher> oldest;
+    std::shared_ptr<RandomSubscriber> oldest;
     {
         const std::lock_guard<std::mutex> lock(streamsMutex);
         if (streams.size() < 128)
@@ -236,7 +238,7 @@ void Scene::makeRoom() {
         ended.assign(std::make_move_iterator(firstEnded), std::make_move_iterator(streams.end()));
         streams.erase(firstEnded, streams.end());
         if (streams.size() > 64)
-            oldest = streams.front().watcher;
+            oldest = streams.front().subscriber;
     }
     if (oldest)
         oldest->cancel();

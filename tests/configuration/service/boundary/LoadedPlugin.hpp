@@ -1,4 +1,4 @@
-/// Loads the plugin so that its symbols, and those of the libraries that it brings, stay its own.
+/// Loads the plugin, keeping its symbols and those of its libraries out of the global scope.
 #pragma once
 
 #include <dlfcn.h>
@@ -26,11 +26,11 @@ public:
     }
 
 private:
-    // Never closed: objects and exceptions whose code it has may outlive every user.
+    // Never closed, because objects and exceptions that need its code may still exist.
     void* const handle;
 };
 
-/// @return the one plugin of this program
+/// @return the only plugin of this program
 inline const LoadedPlugin& plugin() {
     static const LoadedPlugin loaded(TEST_PLUGIN);
     return loaded;

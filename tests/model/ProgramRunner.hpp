@@ -1,4 +1,4 @@
-/// Plays a program on one side, the library's or the model's, and keeps its journal.
+/// Runs a program on the library or on the model, and keeps the journal.
 #pragma once
 
 #include "Journal.hpp"
@@ -14,21 +14,22 @@
 
 namespace test::model {
 
-class Player;
+class ProgramRunner;
 
-/// One step of a program, for whichever side plays it.
+/// One step of a program, for either side.
 struct Operation {
     std::string text;
-    std::function<std::string(Player&)> run; ///< says the outcome; empty when there is none
+    std::function<std::string(ProgramRunner&)>
+        run; ///< returns the outcome; empty when there is none
 };
 
 using Program = std::vector<Operation>;
 
-/// In a script: the stream of the subscriber that is called. Every other index of a stream is taken
-/// modulo their number.
+/// In a script: the stream of the subscriber that is called. Other indexes are taken modulo the
+/// number of streams.
 inline constexpr std::size_t itsOwn = std::numeric_limits<std::size_t>::max();
 
-/// What a subscriber does when it is called: the operations, then perhaps a throw.
+/// What a subscriber does when it is called: runs the operations, then throws if `throws` is set.
 struct Reaction {
     std::vector<Operation> operations;
     bool throws = false;
@@ -36,30 +37,30 @@ struct Reaction {
 
 struct Script {
     Reaction onSubscribe;
-    std::vector<Reaction> onNext; ///< to the first values; the later ones are just taken
-    Reaction onComplete;          ///< throws nothing: it runs in destructors
+    std::vector<Reaction> onNext; ///< for the first values; later ones have no reaction
+    Reaction onComplete;          ///< must not throw, because it runs in destructors
     std::string text;
 };
 
-class Player {
+class ProgramRunner {
 public:
     using SubjectMaker = std::function<std::unique_ptr<Subject>(Journal&)>;
     using PublisherMaker = std::function<std::unique_ptr<Stream>(std::function<void()> onFinish)>;
 
-    /// @param makePublisher  of publishers that belong to no configuration
-    Player(const SubjectMaker& makeSubject, PublisherMaker makePublisher);
+    /// @param newMakePublisher  creates publishers that belong to no configuration
+    ProgramRunner(const SubjectMaker& makeSubject, PublisherMaker makePublisher);
 
-    /// Does one step, and notes it, its outcome and everything that happens meanwhile.
+    /// Runs one step. Records it, its outcome and every event during it.
     void perform(const Operation& operation);
 
-    /// Destroys the configuration, then lets go of every publisher.
+    /// Destroys the configuration, then releases every publisher.
     void finish();
 
-    /// @return what was noted since the last call, and which publishers are alive now
+    /// @return the lines since the last call, and which publishers are alive now
     std::vector<std::string> takeJournal();
 
-    // What operations do.
-    Subject& configuration(); ///< throws when it is gone
+    // The actions of operations.
+    Subject& configuration(); ///< throws when it is destroyed
     void destroyConfiguration();
     void watch(const std::string& key);
     /// @param script  of a subscriber to the new stream
@@ -67,7 +68,7 @@ public:
     void addPublisher();
     void subscribe(std::size_t index, const std::shared_ptr<const Script>& script);
     void followCompletion(std::size_t index);
-    /// Does it to one of the streams; to none when there is none.
+    /// Applies the action to one of the streams, if there are any.
     void withStream(std::size_t index, const std::function<void(Stream&)>& action);
 
 private:

@@ -1,4 +1,4 @@
-#include "Player.hpp"
+#include "ProgramRunner.hpp"
 
 #include <exception>
 #include <stdexcept>
@@ -8,7 +8,7 @@ namespace test::model {
 
 namespace {
 
-/// Which of a script's reactions an event calls for.
+/// Selects the reaction of a script to an event.
 class Reactions {
 public:
     explicit Reactions(std::shared_ptr<const Script> newScript) : script(std::move(newScript)) {}
@@ -33,11 +33,11 @@ private:
 
 } // namespace
 
-Player::Player(const SubjectMaker& makeSubject, PublisherMaker newMakePublisher)
+ProgramRunner::ProgramRunner(const SubjectMaker& makeSubject, PublisherMaker newMakePublisher)
     : subject(makeSubject(journal)), makePublisher(std::move(newMakePublisher)) {
 }
 
-void Player::perform(const Operation& operation) {
+void ProgramRunner::perform(const Operation& operation) {
     journal.note("> " + operation.text);
     try {
         const std::string outcome = operation.run(*this);
@@ -49,13 +49,13 @@ void Player::perform(const Operation& operation) {
     journal.note("<");
 }
 
-void Player::finish() {
+void ProgramRunner::finish() {
     destroyConfiguration();
-    for (std::size_t i = 0; i < streams.size(); ++i) // may grow meanwhile
-        streams[i]->letGo();
+    for (std::size_t i = 0; i < streams.size(); ++i) // may grow in the loop
+        streams[i]->release();
 }
 
-std::vector<std::string> Player::takeJournal() {
+std::vector<std::string> ProgramRunner::takeJournal() {
     std::string alive = "alive: ";
     for (const auto& stream : streams)
         alive += stream->isAlive() ? '1' : '0';
@@ -63,23 +63,24 @@ std::vector<std::string> Player::takeJournal() {
     return journal.take();
 }
 
-Subject& Player::configuration() {
+Subject& ProgramRunner::configuration() {
     if (!subject)
-        throw std::logic_error("the configuration is gone");
+        throw std::logic_error("the configuration is destroyed");
     return *subject;
 }
 
-void Player::destroyConfiguration() {
-    const std::unique_ptr<Subject> dying = std::move(subject); // nobody calls it while it dies
+void ProgramRunner::destroyConfiguration() {
+    const std::unique_ptr<Subject> destroyed =
+        std::move(subject); // unreachable for operations during destruction
 }
 
-void Player::watch(const std::string& key) {
+void ProgramRunner::watch(const std::string& key) {
     auto stream = configuration().watchOption(key);
     streams.push_back(std::move(stream));
 }
 
-/// The finish callback uses the publisher, as it may: no lock is held meanwhile.
-void Player::addPublisher() {
+/// The finish callback calls the publisher, which is allowed because no lock is held.
+void ProgramRunner::addPublisher() {
     const std::size_t index = streams.size();
     streams.push_back(makePublisher([this, index] {
         journal.note("finish callback " + std::to_string(index));
@@ -88,26 +89,26 @@ void Player::addPublisher() {
     }));
 }
 
-std::size_t Player::resolved(std::size_t index) const {
+std::size_t ProgramRunner::resolved(std::size_t index) const {
     return (index == itsOwn ? current : index) % streams.size();
 }
 
-void Player::withStream(std::size_t index, const std::function<void(Stream&)>& action) {
+void ProgramRunner::withStream(std::size_t index, const std::function<void(Stream&)>& action) {
     if (!streams.empty())
         action(*streams[resolved(index)]);
 }
 
-void Player::watch(const std::string& key, const std::shared_ptr<const Script>& script) {
+void ProgramRunner::watch(const std::string& key, const std::shared_ptr<const Script>& script) {
     watch(key);
     subscribe(streams.size() - 1, script);
 }
 
-void Player::subscribe(std::size_t index, const std::shared_ptr<const Script>& script) {
+void ProgramRunner::subscribe(std::size_t index, const std::shared_ptr<const Script>& script) {
     withStream(index,
                [&](Stream& stream) { stream.subscribe(makeListener(resolved(index), script)); });
 }
 
-void Player::followCompletion(std::size_t index) {
+void ProgramRunner::followCompletion(std::size_t index) {
     withStream(index, [this, index](Stream& stream) {
         const std::string name = "completion of stream " + std::to_string(resolved(index));
         stream.followCompletion(
@@ -115,8 +116,8 @@ void Player::followCompletion(std::size_t index) {
     });
 }
 
-std::shared_ptr<Listener> Player::makeListener(std::size_t index,
-                                               const std::shared_ptr<const Script>& script) {
+std::shared_ptr<Listener> ProgramRunner::makeListener(std::size_t index,
+                                                      const std::shared_ptr<const Script>& script) {
     const std::string name = "subscriber " + std::to_string(listeners++);
     return std::make_shared<Listener>(
         journal, name, [this, name, index, reactions = Reactions(script)](auto event) mutable {
@@ -124,7 +125,7 @@ std::shared_ptr<Listener> Player::makeListener(std::size_t index,
         });
 }
 
-void Player::react(const std::string& name, std::size_t index, const Reaction& reaction) {
+void ProgramRunner::react(const std::string& name, std::size_t index, const Reaction& reaction) {
     const std::size_t before = std::exchange(current, index);
     for (const Operation& operation : reaction.operations)
         perform(operation);

@@ -1,8 +1,7 @@
-/// Types are the same on both sides of the library's border: in a program that links the library, and
-/// in a plugin that brings it along.
+/// Types count as the same in a program that links the library and in a plugin that links it, too.
 #include "configuration/service/Messages.hpp"
-#include "configuration/service/border/LoadedPlugin.hpp"
-#include "configuration/service/border/Plugin.hpp"
+#include "configuration/service/boundary/LoadedPlugin.hpp"
+#include "configuration/service/boundary/Plugin.hpp"
 #include "support/Expect.hpp"
 
 #include <connector/configuration/service/ConfigurationServiceProviderImpl.hpp>
@@ -29,19 +28,19 @@ std::shared_ptr<connector::ServiceProvider> makeProvider() {
     return provider;
 }
 
-TEST(TypeInformation, LetsAServiceOfAPluginKnowTheRequestsOfTheProgram) {
+TEST(TypeInformation, LetsAServiceOfAPluginAcceptRequestsOfTheProgram) {
     const Option option = test::optionIn(send<ConfigurationGet>(*makeProvider(), "net.port"));
     EXPECT_EQ("override", option.source);
     EXPECT_EQ(80, boost::get<int>(option.value));
     EXPECT_THAT(test::keysIn(send<ConfigurationKeys>(*makeProvider())), ElementsAre("net.port"));
 }
 
-TEST(TypeInformation, LetsAServiceOfAPluginRefuseTheRepliesOfTheProgram) {
+TEST(TypeInformation, LetsAServiceOfAPluginRefuseRepliesOfTheProgram) {
     auto reply = send<ConfigurationOptionResponse>(*makeProvider());
     EXPECT_THROW(reply.get(), std::invalid_argument);
 }
 
-TEST(TypeInformation, LetsTheProgramKnowTheMessagesOfAPlugin) {
+TEST(TypeInformation, LetsTheProgramRecogniseMessagesOfAPlugin) {
     MessagePtr message;
     plugin().find<test::MakeGet>("makeGet")("net.port", message);
     EXPECT_EQ("net.port", test::as<ConfigurationGet>(message).key);
@@ -49,7 +48,7 @@ TEST(TypeInformation, LetsTheProgramKnowTheMessagesOfAPlugin) {
     EXPECT_TRUE(typeid(ConfigurationGet) == typeid(held));
 }
 
-TEST(TypeInformation, LetsTheProgramKnowTheProviderOfAPlugin) {
+TEST(TypeInformation, LetsTheProgramRecogniseTheProviderOfAPlugin) {
     const auto provider = makeProvider();
     EXPECT_NE(nullptr, std::dynamic_pointer_cast<ConfigurationServiceProviderImpl>(provider));
     EXPECT_NE(
@@ -58,14 +57,15 @@ TEST(TypeInformation, LetsTheProgramKnowTheProviderOfAPlugin) {
             provider));
 }
 
-TEST(TypeInformation, LetsTheProgramCatchTheFailuresOfAService) {
-    expectThrows<std::runtime_error>("Source not found or not writable: net.port, nowhere", [] {
-        send<ConfigurationSet>(*makeProvider(), "net.port", 81, "nowhere");
+TEST(TypeInformation, LetsTheProgramCatchFailuresOfAService) {
+    expectThrows<std::runtime_error>("Source not found or not writable: net.port, unknown", [] {
+        send<ConfigurationSet>(*makeProvider(), "net.port", 81, "unknown");
     });
 }
 
 TEST(TypeInformation, LetsTheProgramCatchWhatAPluginThrows) {
-    EXPECT_THROW(plugin().find<test::ReadNothing>("readNothing")(), Poco::NullPointerException);
+    EXPECT_THROW(plugin().find<test::ReadNullObject>("readNullObject")(),
+                 Poco::NullPointerException);
     EXPECT_THROW(plugin().find<test::ReadWrongType>("readWrongType")(), boost::bad_get);
 }
 

@@ -1,4 +1,4 @@
-/// What the plugin offers to programs that load it at run time.
+/// The functions that the plugin exports to programs that load it at run time.
 ///
 /// The plugin links the configuration library. Results come back through arguments, because the
 /// functions have C names.
@@ -11,14 +11,14 @@
 
 namespace test {
 
-/// Makes a running service in front of a new configuration with the option net.port = 80.
+/// Creates a running service with a new configuration that has the option net.port = 80.
 using MakeProvider = void(std::shared_ptr<connector::ServiceProvider>& provider);
 
-/// Makes a ConfigurationGet.
+/// Creates a ConfigurationGet.
 using MakeGet = void(const std::string& key, std::unique_ptr<connector::Message>& message);
 
-/// Reads a ConfigurationGet out of a null JSON object, which throws Poco::NullPointerException.
-using ReadNothing = void();
+/// Reads a ConfigurationGet from a null JSON object, which throws Poco::NullPointerException.
+using ReadNullObject = void();
 
 /// Reads an int option as text, which throws boost::bad_get.
 using ReadWrongType = void();

@@ -1,4 +1,4 @@
-/// What the tests of reading share: the messages' converters, and rows.
+/// Shared by the reading tests: the converters of the messages, and table rows.
 #pragma once
 
 #include "configuration/service/Messages.hpp"
@@ -9,7 +9,7 @@
 
 namespace test {
 
-/// Both functions of one message.
+/// The two conversion functions of one message class.
 struct Converter {
     using Object = Poco::JSON::Object::Ptr;
 
@@ -33,11 +33,11 @@ inline const Converter optionResponse{
 inline const Converter add{connector::configuration::deserializeAddPropertyFileSourceRequest,
                            connector::configuration::serializeAddPropertyFileSourceRequest};
 
-/// What arrives, and the form of the message that it is read as.
+/// An input, and the JSON of the message that is read from it.
 struct Row {
     int line;
-    std::string arrives;
-    std::string isReadAs;
+    std::string input;
+    std::string expected;
 };
 
 } // namespace test

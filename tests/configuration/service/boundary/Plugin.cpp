@@ -1,4 +1,4 @@
-#include "configuration/service/border/Plugin.hpp"
+#include "configuration/service/boundary/Plugin.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/configuration/json/MessageJson.hpp>
@@ -29,7 +29,7 @@ PLUGIN_EXPORT void makeGet(const std::string& key, std::unique_ptr<connector::Me
     message = std::make_unique<ConfigurationGet>(key);
 }
 
-PLUGIN_EXPORT void readNothing() {
+PLUGIN_EXPORT void readNullObject() {
     deserializeConfigurationGet(nullptr);
 }
 
