@@ -1,5 +1,5 @@
-/// Asks a configuration service for an option, as a component does that knows the service only by
-/// its messages: makes a request, dispatches it, and reads the reply out of the future.
+/// Gets options from a configuration service by messages: creates a request, dispatches it and
+/// reads the reply from the future.
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/configuration/service/ConfigurationGet.hpp>
 #include <connector/configuration/service/ConfigurationOptionResponse.hpp>
@@ -22,7 +22,7 @@ void show(connector::ServiceProvider& service, const std::string& key) {
     const std::unique_ptr<connector::Message> reply = future.get();
     const auto& response = dynamic_cast<const ConfigurationOptionResponse&>(*reply);
     if (const Option* const option = response.option.get())
-        std::cout << option->key << " = " << boost::get<int>(option->value) << ", says "
+        std::cout << option->key << " = " << boost::get<int>(option->value) << ", from "
                   << option->source << '\n';
     else
         std::cout << key << " is not set\n";
@@ -40,7 +40,7 @@ int main() {
         show(*service, "net.port");
         show(*service, "net.host");
         service->stop();
-        show(*service, "net.port"); // the future holds the failure
+        show(*service, "net.port"); // the future throws: the service is stopped
     } catch (const std::exception& failure) {
         std::cout << failure.what() << '\n';
     }

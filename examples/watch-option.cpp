@@ -1,4 +1,4 @@
-/// Follows an option: the value that it has now, and every one that it gets.
+/// Watches an option: prints its current value and every later one.
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/reactive_streams/Subscriber.hpp>
 
@@ -8,7 +8,7 @@ using namespace connector::configuration;
 using connector::reactive_streams::Subscriber;
 using connector::reactive_streams::Subscription;
 
-/// Takes one value at a time: it asks for the next when it is done with the last.
+/// Requests one value at a time: the next one after the last one is handled.
 class PortWatcher : public Subscriber<OptionValue> {
 public:
     void onSubscribe(std::weak_ptr<Subscription> newSubscription) override {
@@ -19,7 +19,7 @@ public:
         std::cout << "net.port is now " << boost::get<std::string>(value) << '\n';
         requestOne();
     }
-    void onComplete() override { std::cout << "no more news\n"; }
+    void onComplete() override { std::cout << "completed\n"; }
     void onError(std::exception_ptr) override {}
 
 private:
@@ -37,8 +37,8 @@ int main() {
                                          u"examples/properties/site.properties");
     configuration->watchOption("net.port")->subscribe(std::make_shared<PortWatcher>());
 
-    configuration->set("net.port", std::string("8080")); // to "override", which hides "site"
-    configuration->set("net.port", std::string("1234"), "default"); // hidden: 8080 comes again
-    configuration->removeSource("override");                        // back to what "site" says
-    configuration.reset();                                          // its streams end with it
+    configuration->set("net.port", std::string("8080")); // in "override", which hides "site"
+    configuration->set("net.port", std::string("1234"), "default"); // hidden: delivers 8080 again
+    configuration->removeSource("override");                        // the value of "site" again
+    configuration.reset();                                          // completes the stream
 }

@@ -99,7 +99,7 @@ TEST(DiagnosticsOrder, TheLaterLinesAreWrittenUnderTheMutex) {
     }
 }
 
-/// Runs an operation with a sink that throws at one line. Expects that the operation throws that.
+/// Runs an operation with a sink that throws at one line. Expects it to throw the same.
 void runWithFailingSink(const std::string& failingLine, const std::function<void()>& operation) {
     const LogCapture log([&](const LogRecord& record) {
         if (record.message == failingLine)
@@ -173,7 +173,7 @@ TEST(FailingSink, DuringTheRemovalOfASourceLeavesItRemoved) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST(FailingSink, BeforeWatchOptionConsumesNoId) {
+TEST(FailingSink, PreventsWatchOptionFromConsumingAnId) {
     const auto configuration = makeConfiguration();
     runWithFailingSink("watchOption: x", [&] { configuration->watchOption("x"); });
     const auto subscriber = test::watch(*configuration, "x");

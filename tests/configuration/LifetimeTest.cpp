@@ -1,5 +1,5 @@
-/// Who may outlive whom, and who may release whom while a call runs. Meant for the address sanitizer,
-/// which sees what these tests would otherwise only stumble over.
+/// What may outlive what, and what may be released during a call. Also meant for the address
+/// sanitizer, which detects every use after free.
 #include "configuration/Answers.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "configuration/ScriptedSource.hpp"
@@ -78,7 +78,7 @@ TEST_F(LastPointer, ReleasedByASubscriberWhileASourceReportsAChange) {
     EXPECT_THAT(subscriber->values(), ElementsAre(9));
 }
 
-TEST(RemovedSource, ThatOutlivesTheConfigurationReportsToNobody) {
+TEST(RemovedSource, ThatOutlivesTheConfigurationIsHarmless) {
     Journal journal;
     const auto source = std::make_shared<ScriptedSource>(journal, "source");
     auto configuration = makeConfiguration();
@@ -90,8 +90,8 @@ TEST(RemovedSource, ThatOutlivesTheConfigurationReportsToNobody) {
     EXPECT_THAT(journal, ElementsAre());
 }
 
-TEST(RemovedSource, WithACopyOfItsWatcherIsHarmlessAfterTheConfiguration) {
-    // What a source does that calls its watcher on another thread, without a lock of its own
+TEST(RemovedSource, MayCallACopyOfItsWatcherAfterTheDestruction) {
+    // A source that reports from another thread can still hold its watcher at this point.
     struct Keeping : InMemorySource {
         Keeping() : InMemorySource({}) {}
         void setWatcher(Watcher watcher) override {
@@ -108,7 +108,7 @@ TEST(RemovedSource, WithACopyOfItsWatcherIsHarmlessAfterTheConfiguration) {
     EXPECT_NO_THROW(source->copy("x"));
 }
 
-TEST(RemovedSource, OfAConfigurationOnTheStackStillReportsWhileThatLives) {
+TEST(RemovedSource, OfAConfigurationOnTheStackStillReports) {
     Journal journal;
     const auto source = std::make_shared<ScriptedSource>(journal, "source");
     ConfigurationImpl configuration;
@@ -122,7 +122,7 @@ TEST(RemovedSource, OfAConfigurationOnTheStackStillReportsWhileThatLives) {
 /// A log sink runs in the middle of an operation and can change the registry.
 class RemovingSink : public testing::Test {
 protected:
-    /// Removes "source", which nobody else owns, when that line is written.
+    /// Removes "source", which has no other owner, when this line is written.
     void removeAt(const std::string& line) {
         foundation::log::set_diagnostic_mask("connector::configuration", 8);
         removing = line;
@@ -137,7 +137,7 @@ protected:
     }};
 };
 
-TEST_F(RemovingSink, BeforeASourceIsAskedForAValueLeavesTheAnswer) {
+TEST_F(RemovingSink, BeforeASourceIsAskedForAValueDoesNotChangeTheResult) {
     configuration->addSource("source", "group", -1, false,
                              std::make_shared<ScriptedSource>(
                                  journal, "source", std::map<std::string, OptionValue>{{"x", 5}}));
@@ -146,14 +146,14 @@ TEST_F(RemovingSink, BeforeASourceIsAskedForAValueLeavesTheAnswer) {
     EXPECT_FALSE(test::has(*configuration, "group.x"));
 }
 
-TEST_F(RemovingSink, BeforeASourceIsAskedForAnOptionLeavesTheAnswer) {
+TEST_F(RemovingSink, BeforeASourceIsAskedForAnOptionDoesNotChangeTheResult) {
     configuration->addInMemorySource("source", "group", -1, false, {{"x", 5}});
     removeAt("get option: group.x from source");
     EXPECT_EQ("source", test::supplierOf(*configuration, "group.x"));
     EXPECT_FALSE(test::has(*configuration, "group.x"));
 }
 
-TEST_F(RemovingSink, BeforeAWriteLeavesTheWrite) {
+TEST_F(RemovingSink, BeforeAWriteDoesNotPreventIt) {
     const auto source =
         std::make_shared<InMemorySource>(std::unordered_map<std::string, OptionValue>{});
     configuration->addSource("source", "group", -1, false, source);
@@ -163,7 +163,7 @@ TEST_F(RemovingSink, BeforeAWriteLeavesTheWrite) {
     EXPECT_FALSE(test::has(*configuration, "group.x"));
 }
 
-TEST(SourceWhoseKeys, RemoveItIsNotRemovedAgain) {
+TEST(KeysOfASource, MayRemoveTheSource) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "source");
@@ -178,7 +178,7 @@ TEST(SourceWhoseKeys, RemoveItIsNotRemovedAgain) {
     EXPECT_THAT(test::sourcesOf(*configuration), ElementsAre("override", "default"));
 }
 
-TEST(SourceWhoseKeys, ReplaceItKeepTheReplacement) {
+TEST(KeysOfASource, MayReplaceTheSource) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "source");

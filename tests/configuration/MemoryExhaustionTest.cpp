@@ -1,5 +1,5 @@
-/// What is left when memory runs out in the middle of an operation: each of its allocations fails in
-/// turn. A program of its own, because it replaces the global operator new.
+/// Operations that run out of memory: each of their allocations fails in turn. This is a program of
+/// its own because it replaces the global operator new.
 #include "configuration/Answers.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 #include "support/AllocationFailure.hpp"
@@ -25,7 +25,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
 
-// Longer than what a string holds in place, so that every copy allocates.
+// Too long for the small-string optimisation, so that every copy allocates.
 const std::string key = "group.a.key.that.is.longer.than.a.short.string";
 const std::string localKey = key.substr(6);
 const std::string text = "a text that is longer than what a string holds in place";
@@ -49,7 +49,7 @@ void expectUnchanged(const Subject& configuration) {
     EXPECT_THAT(test::sourcesOf(*configuration), ElementsAre("override", "group", "default"));
 }
 
-/// Fails each allocation of an operation that changes nothing.
+/// Fails each allocation of a read-only operation in turn.
 template <typename Operation>
 void expectHarmless(Operation operation) {
     const std::size_t failures =
@@ -89,14 +89,14 @@ TEST(MemoryExhaustion, DuringSetLeavesTheOldValueOrTheNewOne) {
         [](const Subject& configuration) { EXPECT_EQ(otherText, textOf(*configuration)); });
 }
 
-TEST(MemoryExhaustion, AfterAValueIsStoredDoesNotFailASetThatNobodyWatches) {
+TEST(MemoryExhaustion, AfterAValueIsStoredDoesNotFailASetWithoutSubscribers) {
     failEveryAllocation(
         makeSubject, [](const Subject& configuration) { configuration->set("x", 1); },
         [](const Subject& configuration) { EXPECT_FALSE(test::has(*configuration, "x")); },
         [](const Subject& configuration) { EXPECT_EQ(1, test::intOf(*configuration, "x")); });
 }
 
-TEST(MemoryExhaustion, DuringAnAdditionLeavesTheSourceOutOrIn) {
+TEST(MemoryExhaustion, DuringAddSourceRegistersTheSourceOrNot) {
     const auto add = [](const Subject& configuration) {
         return configuration->addInMemorySource("added", "group", 4, true, {{localKey, otherText}});
     };
@@ -111,7 +111,7 @@ TEST(MemoryExhaustion, DuringAnAdditionLeavesTheSourceOutOrIn) {
         [](const Subject& configuration) { EXPECT_EQ(otherText, textOf(*configuration)); });
 }
 
-TEST(MemoryExhaustion, DuringARemovalThatNobodyWatchesLeavesTheSourceInOrOut) {
+TEST(MemoryExhaustion, DuringRemoveSourceRemovesTheSourceOrNot) {
     failEveryAllocation(
         makeSubject, [](const Subject& configuration) { configuration->removeSource("group"); },
         expectUnchanged,
@@ -147,7 +147,7 @@ TEST(MemoryExhaustion, WhileSubscribersAreNotifiedLosesNoLaterValue) {
                         expectServed, expectServed);
 }
 
-TEST(MemoryExhaustion, WhileAStreamIsCancelledLeavesItOrEndsIt) {
+TEST(MemoryExhaustion, WhileAStreamIsCancelledEndsItOrNot) {
     struct Watched {
         std::shared_ptr<ConfigurationImpl> configuration = makeConfiguration();
         std::shared_ptr<ConfigurationImpl::OptionPublisher> publisher =

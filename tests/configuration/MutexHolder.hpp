@@ -15,7 +15,7 @@
 
 namespace test {
 
-/// Holds the mutex from construction to release(). Its thread sits inside the `has` of a source
+/// Holds the mutex from construction to release(). Its thread waits inside `has` of a source
 /// named "holder", whose group no other lookup matches.
 class MutexHolder {
 public:

@@ -1,7 +1,7 @@
-# Runs the example program EXAMPLE and compares what it writes.
+# Runs the example program EXAMPLE and compares its output.
 execute_process(COMMAND "${EXAMPLE}"
     OUTPUT_VARIABLE output ERROR_VARIABLE errors RESULT_VARIABLE status)
-set(expected "net.port = 8080, says site
+set(expected "net.port = 8080, from site
 net.host is not set
 Service exists but is not running.
 ")

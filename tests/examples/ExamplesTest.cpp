@@ -14,7 +14,7 @@ TEST(WatchOptionExample, PrintsEachEffectiveValue) {
                             "net.port is now 8080\n"
                             "net.port is now 8080\n"
                             "net.port is now 9090\n"
-                            "no more news\n",
+                            "completed\n",
                             ""}),
               test::run({WATCH_OPTION_PROGRAM}));
 }

@@ -83,8 +83,8 @@ public:
     /// The reaction of a subscriber to a value: a random operation, or nothing after quiesce().
     void react(RandomSubscriber& subscriber);
 
-    /// From now on subscribers just take their values, only the configuration keeps publishers, and
-    /// only its own sources are left.
+    /// From now on subscribers do not react, only the configuration keeps publishers, and only the
+    /// built-in sources are left.
     void quiesce();
 
     /// Excludes streams that ended long ago.

@@ -1,4 +1,4 @@
-/// Holds docs/messages.md against the library: every JSON block of its section "The messages" is
+/// Checks docs/messages.md against the library: every JSON block of its section "The messages" is
 /// read and written, and every row of its tables is tried.
 #include "configuration/json/Json.hpp"
 #include "configuration/service/Messages.hpp"

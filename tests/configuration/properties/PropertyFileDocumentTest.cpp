@@ -1,4 +1,4 @@
-/// Holds the examples of docs/property-files.md against the library.
+/// Checks the examples of docs/property-files.md against the library.
 
 #include "configuration/properties/parsing/Observation.hpp"
 

@@ -70,7 +70,7 @@ TEST_F(ChangingSource, SuppliesTheValueWhenItHasTheKeyAtTheSecondCall) {
     EXPECT_EQ(1, test::intOf(*configuration, "net.x"));
 }
 
-TEST_F(ChangingSource, ThatThrowsFromGetMakesTheLookupThrowThat) {
+TEST_F(ChangingSource, MakesTheLookupThrowWhatItsGetThrows) {
     source->answersOfHas = {true, true};
     EXPECT_THROW(configuration->get("net.missing"), std::out_of_range);
     EXPECT_TRUE(test::mutexIsFree(*configuration));

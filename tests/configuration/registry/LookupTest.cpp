@@ -50,7 +50,7 @@ TEST(Lookup, NamesTheWholeKeyInTheFailure) {
     }
 }
 
-TEST(Lookup, OfAMissingKeyIsFalseForHas) {
+TEST(Lookup, HasIsFalseForAMissingKey) {
     EXPECT_FALSE(has(*makeConfiguration(), "x"));
 }
 
@@ -172,37 +172,37 @@ protected:
         makeConfiguration();
 };
 
-TEST_F(LookupCalls, OfGetAskTwiceForTheKeyAndThenForTheValue) {
+TEST_F(LookupCalls, GetAsksTwiceForTheKeyAndThenForTheValue) {
     configuration->get("net.port");
     EXPECT_THAT(journal, ElementsAre("net has port", "net has port", "net get port"));
 }
 
-TEST_F(LookupCalls, OfGetOptionAskTwiceForTheKeyAndThenForTheValue) {
+TEST_F(LookupCalls, GetOptionAsksTwiceForTheKeyAndThenForTheValue) {
     configuration->getOption("net.port");
     EXPECT_THAT(journal, ElementsAre("net has port", "net has port", "net get port"));
 }
 
-TEST_F(LookupCalls, OfHasAskOnce) {
+TEST_F(LookupCalls, HasAsksOnce) {
     configuration->has("net.port");
     EXPECT_THAT(journal, ElementsAre("net has port"));
 }
 
-TEST_F(LookupCalls, SkipASourceWhoseGroupDoesNotMatch) {
+TEST_F(LookupCalls, ASourceWhoseGroupDoesNotMatchIsSkipped) {
     configuration->get("x");
     EXPECT_THAT(journal, ElementsAre("all has x", "all has x", "all get x"));
 }
 
-TEST_F(LookupCalls, AskEachSourceForItsLocalKey) {
+TEST_F(LookupCalls, EachSourceIsAskedForItsLocalKey) {
     configuration->get("net.host");
     EXPECT_THAT(journal, ElementsAre("net has host", "all has net.host"));
 }
 
-TEST_F(LookupCalls, OfKeysAskEverySourceOnce) {
+TEST_F(LookupCalls, KeysAsksEverySourceOnce) {
     configuration->keys();
     EXPECT_THAT(journal, ElementsAre("net keys", "all keys"));
 }
 
-TEST_F(LookupCalls, PassACopyOfTheCallersKey) {
+TEST_F(LookupCalls, SourcesReceiveACopyOfTheCallersKey) {
     const std::string key = "x";
     const auto isCopy = [&key](const std::string& local) { EXPECT_NE(&key, &local); };
     all->onHas = all->onGet = all->onSet = isCopy;
@@ -213,7 +213,7 @@ TEST_F(LookupCalls, PassACopyOfTheCallersKey) {
     EXPECT_EQ(12u, journal.size()); // 3 + 3 + 1 and set, has, has, get, set returns
 }
 
-TEST_F(LookupCalls, ThrowWhatHasOfASourceThrows) {
+TEST_F(LookupCalls, AnExceptionFromHasOfASourceIsThrown) {
     all->onHas = [](const std::string&) { throw std::range_error("no answer"); };
     EXPECT_THROW(configuration->get("x"), std::range_error);
     EXPECT_THROW(configuration->getOption("x"), std::range_error);
@@ -222,14 +222,14 @@ TEST_F(LookupCalls, ThrowWhatHasOfASourceThrows) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(LookupCalls, ThrowWhatGetOfASourceThrows) {
+TEST_F(LookupCalls, AnExceptionFromGetOfASourceIsThrown) {
     all->onGet = [](const std::string&) { throw std::range_error("no value"); };
     EXPECT_THROW(configuration->get("x"), std::range_error);
     EXPECT_THROW(configuration->getOption("x"), std::range_error);
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(LookupCalls, ThrowWhatKeysOfASourceThrows) {
+TEST_F(LookupCalls, AnExceptionFromKeysOfASourceIsThrown) {
     all->onKeys = [](const std::string&) { throw std::range_error("no keys"); };
     EXPECT_THROW(configuration->keys(), std::range_error);
     EXPECT_TRUE(test::mutexIsFree(*configuration));

@@ -139,7 +139,7 @@ TEST_F(DerivedSource, IsAskedForSubscribersInTheSameWay) {
     EXPECT_THAT(subscriber->values(), ElementsAre(7, 7));
 }
 
-TEST_F(DerivedSource, DerivedFromAPropertyFileIsAskedInTheSameWay) {
+TEST_F(DerivedSource, OfAPropertyFileIsAskedInTheSameWay) {
     const std::string path = testing::TempDir() + "own-tables.properties";
     std::ofstream(path) << "x=1\n";
     configuration->addSource("derived", "", 5, true,
@@ -195,7 +195,7 @@ TEST_F(TablesUnderGroups, AreAskedInOrderAfterASourceOfTheApplication) {
     configuration->removeSource("scripted");
 }
 
-TEST(OwnTables, OfASharedSourceShowValuesThatAreSetDirectly) {
+TEST(OwnTables, ShowValuesThatAreSetDirectlyInASharedSource) {
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<InMemorySource>(table("x", 1));
     configuration->addSource("shared", "net", 5, false, source);

@@ -231,7 +231,7 @@ TEST(SourceRegistry, ForgetsTheOptionsOfARemovedSource) {
     EXPECT_THAT(configuration->keys().get(), IsEmpty());
 }
 
-TEST(SourceRegistry, SharesASourceUntilItIsRemoved) {
+TEST(SourceRegistry, OwnsASourceUntilItIsRemoved) {
     const auto configuration = makeConfiguration();
     const auto source =
         std::make_shared<InMemorySource>(std::unordered_map<std::string, OptionValue>{{"key", 1}});

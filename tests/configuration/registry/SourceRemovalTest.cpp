@@ -123,7 +123,7 @@ TEST_F(SourceRemoval, NeverCallsTheRemovedSourceAgain) {
     EXPECT_THAT(journal, ElementsAre());
 }
 
-TEST_F(SourceRemoval, OfASourceWhoseKeysThrowsThrowsAndKeepsIt) {
+TEST_F(SourceRemoval, ThrowsAndKeepsASourceWhoseKeysThrows) {
     const auto source = add("a", "", -1, {{"x", 1}});
     source->onKeys = [](const std::string&) { throw std::range_error("no keys"); };
     EXPECT_THROW(remove("a"), std::range_error);
@@ -157,7 +157,7 @@ TEST_F(SourceRemoval, ContinuesAfterASubscriberRemovedAnotherSource) {
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override"));
 }
 
-TEST_F(SourceRemoval, ByTheDestructorClearsTheWatchersInTheOrderOfConsultation) {
+TEST_F(SourceRemoval, DestructionClearsTheWatchersInTheOrderOfConsultation) {
     const auto a = add("a", "", 5, {});
     const auto b = add("b", "net", 5, {});
     const auto c = add("c", "", -1, {});
@@ -166,7 +166,7 @@ TEST_F(SourceRemoval, ByTheDestructorClearsTheWatchersInTheOrderOfConsultation) 
     EXPECT_FALSE(a->isWatched());
 }
 
-TEST_F(SourceRemoval, BeforeTheDestructorLeavesTheWatcherInstalled) {
+TEST_F(SourceRemoval, LeavesTheWatcherInstalledAfterTheDestruction) {
     const auto a = add("a", "", 5, {});
     remove("a");
     journal.clear();
@@ -175,7 +175,7 @@ TEST_F(SourceRemoval, BeforeTheDestructorLeavesTheWatcherInstalled) {
     EXPECT_THAT(journal, ElementsAre());
 }
 
-TEST_F(SourceRemoval, ByTheDestructorLeavesASharedSourceUsable) {
+TEST_F(SourceRemoval, DestructionLeavesASharedSourceUsable) {
     const auto a = add("a", "", 5, {{"x", 1}});
     const auto subscriber = watch(*configuration, "x");
     configuration.reset();
@@ -184,7 +184,7 @@ TEST_F(SourceRemoval, ByTheDestructorLeavesASharedSourceUsable) {
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
-TEST_F(SourceRemoval, ByTheDestructorClearsWatchersThenCompletesStreamsThenReleasesSources) {
+TEST_F(SourceRemoval, DestructionClearsWatchersThenCompletesStreamsThenReleasesSources) {
     add("a", "", 5, {});
     const auto subscriber = watch(*configuration, "x");
     subscriber->inOnComplete = [&] { journal.push_back("completed"); };

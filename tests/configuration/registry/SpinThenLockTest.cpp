@@ -1,5 +1,5 @@
-/// How long a lookup spins for a mutex that is taken. The class is private to the library; the clock
-/// and the pauses are those of the test.
+/// How long a lookup spins for a locked mutex. The header is private to the library. The test
+/// supplies the clock and the pauses.
 #include <connector/configuration/registry/SpinThenLock.hpp>
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ using connector::configuration::detail::maxSpinTime;
 using connector::configuration::detail::spinUntilLocked;
 using std::chrono::nanoseconds;
 
-/// Advanced by pauses only.
+/// A clock that only pauses advance.
 struct ManualClock {
     using duration = nanoseconds;
     using time_point = std::chrono::time_point<ManualClock, duration>;
@@ -21,7 +21,7 @@ struct ManualClock {
     static inline time_point current{};
 };
 
-/// A mutex that becomes free at an attempt, or never.
+/// A mutex that becomes free at the given attempt, or never.
 struct ScriptedLock {
     bool try_lock() { return ++attempts == freeAt; }
 
@@ -29,14 +29,14 @@ struct ScriptedLock {
     int attempts = 0;
 };
 
-/// @param pause  what one pause of the processor takes
+/// @param pause  the duration of one pause
 nanoseconds timeSpent(ScriptedLock& lock, nanoseconds pause) {
     const auto start = ManualClock::now();
     spinUntilLocked<ManualClock>(lock, [pause] { ManualClock::current += pause; });
     return ManualClock::now() - start;
 }
 
-TEST(SpinThenLock, GivesUpAfterTenMicrosecondsWhateverAPauseTakes) {
+TEST(SpinThenLock, StopsAfterTenMicrosecondsForEveryLengthOfAPause) {
     for (const nanoseconds pause : {nanoseconds(5), nanoseconds(12), nanoseconds(50)}) {
         ScriptedLock lock;
         const nanoseconds spent = timeSpent(lock, pause);

@@ -184,40 +184,40 @@ protected:
         makeConfiguration();
 };
 
-TEST_F(SetCalls, WriteTheLocalKeyAndThenLookItUpForSubscribers) {
+TEST_F(SetCalls, TheLocalKeyIsWrittenAndThenLookedUpForSubscribers) {
     configuration->set("net.port", 80);
     EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
                                      "net set returns"));
     EXPECT_EQ(80, boost::get<int>(source->values.at("port")));
 }
 
-TEST_F(SetCalls, AreTheSameForANamedSource) {
+TEST_F(SetCalls, ANamedSourceIsWrittenInTheSameWay) {
     configuration->set("net.port", 80, "net");
     EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
                                      "net set returns"));
 }
 
-TEST_F(SetCalls, ReturnWhatTheSourceReturned) {
+TEST_F(SetCalls, TheResultOfTheSourceIsReturned) {
     source->resultOfSet = 77;
     EXPECT_EQ(77, intIn(configuration->set("net.port", 80)));
     EXPECT_EQ(77, intIn(configuration->set("net.port", 81, "net")));
 }
 
-TEST_F(SetCalls, DoNotReachOtherSources) {
+TEST_F(SetCalls, OtherSourcesAreNotCalled) {
     configuration->set("x", 1);
     EXPECT_ANY_THROW(configuration->set("x", 1, "net").get());
     EXPECT_ANY_THROW(configuration->set("net.x", 1, "unknown").get());
     EXPECT_THAT(journal, IsEmpty());
 }
 
-TEST_F(SetCalls, ThatFailNotifyNoSubscriber) {
+TEST_F(SetCalls, AFailedSetNotifiesNoSubscriber) {
     configuration->set("x", 1);
     const auto subscriber = test::watch(*configuration, "x");
     EXPECT_ANY_THROW(configuration->set("x", 2, "net").get());
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
-TEST_F(SetCalls, ThrowWhatTheSourceThrows) {
+TEST_F(SetCalls, AnExceptionFromTheSourceIsThrown) {
     source->onSet = [](const std::string&) { throw std::range_error("refused"); };
     expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80); });
     expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80, "net"); });
@@ -225,7 +225,7 @@ TEST_F(SetCalls, ThrowWhatTheSourceThrows) {
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
-TEST_F(SetCalls, KeepASourceAliveThatASubscriberRemoves) {
+TEST_F(SetCalls, ASourceThatASubscriberRemovesIsKeptAlive) {
     test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net"); });
     journal.clear();
     source->resultOfSet = 77;
@@ -235,7 +235,7 @@ TEST_F(SetCalls, KeepASourceAliveThatASubscriberRemoves) {
                                      "net keys", "net set returns", "net destroyed"));
 }
 
-TEST_F(SetCalls, KeepANamedSourceAliveThatASubscriberRemoves) {
+TEST_F(SetCalls, ANamedSourceThatASubscriberRemovesIsKeptAlive) {
     test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net"); });
     journal.clear();
     source.reset();
@@ -245,11 +245,11 @@ TEST_F(SetCalls, KeepANamedSourceAliveThatASubscriberRemoves) {
     EXPECT_EQ("net destroyed", journal[6]);
 }
 
-/// set when a property file with the entry port = 80 is registered.
-class SetBesidePropertyFile : public testing::Test {
+/// A configuration and a property file with the entry port = 80.
+class SetWithAPropertyFile : public testing::Test {
 protected:
-    SetBesidePropertyFile() { std::ofstream(path) << "port = 80\n"; }
-    ~SetBesidePropertyFile() override { std::filesystem::remove(path); }
+    SetWithAPropertyFile() { std::ofstream(path) << "port = 80\n"; }
+    ~SetWithAPropertyFile() override { std::filesystem::remove(path); }
 
     const std::filesystem::path path =
         std::filesystem::temp_directory_path() /
@@ -258,14 +258,14 @@ protected:
         makeConfiguration();
 };
 
-TEST_F(SetBesidePropertyFile, SkipsItWhenItIsReadOnly) {
+TEST_F(SetWithAPropertyFile, SkipsItWhenItIsReadOnly) {
     configuration->addPropertyFileSource("file", "", -1, true, path.u16string()).get();
     configuration->set("port", 81);
     EXPECT_EQ("80", boost::get<std::string>(configuration->get("port").get()));
     EXPECT_EQ(81, boost::get<int>(*configuration->explain("port")[1].value));
 }
 
-TEST_F(SetBesidePropertyFile, ThrowsWhenItIsRegisteredAsWritable) {
+TEST_F(SetWithAPropertyFile, ThrowsWhenItIsRegisteredAsWritable) {
     configuration->addPropertyFileSource("file", "", -1, false, path.u16string()).get();
     expectThrows<std::runtime_error>("PropertyFileSource does not support writing",
                                      [&] { configuration->set("port", 81); });

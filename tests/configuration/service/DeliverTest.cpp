@@ -25,12 +25,12 @@ using RequestOfTheService = connector::ServiceMessage<ConfigurationServiceProvid
 
 class Deliver : public testing::Test {
 protected:
-    /// Lets `request` deliver itself out of `owner`.
+    /// Calls deliver of `request` with `owner`.
     Reply deliver(RequestOfTheService& request, MessagePtr& owner) {
         return request.deliver(provider, std::move(owner), Address(), nullptr);
     }
 
-    /// Lets the request in `owner` deliver itself.
+    /// Calls deliver of the request in `owner`.
     Reply deliver(MessagePtr& owner) {
         return deliver(dynamic_cast<RequestOfTheService&>(*owner), owner);
     }

@@ -1,4 +1,4 @@
-/// The first value of a stream beside a change on another thread.
+/// The first value of a stream while another thread changes the option.
 #include "configuration/Answers.hpp"
 #include "configuration/RecordingSubscriber.hpp"
 
@@ -13,7 +13,7 @@ namespace {
 using test::makeConfiguration;
 using test::RecordingSubscriber;
 
-/// Whichever of the two calls is first, the stream ends up with the value of the change.
+/// In either order of the two calls, the stream delivers the value of the change.
 TEST(FirstValue, DoesNotEvictANewerOne) {
     constexpr int rounds = 5000;
     const auto configuration = makeConfiguration();

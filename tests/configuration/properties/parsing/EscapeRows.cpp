@@ -6,7 +6,7 @@ using namespace std::string_literals; // for strings with NUL
 
 std::vector<PropertyRow> escapeRows() {
     return {
-        // In a key, the escaped character stands for itself.
+        // In a key, an escaped character is text.
         {__LINE__,
          "AnEscapedEqualsSignBelongsToTheKey",
          "a\\=b=c\n",

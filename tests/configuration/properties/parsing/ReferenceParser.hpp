@@ -15,7 +15,7 @@ struct ParseListeners {
 };
 
 /// Parses `stream` into `options`, one character at a time. Shares no code with the library's
-/// parser, so that the comparison of the two means something.
+/// parser, so that a comparison of the two is meaningful.
 void parseByReference(std::istream& stream, std::map<std::string, std::string>& options,
                       const ParseListeners& listeners);
 
