@@ -15,8 +15,8 @@ namespace test {
 
 namespace {
 
+using connector::configuration::detail::OptionMap;
 using connector::configuration::detail::StreamCursor;
-using connector::configuration::detail::Table;
 using connector::configuration::detail::TableLoader;
 
 /// A file whose lines are loaded one by one.
@@ -37,7 +37,7 @@ public:
             addLine(length);
     }
 
-    Table table;
+    OptionMap table;
     std::istringstream stream;
     StreamCursor cursor{stream};
     TableLoader loader;
