@@ -18,24 +18,23 @@ function(connector_relative_path from to result)
 endfunction()
 
 # connector_install_headers(DIRECTORY DESTINATION): the headers below a directory, without those of
-# its private rooms
+# its private rooms and of the service, which is no library yet
+include(PrivateHeaders)
+list(JOIN connector_private_rooms "|" connector_uninstalled_rooms)
+string(APPEND connector_uninstalled_rooms "|connector/service")
 function(connector_install_headers directory destination)
     install(DIRECTORY "${directory}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${destination}"
         FILES_MATCHING PATTERN "*.hpp"
         PATTERN detail EXCLUDE
-        REGEX "/connector/configuration/(properties|registry|watching)$" EXCLUDE
-        REGEX "/connector/service$" EXCLUDE)
+        REGEX "/(${connector_uninstalled_rooms})$" EXCLUDE)
 endfunction()
 
 # The library
 connector_install_headers("${PROJECT_SOURCE_DIR}/connector" connector)
-foreach(header IN ITEMS # of private rooms, which public headers need
-        async/detail/Errors
-        configuration/registry/ConfigurationSourceMap
-        configuration/watching/OptionStreams)
+foreach(header IN LISTS connector_installed_private_headers)
     cmake_path(GET header PARENT_PATH parent)
-    install(FILES "${PROJECT_SOURCE_DIR}/connector/${header}.hpp"
-        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/${parent}")
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${parent}")
 endforeach()
 install(FILES "${PROJECT_BINARY_DIR}/connector/include/connector/Export.hpp"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector")

@@ -21,6 +21,7 @@ base_packages=(
     libpoco-dev
     ninja-build
     pkg-config
+    python3
 )
 
 say() { printf '%s\n' "$*" >&2; }

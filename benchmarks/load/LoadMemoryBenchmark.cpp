@@ -1,8 +1,8 @@
 /// What a loaded property file takes of the heap, counted block by block as the C library cuts them:
 /// the bytes an entry keeps, and the highest that stood at any moment of loading. A program of its
 /// own, because the counting costs time.
-#include "load/LoadCase.hpp"
-#include "load/Tables.hpp"
+#include "LoadCase.hpp"
+#include "Tables.hpp"
 
 #include <malloc.h>
 
