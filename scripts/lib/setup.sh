@@ -141,7 +141,8 @@ configure() {
         return
     fi
     say "Configuring build/$1"
-    quietly "configure-$1" cmake --fresh --preset "$1" || die "cannot configure the preset $1"
+    rm -rf "$tree/CMakeCache.txt" "$tree/CMakeFiles"
+    quietly "configure-$1" cmake --preset "$1" || die "cannot configure the preset $1"
 }
 
 # build PRESET [TARGET]

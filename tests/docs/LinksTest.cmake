@@ -1,5 +1,5 @@
 # Every link from one of our documents to a file of ours leads to one.
-cmake_minimum_required(VERSION 3.25)
+cmake_minimum_required(VERSION 3.22)
 
 file(GLOB documents RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/*.md" "${SOURCE_DIR}/docs/*.md"
     "${SOURCE_DIR}/docs/decisions/*.md")

@@ -1,6 +1,6 @@
 # The steps that the tests of the package have in common. Included by their scripts, which CMake runs
 # with the definitions that CMakeLists.txt lists.
-cmake_minimum_required(VERSION 3.25)
+cmake_minimum_required(VERSION 3.22)
 
 # fail(TEXT): ends the test
 function(fail text)
