@@ -83,6 +83,11 @@ set(connector_platform_libs "-lconnector-platform -lboost_log -lboost_thread")
 if(CONNECTOR_PLATFORM)
     set(connector_platform_libs "")
 endif()
+# Boost and POCO are the application's, too, so they stand under Libs; static libraries need no more.
+set(connector_static_definitions "")
+if(NOT BUILD_SHARED_LIBS)
+    set(connector_static_definitions " -DCONNECTOR_STATIC_DEFINE -DCONNECTOR_PLATFORM_STATIC_DEFINE")
+endif()
 connector_relative_path("${connector_pkgconfig_dir}" "" pkgconfig_to_prefix)
 configure_file("${CMAKE_CURRENT_LIST_DIR}/connector-configuration.pc.in"
     "${PROJECT_BINARY_DIR}/cmake/connector-configuration.pc" @ONLY)

@@ -34,3 +34,21 @@ function(connector_own_target target)
         target_compile_options(${target} PRIVATE -Werror)
     endif()
 endfunction()
+
+# connector_own_library(TARGET NAME EXPORT_MACRO...): the settings that every library of ours shares.
+# NAME is its name for others: connector::NAME. The export macros, with which its headers declare what
+# is exported, are empty where the library is static; whoever uses it must know that, too.
+function(connector_own_library target name)
+    connector_own_target(${target})
+    add_library(connector::${name} ALIAS ${target})
+    set_target_properties(${target} PROPERTIES
+        EXPORT_NAME ${name}
+        POSITION_INDEPENDENT_CODE ON # a static one may become a part of a shared one
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        INSTALL_RPATH "$ORIGIN")
+    if(NOT BUILD_SHARED_LIBS)
+        list(TRANSFORM ARGN REPLACE "_EXPORT$" "_STATIC_DEFINE" OUTPUT_VARIABLE definitions)
+        target_compile_definitions(${target} PUBLIC ${definitions})
+    endif()
+endfunction()

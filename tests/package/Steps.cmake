@@ -47,6 +47,22 @@ function(build_project source build)
     run(ignored "${CMAKE_COMMAND}" --build "${build}")
 endfunction()
 
+# build_with_pkg_config(PREFIX PROGRAM): builds the consumer with what pkg-config says of the package
+function(build_with_pkg_config prefix program)
+    set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIBDIR}/pkgconfig")
+    run(compile_flags "${PKG_CONFIG}" --cflags connector-configuration)
+    run(link_flags "${PKG_CONFIG}" --libs connector-configuration)
+    run(library_directory "${PKG_CONFIG}" --variable=libdir connector-configuration)
+    string(STRIP "${library_directory}" library_directory)
+    separate_arguments(compile_flags UNIX_COMMAND "${CXX_FLAGS} ${compile_flags}")
+    separate_arguments(link_flags UNIX_COMMAND "${CXX_FLAGS} ${link_flags}")
+
+    run(ignored ${CXX_LAUNCHER} "${CXX}" -std=c++17 ${compile_flags}
+        -c "${CMAKE_CURRENT_LIST_DIR}/consumer/consumer.cpp" -o "${program}.o")
+    run(ignored "${CXX}" "${program}.o" -o "${program}"
+        ${link_flags} "-Wl,-rpath,${library_directory}")
+endfunction()
+
 # expect_consumer_output(PROGRAM): the consumer runs and says what its source promises
 function(expect_consumer_output program)
     run(output "${program}")

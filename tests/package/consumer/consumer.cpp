@@ -23,4 +23,5 @@ int main() {
     std::cout << port.key << " = ";
     connector::configuration::fromOptionValue(port.value)->stringify(std::cout);
     std::cout << " from " << port.source << '\n';
+    return 0; // not left out: this is no main where it is compiled into a shared library
 }
