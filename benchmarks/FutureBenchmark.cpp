@@ -1,4 +1,4 @@
-/// What a result costs that is known already: to make it and to take it.
+/// The cost of a future whose value is known already: to create it and to take its value.
 #include "HandMadeFuture.hpp"
 #include "Harness.hpp"
 
@@ -39,7 +39,7 @@ void addCase(const std::string& kind, const T& value) {
                        for (auto _ : state)
                            isRight &= boost::get<T>(makeAndTake(original)) == value;
                        if (!isRight)
-                           state.SkipWithError("another value came out");
+                           state.SkipWithError("the future returned a wrong value");
                    });
     };
     add("ours", ours);

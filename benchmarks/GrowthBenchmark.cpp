@@ -1,6 +1,6 @@
-/// How the cost of every operation of a configuration grows with its sources, their keys, the streams
-/// of other keys, and the watchers of the key itself. Each number is doubled four times while the
-/// others stay; docs/complexity.md shows what comes of it.
+/// How the cost of every operation grows with the number of sources, of keys in each source, of
+/// streams of other keys, and of watchers of the key itself. Each number is doubled four times
+/// while the others stay the same. docs/complexity.md shows the results.
 #include "Harness.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -32,10 +32,10 @@ using connector::reactive_streams::Subscription;
 using Table = std::unordered_map<std::string, OptionValue>;
 
 struct Size {
-    int sources = 2;   ///< beside the one that can be written
+    int sources = 2;   ///< besides the writable one
     int keys = 1000;   ///< of each source
-    int streams = 100; ///< each of another key
-    int watchers = 4;  ///< of the key that the operations are about
+    int streams = 100; ///< each of a different key
+    int watchers = 4;  ///< of the key that the operations use
 
     bool operator<(const Size& other) const {
         return std::tie(sources, keys, streams, watchers) <
@@ -53,7 +53,7 @@ public:
     void onError(std::exception_ptr) override {}
 };
 
-/// @return the keys of one source, which are its own but for the one that all operations are about
+/// @return a table with `keys` keys that no other source has
 Table tableOf(int source, int keys) {
     Table table;
     for (int i = 0; i < keys; ++i)
@@ -61,17 +61,17 @@ Table tableOf(int source, int keys) {
     return table;
 }
 
-/// What all operations are about.
+/// The key that all operations use.
 const std::string key = "net.port";
 
-/// @return what is added and removed: keys of its own, and the one
+/// @return the table that is added and removed: keys that no other source has, and `key`
 Table addedTable(int keys) {
     Table table = tableOf(-1, keys - 1);
     table[key] = 1;
     return table;
 }
 
-/// A file with the same keys; gone with the object.
+/// A temporary file with the same keys. The destructor removes it.
 class PropertyFile {
 public:
     explicit PropertyFile(int keys) {
@@ -93,10 +93,10 @@ private:
     std::string name = "/tmp/growth-XXXXXX";
 };
 
-/// A configuration of some size. The key stands in the last of its sources, behind which only the one
-/// comes that can be written.
-struct World {
-    explicit World(const Size& size) : keys(size.keys), file(size.keys) {
+/// A configuration of a given size. The last source has `key`; only the writable source is
+/// consulted after it.
+struct Fixture {
+    explicit Fixture(const Size& size) : keys(size.keys), file(size.keys) {
         configuration->removeSource("override").get();
         for (int i = 0; i < size.sources; ++i) {
             Table table = tableOf(i, size.keys);
@@ -118,7 +118,7 @@ struct World {
     }
 
     void watchKey() {
-        streamsOfKey.push_back(streamsSoFar); // ids are given in order, and never again
+        streamsOfKey.push_back(streamsSoFar); // ids are consecutive and never reused
         watch(key);
     }
     void removeNewestStream() {
@@ -141,76 +141,79 @@ struct World {
     const PropertyFile file;
     const std::shared_ptr<ConfigurationImpl> configuration = std::make_shared<ConfigurationImpl>();
     std::uint64_t streamsSoFar = 0;
-    std::deque<std::uint64_t> streamsOfKey; // ids, the oldest first
+    std::deque<std::uint64_t> streamsOfKey; // ids, oldest first
     Table table;
     std::shared_ptr<InMemorySource> source;
 };
 
-using Step = std::function<void(World&)>;
+using Step = std::function<void(Fixture&)>;
 
 struct Operation {
     const char* name;
-    Step prepare; ///< untimed, may be empty
+    Step prepare; ///< not timed, may be empty
     Step run;
-    Step undo; ///< untimed, may be empty
+    Step undo; ///< not timed, may be empty
 };
 
 const Operation operations[] = {
-    {"get", {}, [](World& world) { world.configuration->get(key).get(); }, {}},
-    {"getOption", {}, [](World& world) { world.configuration->getOption(key).get(); }, {}},
-    {"has", {}, [](World& world) { world.configuration->has(key).get(); }, {}},
-    {"explain", {}, [](World& world) { world.configuration->explain(key); }, {}},
-    {"keys", {}, [](World& world) { world.configuration->keys().get(); }, {}},
-    {"set", {}, [](World& world) { world.configuration->set(key, 1).get(); }, {}},
+    {"get", {}, [](Fixture& fixture) { fixture.configuration->get(key).get(); }, {}},
+    {"getOption", {}, [](Fixture& fixture) { fixture.configuration->getOption(key).get(); }, {}},
+    {"has", {}, [](Fixture& fixture) { fixture.configuration->has(key).get(); }, {}},
+    {"explain", {}, [](Fixture& fixture) { fixture.configuration->explain(key); }, {}},
+    {"keys", {}, [](Fixture& fixture) { fixture.configuration->keys().get(); }, {}},
+    {"set", {}, [](Fixture& fixture) { fixture.configuration->set(key, 1).get(); }, {}},
     {"set in a named source",
      {},
-     [](World& world) { world.configuration->set(key, 1, "default").get(); },
+     [](Fixture& fixture) { fixture.configuration->set(key, 1, "default").get(); },
      {}},
     {"watchOption",
      {},
-     [](World& world) { world.watchKey(); },
-     [](World& world) { world.removeNewestStream(); }},
+     [](Fixture& fixture) { fixture.watchKey(); },
+     [](Fixture& fixture) { fixture.removeNewestStream(); }},
     {"removeStream of the newest",
-     [](World& world) { world.watchKey(); },
-     [](World& world) { world.removeNewestStream(); },
+     [](Fixture& fixture) { fixture.watchKey(); },
+     [](Fixture& fixture) { fixture.removeNewestStream(); },
      {}},
     {"removeStream of the oldest",
-     [](World& world) { world.watchKey(); },
-     [](World& world) { world.removeOldestStream(); },
+     [](Fixture& fixture) { fixture.watchKey(); },
+     [](Fixture& fixture) { fixture.removeOldestStream(); },
      {}},
-    {"addSource", [](World& world) { world.prepareSource(); },
-     [](World& world) { world.configuration->addSource("added", "", 5, true, world.source).get(); },
-     [](World& world) { world.removeAdded(); }},
-    {"addInMemorySource", [](World& world) { world.prepareTable(); },
-     [](World& world) { world.addTable(); }, [](World& world) { world.removeAdded(); }},
+    {"addSource", [](Fixture& fixture) { fixture.prepareSource(); },
+     [](Fixture& fixture) {
+         fixture.configuration->addSource("added", "", 5, true, fixture.source).get();
+     },
+     [](Fixture& fixture) { fixture.removeAdded(); }},
+    {"addInMemorySource", [](Fixture& fixture) { fixture.prepareTable(); },
+     [](Fixture& fixture) { fixture.addTable(); }, [](Fixture& fixture) { fixture.removeAdded(); }},
     {"addPropertyFileSource",
      {},
-     [](World& world) {
-         world.configuration->addPropertyFileSource("added", "", 5, true, world.file.path()).get();
+     [](Fixture& fixture) {
+         fixture.configuration->addPropertyFileSource("added", "", 5, true, fixture.file.path())
+             .get();
      },
-     [](World& world) { world.removeAdded(); }},
+     [](Fixture& fixture) { fixture.removeAdded(); }},
     {"removeSource",
-     [](World& world) {
-         world.prepareTable();
-         world.addTable();
+     [](Fixture& fixture) {
+         fixture.prepareTable();
+         fixture.addTable();
      },
-     [](World& world) { world.removeAdded(); },
+     [](Fixture& fixture) { fixture.removeAdded(); },
      {}},
     {"addEnvironmentSource",
      {},
-     [](World& world) { world.configuration->addEnvironmentSource("added", "", 5).get(); },
+     [](Fixture& fixture) { fixture.configuration->addEnvironmentSource("added", "", 5).get(); },
      {}},
-    {"getPtr", {}, [](World& world) { world.configuration->getPtr(); }, {}},
+    {"getPtr", {}, [](Fixture& fixture) { fixture.configuration->getPtr(); }, {}},
 };
 
 struct Dimension {
     const char* name;
     int Size::*number;
-    int first;  ///< doubled four times
-    Size other; ///< numbers, which stay
+    int first;  ///< is doubled four times
+    Size other; ///< the numbers that stay the same
 };
 
-/// Or else the many keys of a source would hide what its one watched key costs, and its place.
+/// With many keys in each source, the cost of a single watched key would not be visible.
 Size withFewKeys() {
     Size size;
     size.keys = 10;
@@ -224,26 +227,26 @@ const Dimension dimensions[] = {
     {"watchers", &Size::watchers, 64, withFewKeys()},
 };
 
-/// Worlds are made once, because every operation leaves them as they were.
-World& worldOf(const Size& size) {
-    static std::map<Size, World> worlds;
-    return worlds.try_emplace(size, size).first->second;
+/// Each fixture is created once, because every operation restores it.
+Fixture& fixtureOf(const Size& size) {
+    static std::map<Size, Fixture> fixtures;
+    return fixtures.try_emplace(size, size).first->second;
 }
 
 void measure(benchmark::State& state, const Operation& operation, const Size& size) {
-    World& world = worldOf(size);
+    Fixture& fixture = fixtureOf(size);
     for (auto _ : state) {
         if (operation.prepare)
-            operation.prepare(world);
+            operation.prepare(fixture);
         const auto start = std::chrono::steady_clock::now();
-        operation.run(world);
+        operation.run(fixture);
         const auto end = std::chrono::steady_clock::now();
         state.SetIterationTime(std::chrono::duration<double>(end - start).count());
         if (operation.undo)
-            operation.undo(world);
+            operation.undo(fixture);
     }
-    if (!world.configuration->has(key).get() || world.configuration->has("none").get())
-        state.SkipWithError("the world is another one");
+    if (!fixture.configuration->has(key).get() || fixture.configuration->has("none").get())
+        state.SkipWithError("the operation did not restore the configuration");
 }
 
 const bool added = [] {

@@ -1,4 +1,5 @@
-/// The least that a future can be: what its users see costs a state, a cell of its own, and a lock.
+/// The minimal future: its documented behaviour needs a shared state, a separately allocated value
+/// and a lock.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>

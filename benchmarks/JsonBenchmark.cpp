@@ -1,4 +1,4 @@
-/// What the JSON forms of values cost beside the same objects written and read by hand.
+/// The cost of converting values to and from JSON, compared with code written by hand.
 #include "Harness.hpp"
 
 #include <connector/configuration/json/OptionValueJson.hpp>
@@ -14,7 +14,7 @@ using connector::configuration::OptionValue;
 using Poco::JSON::Array;
 using Poco::JSON::Object;
 
-/// One alternative of a value by hand: for somebody who knows what it holds, and what he reads.
+/// Code written by hand for one alternative: it knows the type of the value and of the JSON.
 template <typename T>
 struct ByHand {
     const char* tag;

@@ -1,8 +1,8 @@
 /// Runs the benchmarks of a program while a second thread exists.
 ///
-/// With one thread only, the C and C++ run-time libraries leave out atomic instructions, which
-/// flatters every figure in a way that no application of several threads sees. So one thread is
-/// parked for the whole run.
+/// With a single thread, the C and C++ run-time libraries avoid atomic instructions, so the figures
+/// would be better than in any application with several threads. Therefore a second thread is
+/// blocked during the whole run.
 #include <benchmark/benchmark.h>
 
 #include <future>

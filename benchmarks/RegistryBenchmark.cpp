@@ -1,4 +1,4 @@
-/// What it costs to list all keys, and to add a source that nobody watches.
+/// The cost of listing all keys, and of adding a source none of whose keys is watched.
 #include "Harness.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -27,7 +27,7 @@ Table tableOf(int keys, const std::string& suffix) {
     return table;
 }
 
-/// Two sources with a quarter of their keys in common, as an override and what it overrides.
+/// Two sources with a quarter of their keys in common, like a source of overrides and its base.
 std::vector<std::pair<std::string, Table>> twoTables(int keys, const std::string& group) {
     Table second = tableOf(keys, "'");
     for (auto& [key, value] : tableOf(keys / 4, ""))
@@ -35,7 +35,7 @@ std::vector<std::pair<std::string, Table>> twoTables(int keys, const std::string
     return {{group, tableOf(keys, "")}, {group, std::move(second)}};
 }
 
-/// The rules word for word: the keys of each source as a set, and each of them into the great one.
+/// The documented behaviour step by step: a set of the keys of each source, merged into one set.
 std::set<std::string> listLiterally(const std::vector<std::pair<std::string, Table>>& tables) {
     std::set<std::string> all;
     for (const auto& [group, table] : tables) {
@@ -60,7 +60,7 @@ configurationOf(const std::vector<std::pair<std::string, Table>>& tables) {
     return configuration;
 }
 
-/// Times what `make` makes, and lets go of that untimed.
+/// Times `make`. Destroying its result is not timed.
 template <typename Make>
 auto timeWithoutTeardown(benchmark::State& state, Make make) {
     decltype(make()) made{};

@@ -1,4 +1,4 @@
-# Runs PROGRAM and fails unless it succeeds and writes exactly what the file EXPECTED holds.
+# Runs PROGRAM. Fails unless it succeeds and its output is the content of the file EXPECTED.
 execute_process(COMMAND "${PROGRAM}"
     RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE errors)
 file(READ "${EXPECTED}" expected)

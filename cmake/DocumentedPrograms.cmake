@@ -1,4 +1,4 @@
-# The programs that a document shows are built and run, so that it cannot fall behind the library.
+# The programs in documents are built and run, so that they stay correct.
 
 find_program(AWK_PROGRAM NAMES awk mawk gawk REQUIRED)
 mark_as_advanced(AWK_PROGRAM)
@@ -26,7 +26,7 @@ function(connector_add_documented_programs document)
 endfunction()
 
 function(connector_add_documented_program name extracted)
-    foreach(suffix IN ITEMS cpp expected) # copied only when they differ, to build nothing in vain
+    foreach(suffix IN ITEMS cpp expected) # copied only if they differ, to avoid rebuilding
         configure_file("${extracted}/${name}.${suffix}" "${name}.${suffix}" COPYONLY)
     endforeach()
     set(target "documented-${name}")

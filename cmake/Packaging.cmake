@@ -1,5 +1,5 @@
-# What `cmake --install` leaves behind: headers, libraries, the program, a CMake package and a
-# pkg-config file. Nothing installed knows where it lies: the prefix can be moved afterwards.
+# What `cmake --install` installs: headers, libraries, the program, a CMake package and a pkg-config
+# file. No installed file contains the prefix, so the prefix can be moved afterwards.
 
 if(NOT CONNECTOR_INSTALL)
     return()
@@ -10,15 +10,15 @@ include(CMakePackageConfigHelpers)
 set(connector_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/connector-configuration")
 set(connector_pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 
-# connector_relative_path(FROM TO RESULT): the way between two installed directories
+# connector_relative_path(FROM TO RESULT): the relative path from one installed directory to another
 function(connector_relative_path from to result)
     file(RELATIVE_PATH path "/${from}" "/${to}")
     string(REGEX REPLACE "/$" "" path "${path}")
     set(${result} "${path}" PARENT_SCOPE)
 endfunction()
 
-# connector_install_headers(DIRECTORY DESTINATION): the headers below a directory, without those of
-# its private rooms and of the service, which is no library yet
+# connector_install_headers(DIRECTORY DESTINATION): the headers below a directory, except those of
+# private rooms and of the service, which is not a library yet
 include(PrivateHeaders)
 list(JOIN connector_private_rooms "|" connector_uninstalled_rooms)
 string(APPEND connector_uninstalled_rooms "|connector/service")
@@ -40,8 +40,8 @@ install(FILES "${PROJECT_BINARY_DIR}/connector/include/connector/Export.hpp"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector")
 install(TARGETS connector-configuration EXPORT connector-configuration-targets)
 
-# The platform. Where the application brings its own, connector-platform is but a name for that, and
-# there are no files of it.
+# The platform. If the application has its own, connector-platform is only an interface to that, and
+# has no files.
 if(TARGET connector-platform)
     install(TARGETS connector-platform EXPORT connector-configuration-targets)
 endif()
@@ -78,12 +78,12 @@ install(FILES
     "${PROJECT_BINARY_DIR}/cmake/connector-configuration-config-version.cmake"
     DESTINATION "${connector_package_dir}")
 
-# pkg-config. With a platform of the application's own, what that takes is the application's to say.
+# pkg-config. If the application has its own platform, it must add the flags of that.
 set(connector_platform_libs "-lconnector-platform -lboost_log -lboost_thread")
 if(CONNECTOR_PLATFORM)
     set(connector_platform_libs "")
 endif()
-# Boost and POCO are the application's, too, so they stand under Libs; static libraries need no more.
+# Applications use Boost and POCO, too, so these are in Libs. Static libraries need nothing more.
 set(connector_static_definitions "")
 if(NOT BUILD_SHARED_LIBS)
     set(connector_static_definitions " -DCONNECTOR_STATIC_DEFINE -DCONNECTOR_PLATFORM_STATIC_DEFINE")

@@ -1,4 +1,4 @@
-# How our own targets are compiled. Nothing here reaches whoever consumes the library.
+# How the project's targets are compiled. None of this affects applications.
 
 option(CONNECTOR_WARNINGS_AS_ERRORS "Treat warnings in our own code as errors" OFF)
 set(CONNECTOR_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
@@ -15,14 +15,14 @@ if(PROJECT_IS_TOP_LEVEL)
     set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 endif()
 
-# A sanitizer must see everything that is linked together, so it is no property of one target.
+# A sanitizer must instrument everything that is linked together, so these are no target options.
 if(CONNECTOR_SANITIZE)
     add_compile_options(-fsanitize=${CONNECTOR_SANITIZE} -fno-sanitize-recover=all
         -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${CONNECTOR_SANITIZE})
 endif()
 
-# connector_own_target(TARGET): the settings that every target of ours shares.
+# connector_own_target(TARGET): the settings of all targets of the project
 function(connector_own_target target)
     target_compile_features(${target} PUBLIC cxx_std_17)
     set_target_properties(${target} PROPERTIES
@@ -35,15 +35,15 @@ function(connector_own_target target)
     endif()
 endfunction()
 
-# connector_own_library(TARGET NAME EXPORT_MACRO...): the settings that every library of ours shares.
-# NAME is its name for others: connector::NAME. The export macros, with which its headers declare what
-# is exported, are empty where the library is static; whoever uses it must know that, too.
+# connector_own_library(TARGET NAME EXPORT_MACRO...): the settings of all libraries of the project.
+# Applications link it as connector::NAME. The EXPORT_MACROs of its headers are empty if the library
+# is static, in the library and in applications.
 function(connector_own_library target name)
     connector_own_target(${target})
     add_library(connector::${name} ALIAS ${target})
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${name}
-        POSITION_INDEPENDENT_CODE ON # a static one may become a part of a shared one
+        POSITION_INDEPENDENT_CODE ON # a static library may be linked into a shared one
         VERSION ${PROJECT_VERSION}
         SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
         INSTALL_RPATH "$ORIGIN")

@@ -1,5 +1,5 @@
-# Takes the complete programs out of a Markdown file: every ```cpp block with a main function, and the
-# ```text block after it, which is what the program writes to standard output.
+# Extracts the complete programs from a Markdown file: every ```cpp block with a main function, and
+# the ```text block after it, which is what the program writes to standard output.
 #
 # Variables: directory, where STEM-N.cpp and STEM-N.expected go, and stem.
 # Writes the names STEM-N, one a line.

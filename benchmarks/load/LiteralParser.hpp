@@ -1,4 +1,4 @@
-/// The rules of property files, told to the machine word for word.
+/// The rules of property files step by step, without any optimisation.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>
@@ -9,7 +9,7 @@
 
 namespace bench {
 
-/// Reads a stream one get at a time, one state a character, as docs/property-files.md tells it.
+/// Reads a stream with one get per character, as docs/property-files.md describes it.
 void parseLiterally(std::istream& stream,
                     std::unordered_map<std::string, connector::configuration::OptionValue>& table);
 

@@ -1,5 +1,5 @@
-/// What loading a property file costs: the library's source beside the least that such a table can
-/// cost and the rules word for word. The peers whose packages are there join in from load/.
+/// The cost of loading a property file. The files beside this one add other libraries, if they are
+/// installed.
 #include "LoadCase.hpp"
 #include "Tables.hpp"
 

@@ -1,4 +1,4 @@
-/// Sets the contestants who load a file beside each other.
+/// Registers contestants that load a property file.
 #pragma once
 
 #include "../Harness.hpp"
@@ -14,7 +14,7 @@ namespace bench {
 
 constexpr int loadSizes[] = {1000, 10000, 100000, 1000000};
 
-/// How much of a result is looked at. All of it once a run, because that takes as long as loading.
+/// How much of a result is checked: everything once per run, because that takes as long as loading.
 enum class Care { everyEntry, threeEntries };
 
 template <typename Loaded>
@@ -30,8 +30,8 @@ bool isRight(Loaded& loaded, int entries, Care care) {
     return loaded.size() == static_cast<std::size_t>(entries);
 }
 
-/// @return the processor time of this thread; nothing here waits, and what else the machine does in
-///         the meantime does not count
+/// @return the processor time of this thread, which other processes do not affect. Nothing here
+/// waits.
 inline double threadSeconds() {
     timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
@@ -45,10 +45,10 @@ double seconds(Work work) {
     return threadSeconds() - start;
 }
 
-/// Which part of a table's life is on the clock.
+/// Which part is timed.
 enum class Timed { loading, teardown };
 
-/// Loads the file and lets go of the table, again and again, with one of the two on the clock.
+/// Loads the file and destroys the table, again and again, and times one of the two.
 template <typename Loaded>
 void runLoading(benchmark::State& state, int entries, Timed timed) {
     Care care = Care::everyEntry;
@@ -67,8 +67,8 @@ void runLoading(benchmark::State& state, int entries, Timed timed) {
 }
 
 /// Registers a contestant for every size.
-/// @tparam Loaded  Loaded(int entries) loads the file with that many; std::string valueOf(key) and
-///                 std::size_t size() tell what it has
+/// @tparam Loaded  Loaded(int entries) loads the file with that many entries. It has
+///                 std::string valueOf(key) and std::size_t size().
 template <typename Loaded>
 bool addLoading(const std::string& contestant) {
     for (const int entries : loadSizes) {

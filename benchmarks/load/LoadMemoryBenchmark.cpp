@@ -1,6 +1,6 @@
-/// What a loaded property file takes of the heap, counted block by block as the C library cuts them:
-/// the bytes an entry keeps, and the highest that stood at any moment of loading. A program of its
-/// own, because the counting costs time.
+/// The heap memory of a loaded property file, counted in blocks as the C library allocates them:
+/// the bytes per entry after loading, and the peak during loading. This is a separate program,
+/// because counting costs time.
 #include "LoadCase.hpp"
 #include "Tables.hpp"
 
@@ -17,7 +17,7 @@ namespace {
 std::atomic<std::int64_t> bytesInUse{0};
 std::atomic<std::int64_t> highest{0};
 
-/// What a block takes: its usable bytes and the length in front of them.
+/// The size of a block: its usable bytes and the length field before them.
 std::int64_t bytesOf(void* block) {
     return static_cast<std::int64_t>(malloc_usable_size(block) + sizeof(std::size_t));
 }
@@ -55,7 +55,7 @@ enum class Moment { kept, peak };
 
 template <typename Loaded>
 void measure(benchmark::State& state, int entries, Moment moment) {
-    const Loaded warm(entries); // what is made once for all stands before it is counted
+    const Loaded warm(entries); // what is allocated only once is not counted
     for (auto _ : state) {
         const std::int64_t before = bytesInUse;
         highest = before;

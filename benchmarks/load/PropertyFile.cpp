@@ -62,7 +62,7 @@ std::string PropertyFile::key(int number) {
 }
 
 std::string PropertyFile::value(int number) {
-    // Flags and numbers, and some longer texts: 41.8 on average.
+    // Flags, numbers and some longer texts: 41.8 bytes a line on average
     constexpr std::size_t lineLengths[] = {28, 55, 32, 59, 35};
     constexpr std::size_t punctuation = 2;
     return textNumber(number, lineLengths[number % 5] - punctuation - key(number).size());

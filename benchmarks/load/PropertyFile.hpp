@@ -7,11 +7,11 @@
 
 namespace bench {
 
-/// A temporary file of properties that are all different, 41.8 bytes a line on average, line break
-/// included. It goes when the program ends.
+/// A temporary file of different properties, 41.8 bytes a line on average including the line break.
+/// It is removed when the program ends.
 class PropertyFile {
 public:
-    /// Where a key and its value stand in the file: what is left when the work of splitting is done.
+    /// Where a key and its value are in the file: the result of parsing.
     struct Place {
         std::size_t key;
         std::size_t keyLength;
@@ -19,15 +19,15 @@ public:
         std::size_t valueLength;
     };
 
-    /// @param heading  text before the first property, for formats that ask for one
+    /// @param heading  text before the first property, for formats that need one
     PropertyFile(int newEntries, const std::string& heading);
     ~PropertyFile();
     PropertyFile(const PropertyFile&) = delete;
     PropertyFile& operator=(const PropertyFile&) = delete;
 
-    /// @return the one file with that many properties, made at the first call
+    /// @return the file with that many properties, which the first call creates
     static const PropertyFile& ofEntries(int entries);
-    /// @return the same with the line "[options]" at its head
+    /// @return the same with "[options]" as its first line
     static const PropertyFile& ofEntriesInSection(int entries);
 
     static std::string key(int number);

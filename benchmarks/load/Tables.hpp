@@ -1,4 +1,4 @@
-/// The contestants whose result is the library's own kind of table.
+/// The contestants whose result is a table like the library's.
 #pragma once
 
 #include "LiteralParser.hpp"
@@ -45,8 +45,8 @@ protected:
     std::unordered_map<std::string, OptionValue> table;
 };
 
-/// The least that a table of a file's properties can cost: the file is read in one go, the table is
-/// made in its final size, and where the keys and values stand is known beforehand.
+/// The minimal cost of such a table: the file is read at once, the table is created in its final
+/// size, and the positions of keys and values are known in advance.
 class Floor : public LiteralTable {
 public:
     explicit Floor(int entries) {
@@ -76,7 +76,7 @@ private:
     }
 };
 
-/// The rules word for word.
+/// The documented behaviour step by step.
 class Literal : public LiteralTable {
 public:
     explicit Literal(int entries) {

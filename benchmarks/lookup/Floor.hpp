@@ -1,8 +1,8 @@
-/// The least that a lookup can cost.
+/// The minimal cost of a lookup.
 #pragma once
 
 #include "../HandMadeFuture.hpp"
-#include "Question.hpp"
+#include "LookupCase.hpp"
 
 #include <boost/variant/get.hpp>
 
@@ -11,8 +11,8 @@
 
 namespace bench::lookup {
 
-/// Only the finds, a copy of the value and what a future needs. The group is no part of its keys: that
-/// a real lookup must look at it is above the floor.
+/// Only the finds, a copy of the value and what a future needs. Its keys have no group: comparing
+/// the group, as a real lookup must, is not part of the minimum.
 class WithoutLock {
 public:
     explicit WithoutLock(const Tables& tables) : layers(tables.make()) {
@@ -45,7 +45,7 @@ private:
     std::vector<Layer> layers;
 };
 
-/// The same under a lock, without which two threads could not share it.
+/// The same under a lock, so that two threads can share it.
 class Floor : private WithoutLock {
 public:
     using WithoutLock::WithoutLock;

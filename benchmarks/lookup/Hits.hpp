@@ -1,10 +1,10 @@
-/// The cases in which there is such an option, to be registered for each contestant.
+/// Lookups of options that exist.
 ///
-/// A contestant is made from Tables and has `T get<T>(const std::string& key)`, T being int or
-/// std::string, which throws a std::exception for a missing key.
+/// A contestant is constructed from Tables and has `T get<T>(const std::string& key)`, T being int
+/// or std::string, which throws a std::exception for a missing key.
 #pragma once
 
-#include "Question.hpp"
+#include "LookupCase.hpp"
 
 #include <cstdint>
 #include <map>
@@ -13,7 +13,9 @@
 
 namespace bench::lookup {
 
-/// @return the contestant with those tables; made once, as big tables take longer to build than to ask
+/// @return the contestant with those tables. It is created once, because building large tables
+/// takes
+///         longer than the lookups.
 template <typename Contestant>
 Contestant& contestantWith(const Tables& tables) {
     static std::mutex mutex;
@@ -25,9 +27,9 @@ Contestant& contestantWith(const Tables& tables) {
     return *contestant;
 }
 
-/// Numbers in an order that does not come again, so that the processor cannot learn by heart which way
-/// each question goes through a table. The same for every contestant.
-class Chance {
+/// Pseudo-random numbers whose order does not repeat, so that the branch predictor cannot learn the
+/// path of each lookup. They are the same for every contestant.
+class RandomNumbers {
 public:
     std::size_t below(std::size_t limit) {
         state ^= state << 13;
@@ -41,14 +43,14 @@ private:
 };
 
 template <typename Contestant, typename T>
-void runHits(benchmark::State& state, const Question& question) {
-    Contestant& contestant = contestantWith<Contestant>(question.tables);
-    const std::vector<Asked<T>> questions = asked<T>(question);
-    Chance chance;
+void runHits(benchmark::State& state, const LookupCase& lookupCase) {
+    Contestant& contestant = contestantWith<Contestant>(lookupCase.tables);
+    const std::vector<Expectation<T>> lookups = expectations<T>(lookupCase);
+    RandomNumbers random;
     bool isRight = true;
     for (auto _ : state) {
-        const Asked<T>& now = questions[chance.below(questions.size())];
-        isRight &= contestant.template get<T>(now.key) == now.value;
+        const Expectation<T>& next = lookups[random.below(lookups.size())];
+        isRight &= contestant.template get<T>(next.key) == next.value;
     }
     if (!isRight)
         state.SkipWithError("another value was found");
@@ -56,19 +58,20 @@ void runHits(benchmark::State& state, const Question& question) {
 
 template <typename Contestant>
 benchmark::internal::Benchmark* addHits(const std::string& description,
-                                        const std::string& contestant, const Question& question) {
+                                        const std::string& contestant,
+                                        const LookupCase& lookupCase) {
     const auto run =
-        question.tables.length == 0 ? runHits<Contestant, int> : runHits<Contestant, std::string>;
-    return add("lookup", description + question.description(), contestant,
-               [run, question](benchmark::State& state) { run(state, question); });
+        lookupCase.tables.length == 0 ? runHits<Contestant, int> : runHits<Contestant, std::string>;
+    return add("lookup", description + lookupCase.description(), contestant,
+               [run, lookupCase](benchmark::State& state) { run(state, lookupCase); });
 }
 
-/// @param maximalLayers  for contestants that know no layers
+/// @param maximalLayers  1 for contestants without layers
 template <typename Contestant>
 void addAllHits(const std::string& contestant, int maximalLayers = 6) {
-    const auto add = [&](const Question& question) {
-        if (question.tables.layers <= maximalLayers)
-            addHits<Contestant>("hit, ", contestant, question);
+    const auto add = [&](const LookupCase& lookupCase) {
+        if (lookupCase.tables.layers <= maximalLayers)
+            addHits<Contestant>("hit, ", contestant, lookupCase);
     };
     for (const int keys : {10, 1000, 100000}) {
         add({{keys, 1, false, 12}, true});

@@ -1,9 +1,9 @@
-/// The rules of a lookup word for word: the layers are walked to learn whether there is a value, and
-/// walked again for it; each question to a layer costs a copy of the key without its group; and the
-/// future is made under the lock, pending first and resolved then.
+/// The documented lookup step by step: it searches the layers for one that has the key, then
+/// searches them again for the value. It copies the key without its group for every layer. It
+/// creates a pending future under the lock and then resolves it.
 #pragma once
 
-#include "Question.hpp"
+#include "LookupCase.hpp"
 
 #include <connector/async/Future.hpp>
 
@@ -51,7 +51,7 @@ private:
         return layer.find(localKey) != layer.end();
     }
 
-    /// Throws the exception, and catches it, to have it thrown again by the future.
+    /// Throws and catches the exception, which the future then throws again.
     static void fail(State& state, const std::string& text) {
         try {
             throw std::runtime_error(text);

@@ -1,4 +1,4 @@
-/// What it costs to ask for an option, beside the least that it can cost and the rules word for word.
+/// The cost of a lookup.
 #include "Floor.hpp"
 #include "Hits.hpp"
 #include "Literal.hpp"

@@ -1,4 +1,4 @@
-/// The case in which there is no such option, which the caller of get is told by an exception.
+/// Lookups of options that do not exist: get throws.
 #pragma once
 
 #include "Hits.hpp"
@@ -25,7 +25,7 @@ void runMisses(benchmark::State& state, const Tables& tables, const std::string&
         state.SkipWithError("something was found, or the exception says something else");
 }
 
-/// @param text  what the exception must say; empty: that does not matter
+/// @param text  the expected text of the exception; empty: any text
 template <typename Contestant>
 void addMisses(const std::string& contestant, const std::string& text = "") {
     const Tables tables{1000, 2, false, 12};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Question.hpp"
+#include "LookupCase.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 

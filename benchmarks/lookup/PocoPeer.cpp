@@ -1,5 +1,5 @@
-/// The peer that has layers, too: POCO's configurations, which keep texts and make numbers of them
-/// when they are asked.
+/// POCO's configurations, which have layers, too. They store texts and convert them to numbers in
+/// every lookup.
 #include "Hits.hpp"
 #include "Misses.hpp"
 

@@ -1,4 +1,4 @@
-/// A peer without layers and without a lock: Boost.PropertyTree, which takes a key apart at its dots.
+/// Boost.PropertyTree, which has neither layers nor a lock. It splits a key at its dots.
 #include "Hits.hpp"
 #include "Misses.hpp"
 

@@ -1,8 +1,8 @@
-/// Two threads that ask one configuration. The time is that of one lookup: half of what a lookup takes
-/// on one thread would be the best.
+/// Two threads that use one configuration. The time is that of one lookup; at best it is half the
+/// time of a lookup on one thread.
 ///
-/// That can be seen only where two cores are free. The case "two free cores" tells: the same work
-/// without any lock, on two threads and on one.
+/// This needs two idle cores. The case "two free cores" shows whether there are: it runs the same
+/// work without any lock, on two threads and on one.
 #include "Floor.hpp"
 #include "Hits.hpp"
 #include "Literal.hpp"
@@ -12,12 +12,12 @@ namespace {
 
 using namespace bench::lookup;
 
-void addCase(const Question& question) {
+void addCase(const LookupCase& lookupCase) {
     const std::string description = "two threads, ";
     for (auto* const contestant : {
-             addHits<Ours>(description, "ours", question),
-             addHits<Floor>(description, "floor", question),
-             addHits<Literal>(description, "literal", question),
+             addHits<Ours>(description, "ours", lookupCase),
+             addHits<Floor>(description, "floor", lookupCase),
+             addHits<Literal>(description, "literal", lookupCase),
          })
         contestant->Threads(2)->UseRealTime();
 }

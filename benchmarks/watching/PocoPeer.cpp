@@ -1,4 +1,4 @@
-/// The peer that tells of changes, too: the events of POCO's configurations.
+/// The change events of POCO's configurations.
 #include "Set.hpp"
 
 #include <Poco/AutoPtr.h>
@@ -13,7 +13,7 @@ namespace {
 using bench::watching::Keeper;
 using bench::watching::OptionValue;
 
-/// Its events carry text, whatever is set.
+/// Its events contain the value as text.
 class PocoEvents {
 public:
     explicit PocoEvents(int watchers) : listeners(static_cast<std::size_t>(watchers)) {

@@ -1,4 +1,4 @@
-/// The question to all who tell watchers of a change: set an option that is watched.
+/// The work of all contestants: set an option that is watched.
 #pragma once
 
 #include "../Harness.hpp"
@@ -12,7 +12,7 @@ namespace bench::watching {
 
 using connector::configuration::OptionValue;
 
-/// What every watcher does with a value, whoever brings it: it keeps a copy of its own.
+/// What every watcher does with a value: it keeps a copy.
 class Keeper {
 public:
     void keep(const OptionValue& value) { newest.emplace(value); }
@@ -29,7 +29,7 @@ inline OptionValue valueNumber(int number, std::size_t length) {
 }
 
 /// Sets two values in turn.
-/// @param sizes  what the contestant is made of
+/// @param sizes  the arguments of the contestant's constructor
 template <typename Contestant, typename... Size>
 void set(benchmark::State& state, std::size_t length, Size... sizes) {
     Contestant contestant(sizes...);
@@ -43,7 +43,7 @@ void set(benchmark::State& state, std::size_t length, Size... sizes) {
         state.SkipWithError("a watcher missed the last value");
 }
 
-/// @tparam Contestant  made of the number of its watchers
+/// @tparam Contestant  constructed with the number of its watchers
 template <typename Contestant>
 void addManyWatchers(const std::string& contestant) {
     for (const int watchers : {1, 10, 1000}) {

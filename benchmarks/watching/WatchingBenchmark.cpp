@@ -1,4 +1,4 @@
-/// What a change of an option costs when the option is watched, and when others are.
+/// The cost of changing an option that is watched, and of one beside which others are watched.
 #include "Set.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -60,7 +60,7 @@ private:
     std::vector<std::shared_ptr<KeepingSubscriber>> subscribers;
 };
 
-/// The least there is to do: a call for each watcher, under a mutex of its own that nobody wants.
+/// The minimal cost: one call for each watcher, under a mutex that no other thread locks.
 class Floor {
 public:
     explicit Floor(int watchers) : keepers(static_cast<std::size_t>(watchers)) {
@@ -95,7 +95,8 @@ private:
     std::vector<std::function<void(const OptionValue&)>> functions;
 };
 
-/// The rules word for word: every change copies the list of all streams and looks for its key there.
+/// The documented behaviour step by step: every change copies the list of all streams and searches
+/// it.
 class Literal {
 public:
     Literal(int watchers, int others) {

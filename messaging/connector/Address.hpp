@@ -1,4 +1,4 @@
-/// Where a message comes from.
+/// The sender of a message.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace connector {
 
-/// The sender of a message, in whatever form the transport names its peers. Services pass it on.
+/// The sender of a message, in the form that the transport uses. Services pass it on unchanged.
 class Address {
 public:
     Address() = default;

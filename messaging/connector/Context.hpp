@@ -1,11 +1,11 @@
-/// What accompanies a message.
+/// Data that accompanies a message.
 #pragma once
 
 #include <connector/platform/Export.hpp>
 
 namespace connector {
 
-/// Whatever an application wants to travel along with a message. Services pass it on.
+/// The base of data that an application sends along with a message. Services pass it on unchanged.
 class CONNECTOR_PLATFORM_EXPORT Context {
 public:
     virtual ~Context();

@@ -1,13 +1,13 @@
-/// The base of every message.
+/// The base class of all messages.
 #pragma once
 
 #include <connector/platform/Export.hpp>
 
 namespace connector {
 
-/// Owned by a std::unique_ptr<Message> and destroyed through it. A bare Message says that something
-/// was done and nothing more. Has no data, so that the fields of a message begin right behind its
-/// virtual table.
+/// Messages are owned by a std::unique_ptr<Message> and destroyed through it. An object of this
+/// class itself is a reply without data: the request succeeded. The class has no data members, so
+/// the fields of a message follow directly after its virtual table pointer.
 class CONNECTOR_PLATFORM_EXPORT Message {
 public:
     Message();

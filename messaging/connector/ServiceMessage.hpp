@@ -1,4 +1,4 @@
-/// A message that knows how to hand itself to a service.
+/// A message that delivers itself to a service.
 #pragma once
 
 #include <connector/Address.hpp>
@@ -14,7 +14,7 @@ namespace connector {
 template <typename Provider>
 class CONNECTOR_PLATFORM_EXPORT ServiceMessage : public Message {
 public:
-    /// Hands this message to the provider; see MessageAPI.
+    /// Delivers this message to the provider; see MessageAPI.
     virtual Future<std::unique_ptr<Message>> deliver(std::shared_ptr<Provider> provider,
                                                      std::unique_ptr<Message>&& owner,
                                                      Address&& address,

@@ -1,4 +1,4 @@
-/// The face that every service shows to the message framework.
+/// The interface of all services for the message framework.
 #pragma once
 
 #include <connector/Address.hpp>
@@ -18,7 +18,7 @@ public:
     ~ServiceProvider() override;
 
     /// Executes a message.
-    /// @return the reply, or the failure that the framework found; see ServiceProviderAPI
+    /// @return the reply, or a failure of the framework; see ServiceProviderAPI
     virtual Future<std::unique_ptr<Message>> dispatch(std::unique_ptr<Message>&& message,
                                                       Address&& address,
                                                       std::shared_ptr<Context>&& context) = 0;

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Sets the contestants of every benchmark case in relation.
+"""Compares the contestants of every benchmark case.
 
     bench_report.py [--limits FILE] [--json FILE] [--markdown FILE] [--charts DIRECTORY] RESULT...
 
-RESULT is what a benchmark program wrote as JSON; its benchmarks are named SUBJECT/CASE/CONTESTANT.
-Prints one table a subject: medians over the repetitions, and the ratio of our time to that of each
-contestant. The ratio is taken within each repetition first, and the median of those after: what
-disturbs the machine disturbs neighbours alike. Where the contestants are numbers, they are sizes of one
-thing that grows, and the power of the size is shown with which the time grows. The status is 1 when a
-benchmark reports an error, 2 for wrong arguments or files.
+RESULT is a JSON file of a benchmark program, whose benchmarks are named SUBJECT/CASE/CONTESTANT.
+Prints a table for each subject: medians over the repetitions, and the ratio of our time to that of
+each contestant. A ratio is the median of the ratios within each repetition, because a disturbance
+of the machine affects the contestants of one repetition alike. If the names of the contestants are
+numbers, they are sizes, and the table shows the exponent with which the time grows with the size.
+The status is 1 if a benchmark reports an error, and 2 for wrong arguments or files.
 """
 
 import argparse
@@ -23,13 +23,13 @@ import sys
 from dataclasses import dataclass, field
 
 UNITS_IN_SECONDS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
-GROWTH = "growth"  # what limits of growth name in place of a contestant
-ORDER = ["ours", "floor", "literal"]  # the columns; peers come after them
+GROWTH = "growth"  # the contestant in limits of growth
+ORDER = ["ours", "floor", "literal"]  # the columns; other libraries come after them
 
 
 @dataclass
 class Case:
-    """One row: what each contestant took, by repetition, in seconds or, if `in_bytes`, in bytes."""
+    """One row: the figures of each contestant, in seconds or, if `in_bytes`, in bytes."""
 
     subject: str
     name: str
@@ -37,14 +37,14 @@ class Case:
     in_bytes: bool = False
 
     def own(self):
-        """The contestant that the others are set in relation to."""
+        """The contestant that the others are compared with."""
         return "ours" if "ours" in self.samples else next(iter(self.samples))
 
     def median(self, contestant):
         return statistics.median(self.samples[contestant].values())
 
     def ratio(self, contestant):
-        """Our figure over the contestant's; None if no repetition has both."""
+        """Our figure divided by the contestant's; None if no repetition has both"""
         ours, others = self.samples[self.own()], self.samples[contestant]
         ratios = [ours[i] / others[i] for i in ours if others.get(i)]
         return statistics.median(ratios) if ratios else None
@@ -56,7 +56,7 @@ class Case:
         return sorted(self.samples, key=int)
 
     def exponent(self):
-        """The least squares' line through the logarithms of sizes and times; None through one point"""
+        """The slope of the logarithm of the time over that of the size; None for a single size"""
         if len(self.samples) < 2:
             return None
         sizes = [math.log(int(size)) for size in self.sizes()]
@@ -66,7 +66,7 @@ class Case:
 
 @dataclass
 class Limit:
-    """The greatest ratio to a contestant ("1.3 x"), figure of our own ("175 B") or growth ("n^0.1")"""
+    """The maximum ratio to a contestant ("1.3 x"), own figure ("175 B") or growth ("n^0.1")"""
 
     subject: str
     case: str
@@ -104,7 +104,7 @@ def read_results(documents):
     """-> (cases in the order of registration, texts of errors)"""
     cases, errors = {}, []
     for document in documents:
-        # Interleaved at random they end at random: the order is that in which they were registered.
+        # Benchmarks run in random order; family_index is the order of registration.
         for run in sorted(document["benchmarks"], key=lambda run: run.get("family_index", 0)):
             if run.get("run_type") == "aggregate":
                 continue
@@ -122,7 +122,7 @@ def read_results(documents):
 
 
 def figure_of(run, options):
-    """Of one thread the processor time, which others on the machine disturb less."""
+    """For one thread the processor time, which other processes affect less"""
     if "bytes" in run:
         return run["bytes"]
     clock = "real_time" if {"real_time", "manual_time"} & set(options) else "cpu_time"
@@ -271,7 +271,7 @@ def as_json(cases, limits):
 
 
 def chart(subject, cases):
-    """-> a gnuplot script that writes an SVG: each contestant's figure as a multiple of the floor's"""
+    """-> a gnuplot script for an SVG with the figures as multiples of the floor's"""
     base = "floor" if any("floor" in case.samples for case in cases) else "ours"
     shown = [case for case in cases if base in case.samples]
     columns = columns_of(shown)

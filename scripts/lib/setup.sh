@@ -1,13 +1,14 @@
-# What scripts/run, scripts/test and scripts/bench share: the Debian packages, the configuration and the
-# build. Sourced, not run. Standard output is left to what the user asked for; everything said here goes to
-# standard error, and what the tools say goes to files under build/log unless they fail.
+# What scripts/run, scripts/test and scripts/bench share: the Debian packages, the configuration and
+# the build. This file is sourced. Standard output is for the caller only: messages of this file go
+# to standard error, and the output of tools goes to files in build/log, which are shown on failure.
+#
 # shellcheck shell=bash
 
 script_name=${0##*/}
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd -P)
 log_dir=$root/build/log
 
-# To build and to test. The compiler of a preset comes on top: see packages_of.
+# Needed to build and to test. packages_of adds the compiler of a preset.
 base_packages=(
     ccache
     cmake
@@ -31,7 +32,7 @@ die() {
     exit 1
 }
 
-# packages_of PRESET: one name a line
+# packages_of PRESET: one name per line
 packages_of() {
     printf '%s\n' "${base_packages[@]}"
     if [[ $1 == clang ]]; then
@@ -39,15 +40,15 @@ packages_of() {
     fi
 }
 
-# What clang's fuzzer links; its name has the version of the compiler that is installed by then.
+# What clang's fuzzer links. Its name contains the version of the installed compiler.
 fuzzing_package() {
     printf 'libclang-rt-%s-dev' "$(clang++ -dumpversion | cut -d. -f1)"
 }
 
-# missing_of PACKAGE...: those that are not installed, one a line
+# missing_of PACKAGE...: those that are not installed, one per line
 missing_of() {
     local installed
-    # dpkg-query fails when it does not know a package, which is an answer, too.
+    # dpkg-query fails if it does not know a package; then that one is missing.
     installed=$(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' "$@" 2>/dev/null |
         sed -n 's/^installed //p') || true
     local package
@@ -56,23 +57,23 @@ missing_of() {
     done
 }
 
-# apt_get ARGUMENT...: never asks, gives a dead network up soon, and waits for another apt to finish
+# apt_get ARGUMENT...: never asks, fails soon without a network, and waits for another apt to finish
 apt_get() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get --quiet --assume-yes \
         -o Acquire::Retries=1 -o Acquire::http::Timeout=20 -o Acquire::https::Timeout=20 \
         -o DPkg::Lock::Timeout=120 "$@" </dev/null >>"$log_dir/apt.log" 2>&1
 }
 
-# install_packages PACKAGE...: with the package lists that are there; if that fails, with new ones
+# install_packages PACKAGE...: with the present package lists; if that fails, with updated ones
 install_packages() {
     apt_get install --no-install-recommends "$@" && return
     : >"$log_dir/apt.log"
-    apt_get update || true # the lists of somebody else's archive may be what failed
+    apt_get update || true # lists of other archives may have failed
     apt_get install --no-install-recommends "$@"
 }
 
-# apt_failure: the line of apt's log that says best what went wrong. What could not be fetched is the
-# reason for what is missing afterwards, so it goes first.
+# apt_failure: the line of apt's log with the cause of the failure. Failed downloads come first,
+# because they cause the others.
 apt_failure() {
     local line
     line=$(grep -m 1 -E '^[EW]: Failed to fetch ' "$log_dir/apt.log") ||
@@ -81,7 +82,7 @@ apt_failure() {
     printf '%s' "${line#?: }"
 }
 
-# Sets as_root to the words that run a command with the right to install packages.
+# Sets as_root to the command prefix that gives the right to install packages.
 require_root() {
     as_root=()
     if ((EUID == 0)); then
@@ -95,7 +96,7 @@ require_root() {
 
 ensure_packages() {
     if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
-        die "cannot set up the build: this is no Debian system (dpkg or apt-get is missing)"
+        die "cannot set up the build: dpkg or apt-get is missing, so this is not a Debian system"
     fi
     local missing
     mapfile -t missing < <(missing_of "$@")
@@ -110,7 +111,8 @@ ensure_packages() {
     fi
 }
 
-# quietly NAME COMMAND...: with the output in build/log/NAME.log; shown when the command fails
+# quietly NAME COMMAND...: writes the output to build/log/NAME.log, and shows it if the command
+# fails
 quietly() {
     local log=$log_dir/$1.log
     shift
@@ -120,8 +122,8 @@ quietly() {
     fi
 }
 
-# The thread sanitizer of some compilers cannot live with the address layout of some kernels, so its
-# programs, which the build runs, too, get a fixed layout where that is permitted.
+# The thread sanitizer of some compilers does not support the randomised address layout of some
+# kernels. Its programs, which the build also runs, get a fixed layout where that is permitted.
 with_layout_of() {
     local preset=$1
     shift
@@ -132,8 +134,8 @@ with_layout_of() {
     fi
 }
 
-# configure PRESET: only when it was not done, or for other presets or another place. Everything
-# else ninja sees for itself.
+# configure PRESET: only if it is not configured, if the presets have changed, or if the directory
+# was moved. Ninja detects all other changes.
 configure() {
     local tree=$root/build/$1
     if [[ -e $tree/build.ninja && ! $root/CMakePresets.json -nt $tree/build.ninja ]] &&
@@ -159,7 +161,7 @@ build() {
         die "cannot build the preset $preset"
 }
 
-# set_up PRESET [TARGET]: everything up to the finished build
+# set_up PRESET [TARGET]: installs packages, configures and builds
 set_up() {
     if ! mkdir -p "$log_dir" 2>/dev/null || [[ ! -w $log_dir ]]; then
         die "cannot write to $log_dir"

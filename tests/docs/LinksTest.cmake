@@ -1,4 +1,4 @@
-# Every link from one of our documents to a file of ours leads to one.
+# Every relative link in a document of the project leads to an existing file.
 cmake_minimum_required(VERSION 3.22)
 
 file(GLOB documents RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/*.md" "${SOURCE_DIR}/docs/*.md"
@@ -8,7 +8,7 @@ set(count 0)
 foreach(document IN LISTS documents)
     cmake_path(GET document PARENT_PATH directory)
     file(READ "${SOURCE_DIR}/${document}" text)
-    string(REPLACE "](" "<link>" text "${text}") # a bracket would keep a CMake list together
+    string(REPLACE "](" "<link>" text "${text}") # brackets have a meaning in CMake lists
     string(REGEX MATCHALL "<link>[^])#: ]+" links "${text}")
     foreach(link IN LISTS links)
         string(REPLACE "<link>" "" link "${link}")
@@ -25,5 +25,5 @@ if(count EQUAL 0)
     message(FATAL_ERROR "no links found")
 elseif(broken)
     message(NOTICE "${broken}")
-    message(FATAL_ERROR "links lead nowhere")
+    message(FATAL_ERROR "broken links")
 endif()

@@ -1,14 +1,13 @@
-# The dynamic symbols of the libraries belong to our own namespaces, or are templates of the standard
-# library, Boost and POCO that were instantiated here. Anything else could collide with a symbol of
-# the application.
+# The dynamic symbols of the libraries are in the project's namespaces, or instantiated templates of
+# the standard library, Boost and POCO. Any other symbol could collide with one of the application.
 include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
-# A mangled name: what it is about (a vtable, type information, a guard, a thunk), and then the
-# outermost namespace. S followed by a small letter is a name of the standard library for short.
+# A mangled name: its kind (a vtable, type information, a guard, a thunk), then the outermost
+# namespace. S and a lower-case letter abbreviate a name of the standard library.
 set(about "(T[VTIS]|GV|GR|Th[n0-9_]*|Tv[n0-9_]*)?")
 set(namespace "(9connector|2fl|10foundation|St|S[abdios]|9__gnu_cxx|5boost|4Poco)")
 set(ours "^_Z${about}(N[KVRO]*|Z+NK?|[A-Z]?)?${namespace}")
-# Free functions stand outside of nested names: operators, and what a sanitizer adds.
+# Symbols that a sanitizer adds
 set(instrumentation "^(_*asan_|__odr_asan|_*tsan_|_*ubsan_|___asan)")
 
 string(REPLACE "|" ";" libraries "${LIBRARIES}")
@@ -27,6 +26,6 @@ foreach(library IN LISTS libraries)
         endif()
     endforeach()
     if(foreign)
-        fail("${library} exports what belongs to nobody:${foreign}")
+        fail("${library} exports symbols of other namespaces:${foreign}")
     endif()
 endforeach()

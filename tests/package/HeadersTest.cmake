@@ -1,4 +1,4 @@
-# Compiles every installed header as if it were the first that a source includes, with warnings.
+# Compiles every installed header on its own, with warnings.
 include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
 build_project("${CMAKE_CURRENT_LIST_DIR}/headers" "${WORK_DIR}/headers"

@@ -1,4 +1,4 @@
-# Installs the build, moves the prefix, and looks at what lies there.
+# Installs the build, moves the prefix, and checks the installed files.
 include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
 file(REMOVE_RECURSE "${WORK_DIR}/installed" "${WORK_DIR}/moved")
@@ -27,7 +27,7 @@ expect_exists(
     "${PREFIX}/${INCLUDEDIR}/foundation/log/basic_diagnostic_logger.hpp"
     "${PREFIX}/share/doc/connector-configuration/LICENSE")
 
-# What only our sources include stays at home, and nothing of the tests comes along.
+# Private headers and parts of the tests are not installed.
 file(GLOB_RECURSE installed RELATIVE "${PREFIX}" "${PREFIX}/*")
 foreach(path IN LISTS installed)
     if(path MATCHES "\\.cpp$|PropertyParser|StreamCursor|gtest|gmock|test-support|benchmark")
@@ -35,7 +35,7 @@ foreach(path IN LISTS installed)
     endif()
 endforeach()
 
-# The program finds the libraries beside it, wherever both lie.
+# The program finds the installed libraries wherever the prefix is.
 if(EXISTS "${BUILD_DIR}/tools/connector-config/connector-config")
     run(version "${PREFIX}/bin/connector-config" --version)
     if(NOT version MATCHES "${PROGRAM_VERSION}")
@@ -43,7 +43,7 @@ if(EXISTS "${BUILD_DIR}/tools/connector-config/connector-config")
     endif()
 endif()
 
-# Nothing that is text remembers the directories of the build.
+# No text file contains a directory of the build.
 foreach(path IN LISTS installed)
     if(path MATCHES "\\.(hpp|cmake|pc)$")
         file(STRINGS "${PREFIX}/${path}" lines)

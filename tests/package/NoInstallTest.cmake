@@ -1,5 +1,5 @@
-# With CONNECTOR_INSTALL=OFF nothing is installed. The build directory is only configured: a rule that is
-# left over would fail, because what it installs is not built.
+# With CONNECTOR_INSTALL=OFF nothing is installed. The project is only configured: any installation
+# of a target would fail, because no target is built.
 include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
 set(build "${WORK_DIR}/no-install")

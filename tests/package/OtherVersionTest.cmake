@@ -1,4 +1,4 @@
-# Before 1.0 a program is built for one minor version: the package offers itself for no other.
+# Before 1.0, minor versions are incompatible: the package is found only for its own minor version.
 include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
 configure_command(configure "${CMAKE_CURRENT_LIST_DIR}/consumer" "${WORK_DIR}/other-version"

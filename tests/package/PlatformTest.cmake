@@ -1,10 +1,10 @@
-# Builds, installs and uses the library on a platform of the application's own.
+# Builds, installs and uses the library with the application's own platform.
 include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
 set(work "${WORK_DIR}/own-platform")
 file(REMOVE_RECURSE "${work}")
 
-# The application's platform: the platform's part of what is installed, under another file name.
+# The application's platform: the installed files of the bundled one, with another file name.
 set(platform "${work}/application")
 file(COPY "${PREFIX}/${INCLUDEDIR}/fl" "${PREFIX}/${INCLUDEDIR}/foundation"
     DESTINATION "${platform}/include")
@@ -21,7 +21,7 @@ string(REGEX REPLACE "\\.[0-9]+$" "" soname "${library_name}")
 file(CREATE_LINK "${library_name}" "${platform}/lib/${soname}" SYMBOLIC)
 
 set(platform_file "${CMAKE_CURRENT_LIST_DIR}/application-platform.cmake")
-build_project("${SOURCE_DIR}" "${work}/build"
+build_library("${SOURCE_DIR}" "${work}/build"
     "-DCONNECTOR_PLATFORM=application::platform" "-DPLATFORM_PREFIX=${platform}"
     "-DCMAKE_PROJECT_INCLUDE=${platform_file}"
     -DCONNECTOR_BUILD_TESTS=OFF -DCONNECTOR_BUILD_TOOLS=OFF -DCONNECTOR_BUILD_EXAMPLES=OFF
@@ -31,7 +31,7 @@ run(ignored "${CMAKE_COMMAND}" --install "${work}/build" --prefix "${work}/prefi
 # The bundled platform is neither built nor installed.
 file(GLOB_RECURSE built "${work}/build/*connector-platform*.so*" "${work}/build/*/codecvt.cpp.o")
 if(built)
-    fail("built all the same: ${built}")
+    fail("the bundled platform was built: ${built}")
 endif()
 expect_exists("${work}/prefix/${LIBDIR}/libconnector-configuration.so")
 expect_missing(
@@ -41,7 +41,7 @@ expect_missing(
     "${work}/prefix/${INCLUDEDIR}/connector/platform"
     "${work}/prefix/${INCLUDEDIR}/connector/reactive_streams")
 
-# A consumer that did not bring the platform is told which one it was.
+# A consumer without that platform gets an error message that names it.
 set(consumer "${CMAKE_CURRENT_LIST_DIR}/consumer")
 configure_command(configure "${consumer}" "${work}/without" "-DCMAKE_PREFIX_PATH=${work}/prefix")
 run_to_fail(output ${configure})

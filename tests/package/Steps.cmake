@@ -1,14 +1,14 @@
-# The steps that the tests of the package have in common. Included by their scripts, which CMake runs
-# with the definitions that CMakeLists.txt lists.
+# The common steps of the tests in this directory. Their scripts include this file; CMakeLists.txt
+# lists the definitions that they are run with.
 cmake_minimum_required(VERSION 3.22)
 
 # fail(TEXT): ends the test
 function(fail text)
-    message(NOTICE "${text}") # as it stands; an error would be wrapped like prose
+    message(NOTICE "${text}") # as it is; CMake would wrap an error message
     message(FATAL_ERROR "failed")
 endfunction()
 
-# run(OUTPUT COMMAND...): the command must succeed; its standard output goes into OUTPUT
+# run(OUTPUT COMMAND...): the command must succeed; OUTPUT is set to its standard output
 function(run output)
     execute_process(COMMAND ${ARGN}
         RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
@@ -19,7 +19,7 @@ function(run output)
     set(${output} "${out}" PARENT_SCOPE)
 endfunction()
 
-# run_to_fail(OUTPUT COMMAND...): the command must fail; what it says goes into OUTPUT
+# run_to_fail(OUTPUT COMMAND...): the command must fail; OUTPUT is set to its messages
 function(run_to_fail output)
     execute_process(COMMAND ${ARGN}
         RESULT_VARIABLE status OUTPUT_VARIABLE out ERROR_VARIABLE err)
@@ -30,8 +30,8 @@ function(run_to_fail output)
     set(${output} "${out}${err}" PARENT_SCOPE)
 endfunction()
 
-# configure_command(OUTPUT SOURCE BUILD ARGUMENT...): the command that configures a project, in a new
-# build directory, the way the tested build is
+# configure_command(OUTPUT SOURCE BUILD ARGUMENT...): the command that configures a project in a new
+# build directory, with the settings of the tested build
 function(configure_command output source build)
     file(REMOVE_RECURSE "${build}")
     set(${output} "${CMAKE_COMMAND}" -S "${source}" -B "${build}" -G "${GENERATOR}"
@@ -47,7 +47,15 @@ function(build_project source build)
     run(ignored "${CMAKE_COMMAND}" --build "${build}")
 endfunction()
 
-# build_with_pkg_config(PREFIX PROGRAM): builds the consumer with what pkg-config says of the package
+# build_library(SOURCE BUILD ARGUMENT...): configures and builds a project that contains the
+# library. It is not optimised: these builds are about what is installed and linked, and would take
+# twice as long.
+function(build_library source build)
+    build_project("${source}" "${build}" ${ARGN}
+        -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0)
+endfunction()
+
+# build_with_pkg_config(PREFIX PROGRAM): builds the consumer with the flags from pkg-config
 function(build_with_pkg_config prefix program)
     set(ENV{PKG_CONFIG_PATH} "${prefix}/${LIBDIR}/pkgconfig")
     run(compile_flags "${PKG_CONFIG}" --cflags connector-configuration)
@@ -63,7 +71,7 @@ function(build_with_pkg_config prefix program)
         ${link_flags} "-Wl,-rpath,${library_directory}")
 endfunction()
 
-# expect_consumer_output(PROGRAM): the consumer runs and says what its source promises
+# expect_consumer_output(PROGRAM): the consumer runs and writes what it should
 function(expect_consumer_output program)
     run(output "${program}")
     string(CONCAT expected

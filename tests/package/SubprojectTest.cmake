@@ -1,13 +1,13 @@
-# The library inside another build: it brings its two targets and nothing else.
+# The library inside another build: it adds its two targets and nothing else.
 include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
 set(build "${WORK_DIR}/subproject")
-build_project("${CMAKE_CURRENT_LIST_DIR}/subproject" "${build}" "-DLIBRARY_DIR=${SOURCE_DIR}")
+build_library("${CMAKE_CURRENT_LIST_DIR}/subproject" "${build}" "-DLIBRARY_DIR=${SOURCE_DIR}")
 run(ignored "${build}/application")
 
 run(tests "${CMAKE_CTEST_COMMAND}" --test-dir "${build}" --show-only)
 if(NOT tests MATCHES "Total Tests: 0")
-    fail("the subproject brings tests:\n${tests}")
+    fail("the subproject adds tests:\n${tests}")
 endif()
 
 file(REMOVE_RECURSE "${build}/prefix")

@@ -1,5 +1,5 @@
-# The platform of an application that has its own: here the bundled one, installed elsewhere and under
-# another name. PLATFORM_PREFIX is where it lies.
+# An application's own platform: here the bundled one with another name, installed in
+# PLATFORM_PREFIX.
 find_package(Boost 1.74 REQUIRED COMPONENTS log)
 find_package(Poco REQUIRED COMPONENTS Foundation JSON)
 

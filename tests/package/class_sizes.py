@@ -3,11 +3,10 @@
 
     class_sizes.py --compiler CXX [--flags FLAGS] --include DIRECTORY --work DIRECTORY LIST
 
-Applications contain objects of these classes, so a size that changes breaks programs that were built
-before. The classes are those that GCC finds in the headers below DIRECTORY, the private ones and the
-templates that the headers themselves use included. The status is 1 when a size differs, and 77 when
-the list is for another platform than the compiler's. The list as it should be is left in the work
-directory.
+Applications contain objects of these classes, so a changed size breaks existing programs. The
+classes are all that GCC finds in the headers in DIRECTORY, including private ones and instantiated
+templates. The status is 1 if a size differs, and 77 if the list is not for the compiler's platform.
+The actual list is written to the work directory.
 """
 
 import argparse

@@ -7,9 +7,9 @@
 
 namespace connector::common {
 
-/// The root of everything that runs for a while. All operations may be called from any thread; the
-/// hooks run on the thread that starts or stops. The order of the virtual operations is part of the
-/// binary interface.
+/// The base class of everything that can be started and stopped. All operations may be called from
+/// any thread; the hooks run on the calling thread. The order of the virtual functions is part of
+/// the binary interface.
 class CONNECTOR_PLATFORM_EXPORT Lifecycle {
 public:
     Lifecycle();
@@ -18,10 +18,10 @@ public:
     Lifecycle(const Lifecycle&) = delete;
     Lifecycle& operator=(const Lifecycle&) = delete;
 
-    /// Calls onStart; when that returns, isRunning is true.
+    /// Calls onStart, and makes isRunning true when that returns.
     void start();
 
-    /// Calls onStop; when that returns, isRunning is false.
+    /// Calls onStop, and makes isRunning false when that returns.
     void stop();
 
     bool isRunning() const { return running; }

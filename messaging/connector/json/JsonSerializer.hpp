@@ -13,7 +13,7 @@
 
 namespace connector::json {
 
-/// The order of the operations is part of the binary interface.
+/// The order of the virtual functions is part of the binary interface.
 class CONNECTOR_PLATFORM_EXPORT JsonSerializer {
 public:
     using Serialize = std::function<Poco::JSON::Object::Ptr(const std::unique_ptr<Message>&)>;
@@ -21,13 +21,13 @@ public:
 
     virtual ~JsonSerializer();
 
-    /// Makes a class of messages known under a type name.
-    /// @param serialize    called with messages of exactly that class only
-    /// @param deserialize  called with the object under "message"
+    /// Registers the converters of a message class under a type name.
+    /// @param serialize    is called only with messages of exactly that class
+    /// @param deserialize  is called with the object in "message"
     virtual void registerConverter(const std::string& typeName, const std::type_info& messageClass,
                                    Serialize serialize, Deserialize deserialize) = 0;
 
-    /// Withdraws what was registered for a class.
+    /// Removes the converters of a message class.
     virtual void unregisterConverter(const std::type_info& messageClass) = 0;
 };
 

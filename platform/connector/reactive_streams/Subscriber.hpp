@@ -1,4 +1,4 @@
-/// What a publisher calls.
+/// The receiver of a stream.
 #pragma once
 
 #include <connector/reactive_streams/Subscription.hpp>
@@ -8,24 +8,26 @@
 
 namespace connector::reactive_streams {
 
-/// Receives the values of one stream. Which thread calls, and which locks it holds, is the
-/// publisher's to say. The order of the operations is part of the binary interface.
+/// Receives the values of one stream. The publisher documents which thread calls, and which locks
+/// that thread holds. The order of the virtual functions is part of the binary interface.
 template <typename T>
 class __attribute__((visibility("default"))) Subscriber {
 public:
     virtual ~Subscriber() = default;
 
-    /// The first call of all.
-    /// @param subscription  asks for values and ends the stream; it does not keep the publisher alive
+    /// The first call.
+    /// @param subscription  requests values and cancels the stream. It does not keep the publisher
+    ///                      alive.
     virtual void onSubscribe(std::weak_ptr<Subscription> subscription) = 0;
 
-    /// The stream ended well. No call follows.
+    /// The stream ended without a failure. No call follows.
     virtual void onComplete() = 0;
 
-    /// The subscriber's cancellation took effect; for publishers that confirm one.
+    /// The subscriber's cancellation took effect. Only publishers that confirm cancellations call
+    /// this.
     virtual void onCancelled() {}
 
-    /// The next value; never more of them than were requested.
+    /// The next value. There are never more calls than values were requested.
     virtual void onNext(const T& value) = 0;
 
     /// The stream failed. No call follows.

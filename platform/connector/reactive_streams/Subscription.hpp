@@ -1,12 +1,12 @@
-/// The link from a subscriber back to its publisher.
+/// What a subscriber controls its stream with.
 #pragma once
 
 #include <cstdint>
 
 namespace connector::reactive_streams {
 
-/// Through its subscription a subscriber says how much it can take, and when it has had enough.
-/// Both operations may be called from any thread and from inside the subscriber's own callbacks.
+/// Requests values and cancels the stream. Both operations may be called from any thread and from
+/// inside the subscriber's callbacks.
 class __attribute__((visibility("default"))) Subscription {
 public:
     virtual ~Subscription() = default;
@@ -14,10 +14,10 @@ public:
     Subscription(const Subscription&) = delete;
     Subscription& operator=(const Subscription&) = delete;
 
-    /// Asks for `count` values more than were asked for before.
+    /// Requests `count` values in addition to those requested before.
     virtual void request(std::uint64_t count) = 0;
 
-    /// Ends the stream: no further value is wanted.
+    /// Cancels the stream.
     virtual void cancel() = 0;
 
 protected:

@@ -12,7 +12,7 @@ std::string make_native_access_form_with_cleanup_i18n(const std::u16string& path
 }
 
 bool names_readable_file(const std::string& native_path) {
-    std::error_code unknown; // what cannot be asked is left to open to refuse
+    std::error_code unknown; // if the system cannot tell, open fails
     return native_path.find('\0') == std::string::npos &&
            !std::filesystem::is_directory(native_path, unknown);
 }

@@ -1,4 +1,4 @@
-/// Files named by UTF-16 paths.
+/// Files with UTF-16 paths.
 #pragma once
 
 #include <connector/platform/Export.hpp>
@@ -11,21 +11,21 @@ namespace fl::filesystem {
 
 namespace detail {
 
-/// @return `path` in the form in which the operating system takes file names: UTF-8 here. The
-///         characters are kept as they are: nothing is made absolute, resolved or cleaned away.
-/// @throws std::runtime_error "Text is not valid UTF-16" when the path is no well-formed text
+/// @return `path` as the operating system expects it: in UTF-8. It is only converted, not made
+///         absolute, resolved or normalised.
+/// @throws std::runtime_error "Text is not valid UTF-16" if the path is not well-formed
 CONNECTOR_PLATFORM_EXPORT std::string
 make_native_access_form_with_cleanup_i18n(const std::u16string& path);
 
-/// @return whether an operating system's open can mean what `native_path` says: false when the name
-///         contains NUL, where the system would silently open a file of a shorter name, and for a
-///         directory, which opens and then fails at the first read.
+/// @return false if `native_path` contains NUL, because the system would open the file whose name
+/// ends
+///         there, and if it is a directory, which could be opened but not read; true otherwise
 CONNECTOR_PLATFORM_EXPORT bool names_readable_file(const std::string& native_path);
 
 } // namespace detail
 
-/// An input stream over a file, like std::basic_ifstream, that takes a native path and opens only
-/// what can be read as a file. Whether that worked is asked with is_open(), as with the standard's.
+/// An input stream for a file, like std::basic_ifstream, but it opens only what can be read as a
+/// file. is_open() returns whether that succeeded.
 template <typename CharT>
 class basic_ifstream : public std::basic_istream<CharT> {
 public:
@@ -37,8 +37,8 @@ public:
         open(native_path, mode);
     }
 
-    /// Opens the file named by `native_path` (see detail::make_native_access_form_with_cleanup_i18n).
-    /// On failure the fail bit is set and is_open() is false.
+    /// Opens the file. On failure it sets the fail bit, and is_open() returns false.
+    /// @param native_path  the result of detail::make_native_access_form_with_cleanup_i18n
     void open(const std::string& native_path, std::ios_base::openmode mode = std::ios_base::in) {
         if (!detail::names_readable_file(native_path) ||
             !file.open(native_path, mode | std::ios_base::in))
@@ -50,7 +50,7 @@ public:
     /// @return whether a file is open
     bool is_open() const { return file.is_open(); }
 
-    /// Closes the file; a failure sets the fail bit.
+    /// Closes the file. On failure it sets the fail bit.
     void close() {
         if (!file.close())
             this->setstate(std::ios_base::failbit);

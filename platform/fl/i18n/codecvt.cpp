@@ -13,7 +13,7 @@ void requireUtf8(const std::string& encoding) {
         throw std::invalid_argument("Unsupported text encoding: " + encoding);
 }
 
-// The foundation's own text says only that something failed; ours says what is wrong with the input.
+// Boost.Locale's text says only that the conversion failed. Ours says what is wrong with the input.
 template <typename To, typename From>
 std::basic_string<To> convertStrictly(const std::basic_string<From>& text, const char* failure) {
     try {

@@ -14,8 +14,8 @@ namespace foundation::log {
 
 namespace {
 
-/// The loggers that are alive. A logger's constructor makes it before the logger itself is complete,
-/// so it outlives every static logger of every library.
+/// All existing loggers. It is created in the constructor of the first logger, so it is destroyed
+/// after all static loggers of all libraries.
 class Registry {
 public:
     static Registry& instance() {
@@ -74,7 +74,7 @@ void basic_diagnostic_logger::push(unsigned severity, const std::string& line) {
     const boost::log::core_ptr core = boost::log::core::get();
     boost::log::record record = core->open_record(recordAttributes);
     if (!record)
-        return; // the application's filters want no such line
+        return; // the application's filters reject the record
     boost::log::record_ostream stream(record);
     stream << line;
     stream.flush();

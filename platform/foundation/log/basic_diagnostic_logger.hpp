@@ -1,14 +1,14 @@
 /// Diagnostic lines for developers, over the Boost.Log core.
 ///
-/// A logger has a name and a mask of enabled severities; a severity is one bit. Nothing is enabled
-/// at the start. A line whose bit is off costs one relaxed load: it is not composed. A line whose
-/// bit is on becomes a record of the process-wide Boost.Log core with the attributes
+/// A logger has a name and a mask of enabled severities. A severity is one bit; none is enabled at
+/// the start. A line of a disabled severity is not composed and costs one relaxed load. A line of
+/// an enabled severity becomes a record of the process-wide Boost.Log core with the attributes
 ///   "Channel"   std::string, the logger's name
 ///   "Severity"  unsigned int, the bit
 ///   "Message"   std::string, the line
-/// and goes wherever the application's sinks send it. What a sink throws goes on to the caller.
+/// for the application's sinks. An exception from a sink propagates to the caller.
 ///
-/// Boost.Log's headers stay out of here: they take longer to compile than everything else.
+/// This header does not include Boost.Log's headers, which take long to compile.
 #pragma once
 
 #include <connector/platform/Export.hpp>
@@ -24,7 +24,7 @@ namespace foundation::log {
 /// A named source of diagnostic lines. All operations may be called from any thread.
 class CONNECTOR_PLATFORM_EXPORT basic_diagnostic_logger {
 public:
-    /// Makes the logger known to set_diagnostic_mask under `name`, with nothing enabled.
+    /// Registers the logger for set_diagnostic_mask, with no severity enabled.
     explicit basic_diagnostic_logger(std::string name);
     ~basic_diagnostic_logger();
 
@@ -33,15 +33,15 @@ public:
 
     const std::string& name() const { return loggerName; }
 
-    /// @return whether a line of this severity would be composed
+    /// @return whether lines of this severity are written
     bool enabled(unsigned severity) const {
         return (mask.load(std::memory_order_relaxed) & severity) != 0;
     }
 
     void set_mask(unsigned new_mask) { mask.store(new_mask, std::memory_order_relaxed); }
 
-    /// Writes one line, made of the pieces one after the other as an output stream of the classic
-    /// locale shows them, if the severity is enabled; otherwise the pieces are not touched.
+    /// Writes one line if the severity is enabled; otherwise it does not use the pieces.
+    /// @param pieces  are written one after the other to an output stream with the classic locale
     template <typename... Pieces>
     void log(unsigned severity, const Pieces&... pieces) {
         if (enabled(severity))
@@ -54,7 +54,7 @@ private:
     template <typename... Pieces>
     static std::string compose(const Pieces&... pieces) {
         std::ostringstream line;
-        line.imbue(std::locale::classic()); // an application's locale must not group our digits
+        line.imbue(std::locale::classic()); // the global locale could group digits
         (line << ... << pieces);
         return line.str();
     }
@@ -66,7 +66,7 @@ private:
     std::atomic<unsigned> mask{0};
 };
 
-/// Sets the mask of enabled severities of every live logger with that name.
+/// Sets the mask of enabled severities of every existing logger with that name.
 /// May be called from any thread, also while lines are written.
 /// @return whether there is such a logger
 CONNECTOR_PLATFORM_EXPORT bool set_diagnostic_mask(const std::string& logger, unsigned mask);

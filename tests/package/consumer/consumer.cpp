@@ -1,5 +1,5 @@
-// Uses a piece of every room of the library: the core, its JSON, its platform and the logging core
-// that it shares with the application.
+// Uses parts of the core, of its JSON conversion, of the platform and of the logging core that the
+// library shares with the application.
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/configuration/json/OptionValueJson.hpp>
 #include <foundation/log/basic_diagnostic_logger.hpp>
@@ -23,5 +23,5 @@ int main() {
     std::cout << port.key << " = ";
     connector::configuration::fromOptionValue(port.value)->stringify(std::cout);
     std::cout << " from " << port.source << '\n';
-    return 0; // not left out: this is no main where it is compiled into a shared library
+    return 0; // necessary, because this function may be renamed
 }

@@ -1,4 +1,4 @@
-/// What the contestants of the lookup benchmarks are asked: the same of all.
+/// The tables and lookups of the benchmarks, which are the same for all contestants.
 #pragma once
 
 #include "../Harness.hpp"
@@ -19,13 +19,14 @@ namespace bench::lookup {
 using connector::configuration::OptionValue;
 using Layer = std::unordered_map<std::string, OptionValue>;
 
-/// Layers of options. Every layer has the same number of keys. The keys with an even number stand in
-/// the first layer, those with an odd one in the last; what else fills the layers is asked by nobody.
+/// Layers of options. Every layer has the same number of keys. Keys with an even number are in the
+/// first layer, those with an odd number in the last. The other keys of a layer are never looked
+/// up.
 struct Tables {
     int keys; ///< in each layer
     int layers;
-    bool grouped;       ///< the layers stand under a group
-    std::size_t length; ///< of the texts; 0: the values are ints
+    bool grouped;       ///< the layers have a group
+    std::size_t length; ///< of the texts; 0 if the values are ints
 
     std::string group() const { return grouped ? "application." : ""; }
     std::vector<Layer> make() const;
@@ -48,8 +49,8 @@ inline std::vector<Layer> Tables::make() const {
     std::vector<Layer> made(static_cast<std::size_t>(layers));
     for (int layer = 0; layer < layers; ++layer) {
         for (int i = 0; i < keys; ++i) {
-            const bool isAsked = layer == (i % 2 == 0 ? 0 : layers - 1);
-            const std::string filler = isAsked ? "" : "/" + std::to_string(layer);
+            const bool isLookedUp = layer == (i % 2 == 0 ? 0 : layers - 1);
+            const std::string filler = isLookedUp ? "" : "/" + std::to_string(layer);
             made[static_cast<std::size_t>(layer)].emplace(
                 keyNumber(i) + filler, length == 0 ? OptionValue(i) : textNumber(i, length));
         }
@@ -57,9 +58,9 @@ inline std::vector<Layer> Tables::make() const {
     return made;
 }
 
-struct Question {
+struct LookupCase {
     Tables tables;
-    bool inFirst; ///< the first layer has it, or only the last
+    bool inFirst; ///< whether the first layer has the keys, or only the last one
 
     std::string description() const {
         return std::to_string(tables.keys) + " keys, " + std::to_string(tables.layers) +
@@ -69,22 +70,22 @@ struct Question {
     }
 };
 
-/// One thing to ask, and what is right.
+/// A lookup and its expected result.
 template <typename T>
-struct Asked {
+struct Expectation {
     std::string key;
     T value;
 };
 
-/// @return up to 500 keys that stand in the layer, spread over it
+/// @return up to 500 keys of the layer, evenly spaced
 template <typename T>
-std::vector<Asked<T>> asked(const Question& question) {
-    const Tables& tables = question.tables;
+std::vector<Expectation<T>> expectations(const LookupCase& lookupCase) {
+    const Tables& tables = lookupCase.tables;
     const int count = std::min(tables.keys / 2, 500);
     const int stride = tables.keys / 2 / count;
-    std::vector<Asked<T>> all;
+    std::vector<Expectation<T>> all;
     for (int i = 0; i < count; ++i) {
-        const int number = i * stride * 2 + (question.inFirst ? 0 : 1);
+        const int number = i * stride * 2 + (lookupCase.inFirst ? 0 : 1);
         all.push_back({tables.group() + keyNumber(number), valueNumber<T>(number, tables.length)});
     }
     return all;
