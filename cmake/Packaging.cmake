@@ -17,16 +17,17 @@ function(connector_relative_path from to result)
     set(${result} "${path}" PARENT_SCOPE)
 endfunction()
 
-# connector_install_headers(DIRECTORY DESTINATION): the headers below a directory, except those of
-# private rooms and of the service, which is not a library yet
+# connector_install_headers(DIRECTORY DESTINATION): the headers below a directory, except private
+# ones
 include(PrivateHeaders)
-list(JOIN connector_private_rooms "|" connector_uninstalled_rooms)
-string(APPEND connector_uninstalled_rooms "|connector/service")
+list(JOIN connector_private_rooms "|" connector_uninstalled_regex)
+list(JOIN connector_uninstalled_directories "|" connector_uninstalled_directories_regex)
+string(APPEND connector_uninstalled_regex "|${connector_uninstalled_directories_regex}")
 function(connector_install_headers directory destination)
     install(DIRECTORY "${directory}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${destination}"
         FILES_MATCHING PATTERN "*.hpp"
         PATTERN detail EXCLUDE
-        REGEX "/(${connector_uninstalled_rooms})$" EXCLUDE)
+        REGEX "/(${connector_uninstalled_regex})$" EXCLUDE)
 endfunction()
 
 # The library

@@ -43,6 +43,8 @@ FILES = {
 }
 
 PRIVATE = ["connector/core/registry"]
+ERRORS = "connector/async/detail/Errors.hpp"
+RECORDS = "connector/core/registry/Records.hpp"
 
 
 class House(unittest.TestCase):
@@ -66,9 +68,9 @@ class House(unittest.TestCase):
     def add(self, path, *includes):
         self.write(path, "#pragma once\n" + "".join(f"#include {name}\n" for name in includes))
 
-    def expect(self, *violations, private=None, installed=()):
+    def expect(self, *violations, private=None, installed=(RECORDS,), uninstalled=()):
         private = PRIVATE if private is None else private
-        found = rooms.Project(self.root, private, installed).violations()
+        found = rooms.Project(self.root, private, installed, uninstalled).violations()
         self.assertEqual(sorted(violations), sorted(found))
 
 
@@ -139,25 +141,35 @@ class Includes(House):
 
 class PrivateHeaders(House):
     MAIN = "tools/connector-config/main.cpp"
-    ERRORS = "connector/async/detail/Errors.hpp"
-    RECORDS = "connector/core/registry/Records.hpp"
 
     def test_are_not_for_programs(self):
-        self.table(TABLE.replace("`connector/core` `connector/async` | |\n", f"`{self.RECORDS}` "
+        self.table(TABLE.replace("`connector/core` `connector/async` | |\n", f"`{RECORDS}` "
                                  "`connector/async` | |\n"))
-        self.add(self.MAIN, f"<{self.ERRORS}>", f"<{self.RECORDS}>")
+        self.add(self.MAIN, f"<{ERRORS}>", f"<{RECORDS}>")
         self.expect(
-            f"{self.MAIN}: <{self.ERRORS}> is private to the library",
-            f"{self.MAIN}: <{self.RECORDS}> is private to the library",
+            f"{self.MAIN}: <{ERRORS}> is private to the library",
+            f"{self.MAIN}: <{RECORDS}> is private to the library",
+            f"connector/core/Core.hpp: <{RECORDS}> is not installed, but this header is",
+            installed=[],
         )
 
     def test_are_for_programs_when_they_are_installed(self):
-        self.add(self.MAIN, f"<{self.ERRORS}>")
-        self.expect(installed=[self.ERRORS])
+        self.add(self.MAIN, f"<{ERRORS}>")
+        self.expect(installed=[ERRORS, RECORDS])
 
-    def test_are_for_the_library_itself(self):
-        self.add("connector/core/Good.hpp", f"<{self.ERRORS}>")
-        self.expect()
+    def test_are_for_what_is_not_installed_itself(self):
+        self.add("connector/core/Good.cpp", f"<{ERRORS}>")
+        self.add("connector/async/detail/Good.hpp", f"<{ERRORS}>")
+        self.add("connector/core/program/Good.hpp", f"<{ERRORS}>")
+        self.expect(uninstalled=["connector/core/program"])
+
+    def test_are_not_for_installed_headers(self):
+        self.add("connector/core/Bad.hpp", f"<{ERRORS}>")
+        self.add(RECORDS, f"<{ERRORS}>")
+        self.expect(
+            f"connector/core/Bad.hpp: <{ERRORS}> is not installed, but this header is",
+            f"{RECORDS}: <{ERRORS}> is not installed, but this header is",
+        )
 
     def test_are_marked_in_the_table(self):
         self.expect(
@@ -197,7 +209,8 @@ class Table(House):
 
 class Program(House):
     def run_rooms(self):
-        command = [sys.executable, "-B", SCRIPT, "--private", PRIVATE[0], self.root]
+        options = ["--private", PRIVATE[0], "--installed", RECORDS]
+        command = [sys.executable, "-B", SCRIPT, *options, self.root]
         return subprocess.run(command, capture_output=True, text=True, check=False)
 
     def test_succeeds_without_violations(self):

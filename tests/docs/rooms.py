@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Checks every #include of the project against the table of rooms in docs/architecture.md.
 
-    rooms.py [--private ROOM]... [--installed HEADER]... ROOT
+    rooms.py [--private ROOM]... [--installed HEADER]... [--uninstalled DIRECTORY]... ROOT
 
-ROOT is the directory of the project. --private names a room whose headers are not installed,
---installed a header of such a room that is installed all the same: the table must mark the same
-rooms as private, and nothing outside of the library may include their other headers. Prints one
-line for each violation; the status is 1 when there is one, 2 when the table cannot be read.
+ROOT is the directory of the project. The headers of a --private room are not installed, except
+those that --installed names. The table must mark the same rooms as private. Neither programs nor
+installed headers may include headers that are not installed. A directory that is not installed at
+all, although the rooms in it are not private, is --uninstalled. Prints one line for each violation;
+the status is 1 if there is one, 2 if the table cannot be read.
 """
 
 import argparse
@@ -82,8 +83,9 @@ class Rooms:
 
 
 class Project:
-    def __init__(self, root, private=(), installed=()):
+    def __init__(self, root, private=(), installed=(), uninstalled=()):
         self.root = root
+        self.uninstalled = tuple(directory + "/" for directory in uninstalled)
         self.private = list(private)
         self.installed = set(installed)
         with open(os.path.join(root, TABLE), encoding="utf-8") as document:
@@ -177,8 +179,11 @@ class Project:
         below = self.table.room_of(target)
         if below is None:
             return f"is {target}, which is in no room of the table"
-        if not path.startswith(LIBRARY) and self.is_private(target, below):
-            return "is private to the library"
+        if self.is_private(target, below):
+            if not path.startswith(LIBRARY):
+                return "is private to the library"
+            if self.is_installed(path, room):
+                return "is not installed, but this header is"
         if below is room or target in room.stands_on or set(below.names) & set(room.stands_on):
             return ""
         return f"is in {below.name()}"
@@ -188,6 +193,10 @@ class Project:
             return False
         return room.is_private or "/detail/" in target
 
+    def is_installed(self, path, room):
+        is_header = path.endswith(".hpp") and not path.startswith(self.uninstalled)
+        return is_header and not self.is_private(path, room)
+
     def exists(self, path):
         return os.path.exists(os.path.join(self.root, path))
 
@@ -196,6 +205,7 @@ def parse_arguments(arguments):
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--private", metavar="ROOM", action="append", default=[])
     parser.add_argument("--installed", metavar="HEADER", action="append", default=[])
+    parser.add_argument("--uninstalled", metavar="DIRECTORY", action="append", default=[])
     parser.add_argument("root", metavar="ROOT")
     return parser.parse_args(arguments)
 
@@ -203,7 +213,7 @@ def parse_arguments(arguments):
 def main(arguments):
     options = parse_arguments(arguments)
     try:
-        project = Project(options.root, options.private, options.installed)
+        project = Project(options.root, options.private, options.installed, options.uninstalled)
     except (OSError, ValueError) as failure:
         print(f"rooms: {failure}", file=sys.stderr)
         return 2
