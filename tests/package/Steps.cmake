@@ -47,9 +47,9 @@ function(build_project source build)
     run(ignored "${CMAKE_COMMAND}" --build "${build}")
 endfunction()
 
-# build_library(SOURCE BUILD ARGUMENT...): configures and builds a project that contains the library,
-# without optimisation, which saves a quarter of the time: these builds test what is installed and
-# linked.
+# build_library(SOURCE BUILD ARGUMENT...): configures and builds a project that contains the
+# library, without optimisation, which saves a quarter of the time: these builds test what is
+# installed and linked.
 function(build_library source build)
     build_project("${source}" "${build}" ${ARGN}
         -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0)
