@@ -1,0 +1,16 @@
+/// How options become values of a type of the application's.
+#pragma once
+
+namespace connector::configuration {
+
+/// Specialised by the application, with two static functions:
+///
+///     static T convert(const OptionValue& value); // any std::exception: the value does not convert
+///     static std::string typeName();              // for messages
+///
+/// A specialisation goes before every conversion of the library. It must be visible wherever the type
+/// is converted.
+template <typename T>
+struct OptionConverter;
+
+} // namespace connector::configuration
