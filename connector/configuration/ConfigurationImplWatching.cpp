@@ -2,10 +2,10 @@
 #include <connector/configuration/ConfigurationImpl.hpp>
 
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
+#include <connector/configuration/detail/FailedSubscriber.hpp>
 #include <connector/configuration/registry/Precedence.hpp>
 #include <connector/configuration/watching/NotificationPass.hpp>
 
-#include <iostream>
 #include <memory>
 #include <utility>
 
@@ -28,15 +28,6 @@ public:
 private:
     std::unique_lock<std::recursive_mutex>& lock;
 };
-
-/// Standard error is the only place for it: the failure belongs neither to the caller who changed the
-/// option nor to the other subscribers.
-void reportFailedSubscriber(const std::string& key) noexcept {
-    try {
-        std::cerr << "Error in configuration value subscriber: " + key + '\n' << std::flush;
-    } catch (...) { // no memory for the line: the other subscribers still get the value
-    }
-}
 
 } // namespace
 
@@ -126,7 +117,7 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
             logCore("notifying watcher: ", key);
             publisher->onNext(*value);
         } catch (...) {
-            reportFailedSubscriber(key);
+            detail::reportFailedSubscriber(key);
         }
     }
 }

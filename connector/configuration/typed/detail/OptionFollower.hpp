@@ -1,0 +1,85 @@
+/// A follower of one option.
+#pragma once
+
+#include <connector/Export.hpp>
+#include <connector/configuration/Configuration.hpp>
+#include <connector/configuration/typed/InvalidOption.hpp>
+#include <connector/configuration/typed/detail/Follower.hpp>
+#include <connector/configuration/typed/detail/StreamLink.hpp>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace connector::configuration::detail {
+
+/// @throws std::invalid_argument "A null configuration cannot be followed."
+CONNECTOR_EXPORT Configuration& demand(const std::shared_ptr<Configuration>& configuration);
+
+class CONNECTOR_EXPORT OptionFollower : public Follower {
+public:
+    ~OptionFollower() override;
+
+    /// Makes a follower, links it to its option and starts it.
+    template <typename Derived, typename... Arguments>
+    static std::shared_ptr<Derived> follow(const std::shared_ptr<Configuration>& configuration,
+                                           const std::string& key, Arguments&&... arguments) {
+        Configuration& followed = demand(configuration);
+        auto follower =
+            std::make_shared<Derived>(configuration, key, std::forward<Arguments>(arguments)...);
+        follower->link(followed, follower);
+        follower->start();
+        return follower;
+    }
+
+protected:
+    OptionFollower(const std::weak_ptr<Configuration>& newConfiguration, const std::string& newKey);
+
+    /// Called with the option as it is now. @return whether there is something to tell
+    virtual bool take(Option&& option) = 0;
+
+    /// Remembers a value that does not convert. @return whether it is another one than before
+    bool refuse(Option&& option, const std::string& expected);
+
+    /// Forgets it. @return whether there was one
+    bool accept();
+
+    void release() noexcept override;
+
+    std::optional<InvalidOption> problem; // of the refused value
+
+private:
+    void link(Configuration& followed, const std::weak_ptr<Follower>& self);
+    bool read() final;
+
+    const std::weak_ptr<Configuration> configuration;
+    std::optional<StreamLink> stream;
+    std::optional<Option> refused; // touched by the thread that runs only, like the problem
+};
+
+template <typename T, typename = void>
+struct HasOperator : std::false_type {};
+template <typename T>
+struct HasOperator<T, std::enable_if_t<std::is_convertible_v<
+                          decltype(std::declval<const T&>() == std::declval<const T&>()), bool>>>
+    : std::true_type {};
+
+/// The == of a list is declared for any type of elements, so those are asked.
+template <typename T>
+struct HasEquality : HasOperator<T> {};
+template <typename T>
+struct HasEquality<std::vector<T>> : HasEquality<T> {};
+
+/// @return whether the values are known to be the same
+template <typename T>
+bool isKnownEqual(const T& left, const T& right) {
+    if constexpr (HasEquality<T>::value)
+        return left == right;
+    else
+        return static_cast<void>(left), static_cast<void>(right), false;
+}
+
+} // namespace connector::configuration::detail
