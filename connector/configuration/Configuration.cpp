@@ -2,12 +2,35 @@
 #include <connector/configuration/Configuration.hpp>
 #include <connector/configuration/sources/ConfigurationSource.hpp>
 
+#include <connector/configuration/detail/Errors.hpp>
+
+#include <stdexcept>
+
 namespace connector {
 
 namespace configuration {
 
+namespace {
+
+template <typename Character>
+std::basic_string<Character> textAt(const Character* text) {
+    if (text == nullptr)
+        throw std::invalid_argument(detail::errors::nullText);
+    return text;
+}
+
+} // namespace
+
 Configuration::~Configuration() = default;
 ConfigurationSource::~ConfigurationSource() = default;
+
+std::string Configuration::stored(const char* text) {
+    return textAt(text);
+}
+
+std::u16string Configuration::stored(const char16_t* text) {
+    return textAt(text);
+}
 
 } // namespace configuration
 

@@ -23,12 +23,19 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <type_traits>
 #include <unordered_map>
 
 namespace connector::configuration {
 
 /// The order of the operations is part of the binary interface.
 class CONNECTOR_EXPORT Configuration {
+    /// Nothing else than a pointer to characters: a literal 0 would convert to one, and is an int.
+    template <typename Text>
+    using TextPointer =
+        std::enable_if_t<std::is_same_v<Text, const char*> || std::is_same_v<Text, char*> ||
+                         std::is_same_v<Text, const char16_t*> || std::is_same_v<Text, char16_t*>>;
+
 public:
     virtual ~Configuration();
 
@@ -53,6 +60,19 @@ public:
     ///         fit, std::runtime_error "Source not found or not writable: " + key + ", " + source
     virtual Future<OptionValue> set(const std::string& key, OptionValue value,
                                     const std::string& source) = 0;
+
+    /// The same for string literals and const char*, which would otherwise be stored as the bool that a
+    /// pointer converts to. The text is stored as 8-bit text, char16_t as UTF-16.
+    /// @param text  ends with a NUL
+    /// @throws std::invalid_argument "A null text cannot be stored."
+    template <typename Text, typename = TextPointer<Text>>
+    Future<OptionValue> set(const std::string& key, Text text) {
+        return set(key, OptionValue(stored(text)));
+    }
+    template <typename Text, typename = TextPointer<Text>>
+    Future<OptionValue> set(const std::string& key, Text text, const std::string& source) {
+        return set(key, OptionValue(stored(text)), source);
+    }
 
     /// @return whether some source has the option
     virtual Future<bool> has(const std::string& key) = 0;
@@ -108,6 +128,10 @@ public:
     /// @return this object
     /// @throws std::bad_weak_ptr when no std::shared_ptr owns it
     virtual std::shared_ptr<Configuration> getPtr() = 0;
+
+private:
+    static std::string stored(const char* text);
+    static std::u16string stored(const char16_t* text);
 };
 
 } // namespace connector::configuration

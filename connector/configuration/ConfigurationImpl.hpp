@@ -57,6 +57,7 @@ public:
 
     Future<OptionValue> get(const std::string& key) override;
     Future<Option> getOption(const std::string& key) override;
+    using Configuration::set; // the ones for text
     Future<OptionValue> set(const std::string& key, OptionValue value) override;
     Future<OptionValue> set(const std::string& key, OptionValue value,
                             const std::string& source) override;
@@ -89,6 +90,29 @@ public:
     /// @throws what the sources throw
     std::vector<SourceAnswer> explain(const std::string& key);
 
+    /// @return the options whose keys begin with the bytes of the prefix, sorted by key, each with its
+    ///         effective value and who supplies it, as they are at one moment
+    /// @throws what a source's keys, has and get throw
+    std::vector<Option> optionsBelow(const std::string& prefix);
+
+    /// @return the options of a list of keys that are there, in the order of the list, each with its
+    ///         effective value and who supplies it, as they are at one moment
+    /// @throws what a source's has and get throw
+    std::vector<Option> optionsOf(const std::vector<std::string>& keys);
+
+    /// Takes an entry out of the table in memory that set would have written. Watchers of the key are
+    /// told the value that shows now, before the call returns; nothing when none does, and nothing when
+    /// there was no entry.
+    /// @return whether there was an entry; or, when set would have no source, or one that is not in
+    ///         memory, std::runtime_error "No writable configuration source for key: " + key
+    Future<bool> reset(const std::string& key);
+
+    /// As above, in the named source.
+    /// @return whether there was an entry; or, when no source has that name, or it is read-only or not
+    ///         in memory, or its group does not fit, std::runtime_error
+    ///         "Source not found or not writable: " + key + ", " + source
+    Future<bool> reset(const std::string& key, const std::string& source);
+
     /// Removes the stream with that id from the list. Its publisher lives on while something else
     /// holds it. An unknown id is ignored.
     void removeStream(std::uint64_t id);
@@ -109,6 +133,11 @@ private:
     bool mayReadDirectly(const detail::Supplier& supplier) const;
     bool lookupsAreUnobservable() const;
     std::optional<OptionValue> effectiveValue(Lock& lock, const std::string& key);
+
+    std::optional<Option> effectiveOption(Lock& lock, const std::string& key);
+    std::set<std::string> keysBelow(const std::string& prefix) const;
+    static Future<bool> erase(const ConfigurationSourceMap* target, const std::string& key,
+                              const std::string& failure);
 
     static Future<OptionValue> write(const ConfigurationSourceMap& target, const std::string& key,
                                      OptionValue&& value);

@@ -30,6 +30,14 @@ OptionValue InMemorySource::set(const std::string& key, OptionValue value) {
     return result;
 }
 
+bool InMemorySource::erase(const std::string& key) {
+    if (values.erase(key) == 0)
+        return false;
+    if (watcher)
+        watcher(key);
+    return true;
+}
+
 bool InMemorySource::has(const std::string& key) {
     return values.find(key) != values.end();
 }

@@ -30,6 +30,10 @@ public:
     ///         deliberate: callers of Configuration::set see it, and rely on it.
     OptionValue set(const std::string& key, OptionValue value) override;
 
+    /// Removes an entry, then calls the watcher; does nothing when there is none.
+    /// @return whether there was one
+    bool erase(const std::string& key);
+
     bool has(const std::string& key) override;
 
     /// Replaces the watcher; an empty one switches notification off.
