@@ -23,6 +23,7 @@ base_packages=(
     ninja-build
     pkg-config
     python3
+    python3-jsonschema
 )
 
 say() { printf '%s\n' "$*" >&2; }

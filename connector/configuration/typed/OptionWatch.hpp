@@ -108,9 +108,9 @@ private:
 ///         "An empty handler cannot be called."
 /// @throws what a source throws during the first lookup
 template <typename T>
-[[nodiscard]] OptionWatch onChange(const std::shared_ptr<Configuration>& configuration, const std::string& key,
-                     std::function<void(const T&)> handler,
-                     std::function<void(const InvalidOption&)> onInvalid = {}) {
+[[nodiscard]] OptionWatch onChange(const std::shared_ptr<Configuration>& configuration,
+                                   const std::string& key, std::function<void(const T&)> handler,
+                                   std::function<void(const InvalidOption&)> onInvalid = {}) {
     detail::demandHandler(handler != nullptr);
     return OptionWatch(detail::OptionFollower::follow<detail::OptionHandler<T>>(
         configuration, key, std::move(handler), std::move(onInvalid)));

@@ -141,7 +141,8 @@ private:
 
     static std::optional<Duration> fromRounded(const OptionValue& value) {
         long double ticks = 0;
-        if (!toRoundedTicks(value, Period::num, Period::den, ticks) ||
+        if (!toRoundedTicks(value, Period::num, Period::den, std::numeric_limits<Rep>::digits,
+                            ticks) ||
             ticks > static_cast<long double>(std::numeric_limits<Rep>::max()) ||
             ticks < static_cast<long double>(std::numeric_limits<Rep>::lowest()))
             return std::nullopt;

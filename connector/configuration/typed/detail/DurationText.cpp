@@ -3,6 +3,7 @@
 
 #include <array>
 #include <charconv>
+#include <limits>
 #include <system_error>
 
 namespace connector::configuration::detail {
@@ -92,13 +93,46 @@ std::optional<Decimal> readNanoseconds(std::string_view text) {
     return sum;
 }
 
-std::optional<long double> readFloating(std::string_view number) {
-    long double value = 0;
-    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value,
-                                              std::chars_format::fixed);
-    if (error != std::errc{} || end != number.data() + number.size())
-        return std::nullopt;
-    return value;
+template <typename T>
+std::optional<long double> readAs(std::string_view number) {
+    T value = 0;
+    const char* const end = number.data() + number.size();
+    const auto [rest, error] = std::from_chars(number.data(), end, value, std::chars_format::fixed);
+    return error == std::errc{} && rest == end ? std::optional<long double>(value) : std::nullopt;
+}
+
+/// @param precision  in binary digits
+std::optional<long double> readFloating(std::string_view number, int precision) {
+    if (precision == std::numeric_limits<float>::digits)
+        return readAs<float>(number);
+    if (precision == std::numeric_limits<double>::digits)
+        return readAs<double>(number);
+    return readAs<long double>(number);
+}
+
+std::string digitsOf(Wide number) {
+    std::string digits;
+    do
+        digits.insert(digits.begin(), static_cast<char>('0' + static_cast<int>(number % 10)));
+    while ((number /= 10) != 0);
+    return digits;
+}
+
+/// @return the digits of rest / divisor behind the point; nothing when they never end
+std::optional<std::string> fractionDigits(Wide rest, Wide divisor) {
+    constexpr std::size_t most = 64; // a power of two of 64 bits ends by then
+    std::string digits;
+    for (; rest != 0; rest %= divisor) {
+        if (digits.size() == most)
+            return std::nullopt;
+        rest *= 10;
+        digits += static_cast<char>('0' + static_cast<int>(rest / divisor));
+    }
+    return digits;
+}
+
+bool hasPeriod(const Unit& unit, std::uintmax_t numerator, std::uintmax_t denominator) {
+    return Wide{unit.nanoseconds} * denominator == Wide{numerator} * nanosecondsOfASecond;
 }
 
 } // namespace
@@ -119,7 +153,7 @@ std::optional<Ticks> readTicks(std::string_view text, std::uintmax_t numerator,
 }
 
 std::optional<long double> readRoundedTicks(std::string_view text, std::uintmax_t numerator,
-                                            std::uintmax_t denominator) {
+                                            std::uintmax_t denominator, int precision) {
     if (text == "0")
         return 0.0L;
     const bool isNegative = takeSign(text);
@@ -128,10 +162,13 @@ std::optional<long double> readRoundedTicks(std::string_view text, std::uintmax_
     do {
         if (!parts.next())
             return std::nullopt;
-        const std::optional<long double> number = readFloating(parts.number);
+        const bool isAlone = sum == 0 && parts.atEnd();
+        const bool isOwnUnit = hasPeriod(*parts.unit, numerator, denominator);
+        const std::optional<long double> number = readFloating(
+            parts.number,
+            isAlone && isOwnUnit ? precision : std::numeric_limits<long double>::digits);
         if (!number)
             return std::nullopt;
-        // One rounding for numbers in the duration's own unit: the factor is 1 then.
         sum += *number * (static_cast<long double>(parts.unit->nanoseconds) *
                           static_cast<long double>(denominator) /
                           (static_cast<long double>(numerator) * nanosecondsOfASecond));
@@ -141,27 +178,38 @@ std::optional<long double> readRoundedTicks(std::string_view text, std::uintmax_
 
 std::optional<std::string> writeTicks(Ticks ticks, std::uintmax_t numerator,
                                       std::uintmax_t denominator) {
-    const std::optional<std::uint64_t> nanoseconds =
-        wholeQuotient({ticks.count, 0}, Wide{numerator} * nanosecondsOfASecond, denominator);
-    if (!nanoseconds)
+    Wide scaled = 0;
+    if (__builtin_mul_overflow(Wide{numerator} * nanosecondsOfASecond, Wide{ticks.count}, &scaled))
         return std::nullopt;
-    if (*nanoseconds == 0)
-        return "0s";
-    std::string text(ticks.isNegative ? "-" : "");
-    std::uint64_t rest = *nanoseconds;
+    const std::optional<std::string> fraction = fractionDigits(scaled % denominator, denominator);
+    if (!fraction)
+        return std::nullopt;
+    std::string text;
+    Wide rest = scaled / denominator;
     for (const Unit& unit : units) {
-        if (rest >= unit.nanoseconds)
-            text.append(std::to_string(rest / unit.nanoseconds)).append(unit.name);
+        const bool hasFraction = unit.nanoseconds == 1 && !fraction->empty();
+        if (rest >= unit.nanoseconds || hasFraction)
+            text.append(digitsOf(rest / unit.nanoseconds))
+                .append(hasFraction ? '.' + *fraction : std::string())
+                .append(unit.name);
         rest %= unit.nanoseconds;
     }
-    return text;
+    return text.empty() ? "0s" : (ticks.isNegative ? "-" : "") + text;
 }
 
-std::string writeSeconds(double seconds) {
+std::string writeRoundedTicks(double count, std::uintmax_t numerator, std::uintmax_t denominator) {
+    std::string_view unitName = "s";
+    double written = count * (static_cast<double>(numerator) / static_cast<double>(denominator));
+    for (const Unit& unit : units) {
+        if (hasPeriod(unit, numerator, denominator)) {
+            unitName = unit.name;
+            written = count;
+        }
+    }
     std::array<char, 1100> buffer{}; // the least double has 1,074 digits behind the point
-    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), seconds,
+    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), written,
                                             std::chars_format::fixed);
-    return error == std::errc{} ? std::string(buffer.data(), end) + 's' : std::string("0s");
+    return std::string(buffer.data(), error == std::errc{} ? end : buffer.data()).append(unitName);
 }
 
 std::string durationPattern() {

@@ -1,4 +1,5 @@
 /// Text of either width from every scalar.
+#include <connector/configuration/typed/detail/NumberText.hpp>
 #include <connector/configuration/typed/detail/Scalars.hpp>
 #include <connector/configuration/typed/detail/Unicode.hpp>
 
@@ -10,7 +11,7 @@ namespace connector::configuration::detail {
 namespace {
 
 template <typename T>
-std::string numberText(T number) {
+std::string charsOf(T number) {
     std::array<char, 32> buffer{}; // the longest double takes 24
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
     return std::string(buffer.data(), end);
@@ -20,9 +21,9 @@ std::string numberText(T number) {
 class ScalarText : public boost::static_visitor<std::optional<std::string>> {
 public:
     result_type operator()(bool flag) const { return flag ? "true" : "false"; }
-    result_type operator()(int number) const { return numberText(number); }
-    result_type operator()(unsigned int number) const { return numberText(number); }
-    result_type operator()(double number) const { return numberText(number); }
+    result_type operator()(int number) const { return charsOf(number); }
+    result_type operator()(unsigned int number) const { return charsOf(number); }
+    result_type operator()(double number) const { return charsOf(number); }
     template <typename T>
     result_type operator()(const T&) const {
         return std::nullopt;
@@ -37,6 +38,14 @@ bool take(std::optional<Text>&& text, Text& place) {
 }
 
 } // namespace
+
+std::string numberText(double number) {
+    return charsOf(number);
+}
+
+std::string numberText(float number) {
+    return charsOf(number);
+}
 
 bool toText(const OptionValue& value, std::string& place) {
     if (const auto* const text = boost::get<std::string>(&value)) {

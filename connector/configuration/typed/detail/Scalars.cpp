@@ -188,9 +188,10 @@ bool toTicks(const OptionValue& value, std::uintmax_t numerator, std::uintmax_t 
 }
 
 bool toRoundedTicks(const OptionValue& value, std::uintmax_t numerator, std::uintmax_t denominator,
-                    long double& place) {
+                    int precision, long double& place) {
     return readText(value, [&](const std::string& text) {
-        const std::optional<long double> ticks = readRoundedTicks(text, numerator, denominator);
+        const std::optional<long double> ticks =
+            readRoundedTicks(text, numerator, denominator, precision);
         if (!ticks || !std::isfinite(*ticks))
             return false;
         place = *ticks;

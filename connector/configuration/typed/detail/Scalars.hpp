@@ -36,7 +36,7 @@ CONNECTOR_EXPORT bool toTicks(const OptionValue& value, std::uintmax_t numerator
                               std::uintmax_t denominator, std::int64_t least,
                               std::uint64_t greatest, std::uint64_t& twosComplement);
 CONNECTOR_EXPORT bool toRoundedTicks(const OptionValue& value, std::uintmax_t numerator,
-                                     std::uintmax_t denominator, long double& place);
+                                     std::uintmax_t denominator, int precision, long double& place);
 
 CONNECTOR_EXPORT bool toBytes(const OptionValue& value, std::uint64_t& place);
 

@@ -25,17 +25,20 @@ std::optional<Ticks> readTicks(std::string_view text, std::uintmax_t numerator,
                                std::uintmax_t denominator);
 
 /// As above, rounded to the ticks of a duration of floating point.
+/// @param precision  how many binary digits the type of the duration has. A single number in the
+///                   duration's own unit is rounded once, so that it reads back to what was written.
 std::optional<long double> readRoundedTicks(std::string_view text, std::uintmax_t numerator,
-                                            std::uintmax_t denominator);
+                                            std::uintmax_t denominator, int precision);
 
-/// @return the shortest sum of whole units, from large to small: "1h30m", "-250ms", "0s"; nothing when
-///         nanoseconds are too coarse for it, or too many
+/// @return a sum of whole units, from large to small: "1h30m", "-250ms", "0s"; nanoseconds have a fraction
+///         where the period is finer. Nothing when no decimal fraction is exact.
 CONNECTOR_EXPORT std::optional<std::string> writeTicks(Ticks ticks, std::uintmax_t numerator,
                                                        std::uintmax_t denominator);
 
-/// @param seconds  finite
-/// @return seconds as a decimal number: "0.25s"
-CONNECTOR_EXPORT std::string writeSeconds(double seconds);
+/// @param count  finite
+/// @return a decimal number of the unit that has this period, or else of seconds: "0.25s"
+CONNECTOR_EXPORT std::string writeRoundedTicks(double count, std::uintmax_t numerator,
+                                               std::uintmax_t denominator);
 
 /// Reads "512", "64KiB", "1.5MB".
 /// @return nothing when the text is no size, or no whole number of bytes of 64 bits
