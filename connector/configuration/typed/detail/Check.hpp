@@ -2,6 +2,7 @@
 #pragma once
 
 #include <connector/configuration/typed/detail/Facets.hpp>
+#include <connector/configuration/typed/detail/Secrets.hpp>
 #include <connector/configuration/typed/detail/Texts.hpp>
 #include <connector/configuration/typed/detail/Writing.hpp>
 
@@ -13,12 +14,24 @@
 
 namespace connector::configuration::detail {
 
+/// The payload of a value as messages show it, written only when one does.
+class ShownValue {
+public:
+    ShownValue(const std::string& newKey, const OptionValue& newValue)
+        : key(newKey), value(newValue) {}
+
+    std::string text() const { return shownValue(key, value); }
+
+private:
+    const std::string& key;
+    const OptionValue& value;
+};
+
 /// A check for a member of one type, whose type is forgotten.
 struct Check {
     /// @param member  points to the value
-    /// @param shown   the payload as messages show it
     /// @return what is wrong; empty when nothing is
-    std::function<std::string(const void* member, const std::string& shown)> problem;
+    std::function<std::string(const void* member, const ShownValue& shown)> problem;
     Facets facets; ///< what a JSON Schema can say of it
 };
 
@@ -70,13 +83,13 @@ struct Range {
     Check checkFor() const {
         const std::string text = "must be between " + bare(low) + " and " + bare(high) + ": ";
         Check check;
-        check.problem = [range = *this, text](const void* member, const std::string& shown) {
+        check.problem = [range = *this, text](const void* member, const ShownValue& shown) {
             const T& value = *static_cast<const T*>(member);
             // A value that is not a number is outside of every range.
             const bool isInside = (isLess(range.low, value) || isSame(range.low, value)) &&
                                   (isLess(value, range.high) || isSame(value, range.high)) &&
                                   value == value;
-            return isInside ? std::string() : text + shown;
+            return isInside ? std::string() : text + shown.text();
         };
         if constexpr (std::is_arithmetic_v<T>) {
             using Limits = std::numeric_limits<T>;
@@ -102,13 +115,13 @@ struct Choice {
         }
         Check check;
         check.facets = {{"enum", '[' + json + ']'}};
-        check.problem = [choice = *this, names](const void* member, const std::string& shown) {
+        check.problem = [choice = *this, names](const void* member, const ShownValue& shown) {
             const T& value = *static_cast<const T*>(member);
             for (const Value& allowed : choice.values) {
                 if (isSame(value, allowed))
                     return std::string();
             }
-            return "must be one of " + names + ": " + shown;
+            return "must be one of " + names + ": " + shown.text();
         };
         return check;
     }
@@ -118,7 +131,7 @@ struct NotEmpty {
     template <typename T>
     Check checkFor() const {
         Check check;
-        check.problem = [](const void* member, const std::string&) {
+        check.problem = [](const void* member, const ShownValue&) {
             return static_cast<const T*>(member)->empty() ? texts::empty : std::string();
         };
         const std::string type = Writing<T>::facets().all().front().second;
@@ -142,7 +155,7 @@ Check makeCheck(const Candidate& candidate) {
     } else {
         static_assert(std::is_invocable_r_v<std::string, const Candidate&, const T&>,
                       "a check is callable with the option's value and answers a string");
-        return {[candidate](const void* member, const std::string&) -> std::string {
+        return {[candidate](const void* member, const ShownValue&) -> std::string {
                     return candidate(*static_cast<const T*>(member));
                 },
                 {}};

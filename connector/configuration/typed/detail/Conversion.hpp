@@ -240,12 +240,21 @@ struct BuiltInConversion<std::vector<T>> {
     }
 };
 
+/// @return the place of T among the candidates
+template <typename T, typename... Candidates>
+constexpr int indexAmong(boost::variant<Candidates...>*) {
+    int index = 0;
+    static_cast<void>(((std::is_same_v<T, Candidates> || (++index, false)) || ...));
+    return index;
+}
+
 /// Converts a value that nobody needs afterwards: what is of the type already is moved.
 template <typename T>
 std::optional<T> convertOrMove(OptionValue& value) {
     if constexpr (isAlternative<T> && !HasConverter<T>::value) {
-        if (auto* const same = boost::get<T>(&value))
-            return std::move(*same);
+        constexpr int index = indexAmong<T>(static_cast<OptionValue*>(nullptr));
+        if (value.which() == index) // costs less than to get a pointer that is null
+            return std::move(boost::get<T>(value));
     }
     return Conversion<T>::from(value);
 }

@@ -32,8 +32,13 @@ bool isWhole(double number) {
     return std::isfinite(number) && std::trunc(number) == number;
 }
 
+/// Where the alternatives that are no flags or numbers begin.
+constexpr int firstText = 4;
+
 /// @return the value of an int, unsigned int or double that is an integer
 std::optional<std::int64_t> integerOf(const OptionValue& value) {
+    if (value.which() >= firstText)
+        return std::nullopt;
     if (const auto* const number = boost::get<int>(&value))
         return *number;
     if (const auto* const number = boost::get<unsigned int>(&value))
@@ -151,7 +156,7 @@ bool toDouble(const OptionValue& value, double& place) {
 }
 
 bool toFloat(const OptionValue& value, float& place) {
-    if (value.which() > 3) // text is rounded once, not to a double first
+    if (value.which() >= firstText) // text is rounded once, not to a double first
         return readText(value, [&](const std::string& text) { return readFloating(text, place); });
     double number = 0;
     if (!toDouble(value, number) || (std::isfinite(number) && std::abs(number) >= floatOverflow))

@@ -34,6 +34,7 @@ void SchemaCore::add(DeclaredOption&& option) {
     if (isThere)
         throw std::invalid_argument(texts::declaredTwice + option.key);
     option.key = key;
+    keys.push_back(key);
     declared.push_back(std::move(option));
 }
 
@@ -67,9 +68,7 @@ std::string SchemaCore::readOne(const DeclaredOption& option, const OptionValue&
     void* const member = option.place(settings);
     if (!option.type->read(value, member))
         return texts::notConvertible(option.type->name(), shownValue(option.key, value));
-    if (option.checks.empty())
-        return {};
-    const std::string shown = shownValue(option.key, value);
+    const ShownValue shown(option.key, value);
     for (const Check& check : option.checks) {
         std::string problem = check.problem(member, shown);
         if (!problem.empty())

@@ -85,6 +85,7 @@ private:
 
     std::string name; // without a dot at the end
     std::vector<DeclaredOption> declared;
+    std::vector<std::string> keys; // of the declared options
     std::vector<DeclaredRule> rules;
 };
 

@@ -16,14 +16,6 @@ namespace {
 
 constexpr std::size_t farthestSuggestion = 2;
 
-std::vector<std::string> keysOf(const std::vector<DeclaredOption>& declared) {
-    std::vector<std::string> keys;
-    keys.reserve(declared.size());
-    for (const DeclaredOption& option : declared)
-        keys.push_back(option.key);
-    return keys;
-}
-
 /// One option after the other: for configurations that cannot tell of one moment.
 std::vector<Option> optionsOf(Configuration& configuration, const std::vector<std::string>& keys) {
     std::vector<Option> options;
@@ -131,7 +123,6 @@ std::vector<OptionProblem> SchemaCore::read(Configuration& configuration, Unknow
         reading.takeAll(atOneMoment != nullptr ? atOneMoment->optionsBelow(below)
                                                : optionsBelow(configuration, below));
     } else {
-        const std::vector<std::string> keys = keysOf(declared);
         reading.takeDeclared(atOneMoment != nullptr ? atOneMoment->optionsOf(keys)
                                                     : optionsOf(configuration, keys));
     }

@@ -22,7 +22,7 @@ bool readAll(std::string_view text, T& place, Format format) {
 
 template <typename T>
 bool readInteger(std::string_view text, T& place) {
-    if (text.substr(0, 2) != "0x")
+    if (text.size() < 2 || text[0] != '0' || text[1] != 'x')
         return readAll(text, place, 10);
     text.remove_prefix(2);
     return !text.empty() && text.front() != '-' && readAll(text, place, 16);
