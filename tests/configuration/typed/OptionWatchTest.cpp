@@ -27,6 +27,12 @@ struct Opaque {
     int number;
 };
 
+/// Whose conversion does as it is told.
+struct Hooked {
+    int number;
+    inline static std::function<void(int)> onConvert;
+};
+
 /// A plain subscriber that does as it is told.
 class Plain : public Subscriber<OptionValue> {
 public:
@@ -47,6 +53,16 @@ template <>
 struct connector::configuration::OptionConverter<Opaque> {
     static Opaque convert(const OptionValue& value) { return {optionCast<int>(value)}; }
     static std::string typeName() { return "opaque"; }
+};
+
+template <>
+struct connector::configuration::OptionConverter<Hooked> {
+    static Hooked convert(const OptionValue& value) {
+        const int number = optionCast<int>(value);
+        Hooked::onConvert(number);
+        return {number};
+    }
+    static std::string typeName() { return "hooked"; }
 };
 
 namespace {
@@ -371,6 +387,29 @@ TEST_F(OptionWatching, InsideAnotherHandlerTheDestructorDoesNotWait) {
     changing.join();
     set(2);
     EXPECT_THAT(told, ElementsAre(0, 1)); // no call began after the end
+}
+
+TEST_F(OptionWatching, AWatchThatEndsWhileItsValueIsReadTellsNothing) {
+    test::Gate entered, ended;
+    Hooked::onConvert = [&](int number) {
+        if (number == 1) {
+            entered.open();
+            ended.wait();
+        }
+    };
+    const auto source = addSource(0);
+    auto watching = std::make_optional(onChange<Hooked>(
+        configuration, "key", [this](const Hooked& value) { told.push_back(value.number); }));
+    std::thread changing([&] { source->change("key", 1); });
+    entered.wait();
+    watching.reset(); // waits for calls of the handler only
+    ::testing::internal::CaptureStderr();
+    ended.open();
+    changing.join();
+    EXPECT_EQ("",
+              ::testing::internal::GetCapturedStderr()); // a call would fail: the handler is gone
+    Hooked::onConvert = nullptr;
+    EXPECT_THAT(told, ElementsAre(0));
 }
 
 } // namespace
