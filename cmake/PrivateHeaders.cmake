@@ -11,6 +11,26 @@ set(connector_installed_private_headers
     connector/async/detail/Errors.hpp
     connector/async/detail/PreallocatedResults.hpp
     connector/configuration/registry/ConfigurationSourceMap.hpp
+    connector/configuration/typed/detail/Check.hpp
+    connector/configuration/typed/detail/Conversion.hpp
+    connector/configuration/typed/detail/Equality.hpp
+    connector/configuration/typed/detail/Facets.hpp
+    connector/configuration/typed/detail/Follower.hpp
+    connector/configuration/typed/detail/JsonText.hpp
+    connector/configuration/typed/detail/ListText.hpp
+    connector/configuration/typed/detail/NumberText.hpp
+    connector/configuration/typed/detail/OptionFollower.hpp
+    connector/configuration/typed/detail/OptionType.hpp
+    connector/configuration/typed/detail/Scalars.hpp
+    connector/configuration/typed/detail/SchemaCore.hpp
+    connector/configuration/typed/detail/Secrets.hpp
+    connector/configuration/typed/detail/SettingsFollower.hpp
+    connector/configuration/typed/detail/StreamLink.hpp
+    connector/configuration/typed/detail/Texts.hpp
+    connector/configuration/typed/detail/Unicode.hpp
+    connector/configuration/typed/detail/UnitText.hpp
+    connector/configuration/typed/detail/ValueCell.hpp
+    connector/configuration/typed/detail/Writing.hpp
     connector/configuration/watching/OptionStreams.hpp)
 
 # Directories that are not installed, although their rooms are not private: not a library yet

@@ -8,6 +8,7 @@ set(count 0)
 foreach(document IN LISTS documents)
     cmake_path(GET document PARENT_PATH directory)
     file(READ "${SOURCE_DIR}/${document}" text)
+    string(REGEX REPLACE "```[^`]*```" "" text "${text}") # a lambda in a program looks like a link
     string(REPLACE "](" "<link>" text "${text}") # brackets have a meaning in CMake lists
     string(REGEX MATCHALL "<link>[^])#: ]+" links "${text}")
     foreach(link IN LISTS links)
