@@ -61,8 +61,8 @@ public:
     virtual Future<OptionValue> set(const std::string& key, OptionValue value,
                                     const std::string& source) = 0;
 
-    /// The same for string literals and const char*, which would otherwise be stored as the bool that a
-    /// pointer converts to. The text is stored as 8-bit text, char16_t as UTF-16.
+    /// The same for string literals and const char*, which would otherwise be stored as the bool
+    /// that a pointer converts to. The text is stored as 8-bit text, char16_t as UTF-16.
     /// @param text  ends with a NUL
     /// @throws std::invalid_argument "A null text cannot be stored."
     template <typename Text, typename = TextPointer<Text>>

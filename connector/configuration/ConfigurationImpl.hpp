@@ -90,21 +90,21 @@ public:
     /// @throws what the sources throw
     std::vector<SourceAnswer> explain(const std::string& key);
 
-    /// @return the options whose keys begin with the bytes of the prefix, sorted by key, each with its
-    ///         effective value and who supplies it, as they are at one moment
+    /// @return the options whose keys begin with the bytes of the prefix, sorted by key, each with
+    ///         its effective value and who supplies it, as they are at one moment
     /// @throws what a source's keys, has and get throw
     std::vector<Option> optionsBelow(const std::string& prefix);
 
-    /// @return the options of a list of keys that are there, in the order of the list, each with its
-    ///         effective value and who supplies it, as they are at one moment
+    /// @return the options of a list of keys that are there, in the order of the list, each with
+    ///         its effective value and who supplies it, as they are at one moment
     /// @throws what a source's has and get throw
     std::vector<Option> optionsOf(const std::vector<std::string>& keys);
 
-    /// Takes an entry out of the table in memory that set would have written. Watchers of the key are
-    /// told the value that shows now, before the call returns; nothing when none does, and nothing when
-    /// there was no entry.
-    /// @return whether there was an entry; or, when set would have no source, or one that is not in
-    ///         memory, std::runtime_error "No writable configuration source for key: " + key
+    /// Takes an entry out of the table in memory that set would have written. Watchers of the key
+    /// are told the value that shows now, before the call returns; nothing when none does, and
+    /// nothing when there was no entry.
+    /// @return whether there was an entry; or, when set would have no source, or one that is not
+    ///         in memory, std::runtime_error "No writable configuration source for key: " + key
     Future<bool> reset(const std::string& key);
 
     /// As above, in the named source.

@@ -1,7 +1,5 @@
-/// A small server: it greets the guests whose names come on standard input, one a line. Its options come
-/// from property files and the command line, are checked, and can be changed while it runs:
-///
-///     set KEY TEXT    reset KEY    quit
+/// A small server that greets the guests whose names come on standard input, one a line. Its
+/// options are checked, and can be changed while it runs: set KEY TEXT, reset KEY. quit ends it.
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/configuration/typed/CommandLine.hpp>
 #include <connector/configuration/typed/LiveOption.hpp>

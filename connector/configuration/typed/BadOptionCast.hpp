@@ -9,9 +9,9 @@
 
 namespace connector::configuration {
 
-/// "Option value is not convertible to TYPE: VALUE", where VALUE is the payload as the JSON form writes
-/// it, with U+FFFD for bytes that are no UTF-8. It does not know the key, so it hides no secrets:
-/// InvalidOption does.
+/// "Option value is not convertible to TYPE: VALUE", where VALUE is the payload as the JSON form
+/// writes it, with U+FFFD for bytes that are no UTF-8. It does not know the key, so it hides no
+/// secrets: InvalidOption does.
 class CONNECTOR_EXPORT BadOptionCast : public std::runtime_error {
 public:
     BadOptionCast(const std::string& typeName, const OptionValue& value);

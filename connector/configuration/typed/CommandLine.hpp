@@ -1,5 +1,5 @@
-/// Options of a schema on the command line. The only header of the library that includes CLI11, which
-/// whoever includes it must have.
+/// Options of a schema on the command line. The only header of the library that includes CLI11,
+/// which whoever includes it must have.
 #pragma once
 
 #include <connector/configuration/Configuration.hpp>
@@ -36,13 +36,12 @@ struct GivenOptions {
 
 } // namespace detail
 
-/// Gives an application each option of a schema as `--KEY VALUE`, with its description and default in the
-/// help. A value is converted and checked while it is parsed; what is wrong is CLI11's own
+/// Gives an application each option of a schema as `--KEY VALUE`, with its description and default
+/// in the help. A value is converted and checked while it is parsed; what is wrong is CLI11's own
 /// CLI::ValidationError. When everything is parsed, all values that were given are written into
 /// "override", as text; none of them when anything is wrong.
 ///
-/// The application and the schema may go before the parsing is over only together; the configuration is
-/// kept alive by the application.
+/// The application keeps a copy of the schema, and keeps the configuration alive.
 /// @throws std::invalid_argument "A null configuration cannot be followed."
 /// @throws CLI::BadNameString for a key that CLI11 takes for no name
 template <typename Settings>

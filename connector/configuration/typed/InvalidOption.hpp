@@ -10,8 +10,9 @@
 
 namespace connector::configuration {
 
-/// "Option KEY from source NAME is not convertible to TYPE: VALUE". VALUE is the payload as the JSON form
-/// writes it; of keys with "password", "secret" or "token" in them, whatever the case, it is "******".
+/// "Option KEY from source NAME is not convertible to TYPE: VALUE". VALUE is the payload as the
+/// JSON form writes it; of keys with "password", "secret" or "token" in them, whatever the case,
+/// it is "******".
 class CONNECTOR_EXPORT InvalidOption : public std::runtime_error {
 public:
     InvalidOption(const Option& option, const std::string& expected);

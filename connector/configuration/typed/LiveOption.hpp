@@ -73,12 +73,12 @@ private:
 
 } // namespace detail
 
-/// Follows an option, on the threads that change it, and keeps its newest good value. When all changes
-/// that a stream of the option would tell are over, get answers what getAs<T> does.
+/// Follows an option, on the threads that change it, and keeps its newest good value. When all
+/// changes that a stream of the option would tell are over, get answers what getAs<T> does.
 ///
 /// All operations may be called from any thread, take no lock of the configuration and call nothing
-/// back. Copies share the value. It does not keep the configuration alive; when that is gone, the last
-/// value stays.
+/// back. Copies share the value. It does not keep the configuration alive; when that is gone, the
+/// last value stays.
 template <typename T>
 class LiveOption {
 public:
@@ -93,8 +93,8 @@ public:
             detail::throwNoFirstValue(value->currentProblem(), key);
     }
 
-    /// As above, but for a missing option, and for a first value that does not convert, the fallback
-    /// holds; in the second case there is a problem().
+    /// As above, but for a missing option, and for a first value that does not convert, the
+    /// fallback holds; in the second case there is a problem().
     LiveOption(const std::shared_ptr<Configuration>& configuration, const std::string& key,
                T fallback)
         : value(follow(configuration, key, std::move(fallback))) {}

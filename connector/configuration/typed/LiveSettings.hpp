@@ -17,7 +17,8 @@ namespace connector::configuration {
 
 namespace detail {
 
-/// @return whether the settings are known to be the same: by their own ==, or else option for option
+/// @return whether the settings are known to be the same: by their own ==, or else option for
+///         option
 template <typename Settings>
 bool areSame(const SchemaCore& schema, const Settings& left, const Settings& right) {
     if constexpr (HasEquality<Settings>::value)
@@ -74,10 +75,10 @@ private:
 
 } // namespace detail
 
-/// Follows every option that a schema declares, on the threads that change them, and keeps the newest
-/// settings that the schema accepts. A change that breaks a check or a rule leaves the last good ones.
-/// When all changes that streams of the options would tell are over, the snapshot is what read of the
-/// schema answers, or there are problems.
+/// Follows every option that a schema declares, on the threads that change them, and keeps the
+/// newest settings that the schema accepts. A change that breaks a check or a rule leaves the last
+/// good ones. When all changes that streams of the options would tell are over, the snapshot is
+/// what read of the schema answers, or there are problems.
 ///
 /// All operations may be called from any thread. Copies share the settings. It does not keep the
 /// configuration alive; when that is gone, the last settings stay.
@@ -106,9 +107,9 @@ public:
     /// @return why the newest settings were not taken; empty when they were
     std::vector<OptionProblem> problems() const { return state->problems(); }
 
-    /// Calls the handler with the settings, at once and whenever others are taken. What is said of the
-    /// function onChange holds here, too; a failing handler is reported under the schema's prefix. The
-    /// settings go on while there is such a watch.
+    /// Calls the handler with the settings, at once and whenever others are taken. What is said of
+    /// the function onChange holds here, too; a failing handler is reported under the schema's
+    /// prefix. The settings go on while there is such a watch.
     /// @throws std::invalid_argument "An empty handler cannot be called."
     [[nodiscard]] OptionWatch onChange(std::function<void(const Settings&)> handler) const {
         detail::demandHandler(handler != nullptr);

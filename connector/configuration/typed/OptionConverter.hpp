@@ -5,11 +5,11 @@ namespace connector::configuration {
 
 /// Specialised by the application, with two static functions:
 ///
-///     static T convert(const OptionValue& value); // any std::exception: the value does not convert
+///     static T convert(const OptionValue& value); // any std::exception: it does not convert
 ///     static std::string typeName();              // for messages
 ///
-/// A specialisation goes before every conversion of the library. It must be visible wherever the type
-/// is converted.
+/// A specialisation goes before every conversion of the library. It must be visible wherever the
+/// type is converted.
 template <typename T>
 struct OptionConverter;
 

@@ -1,8 +1,8 @@
 /// Reading an option as the type that the program works with.
 ///
-/// Each function makes one lookup, so the value and the source that is named when it does not convert
-/// belong together. They may be called from any thread, take the configuration's lock during the
-/// lookup, and call back only into an OptionConverter, after it.
+/// Each function makes one lookup, so the value and the source that is named when it does not
+/// convert belong together. They may be called from any thread, take the configuration's lock
+/// during the lookup, and call back only into an OptionConverter, after it.
 #pragma once
 
 #include <connector/Export.hpp>

@@ -34,9 +34,9 @@ public:
     explicit OptionSchema(const std::string& prefix = {}) : schema(prefix) {}
 
     /// Declares an option whose default is the member's own initial value.
-    /// @param checks  inRange, oneOf, notEmpty, or a callable that takes the value and answers what is
-    ///                wrong, or an empty string. They see the value that an option has, not its
-    ///                default; of several that fail, the first one is told.
+    /// @param checks  inRange, oneOf, notEmpty, or a callable that takes the value and answers
+    ///                what is wrong, or an empty string. They see the value that an option has,
+    ///                not its default; of several that fail, the first one is told.
     /// @throws std::invalid_argument "Option declared twice: NAME",
     ///         "A declared option needs a name."
     template <typename Member, typename Owner, typename... Checks>
@@ -72,8 +72,8 @@ public:
         return *this;
     }
 
-    /// Reads all declared options. Of a ConfigurationImpl that is one moment's truth: no set comes in
-    /// between. Any other Configuration is asked for one option after the other. Takes the
+    /// Reads all declared options. Of a ConfigurationImpl that is one moment's truth: no set comes
+    /// in between. Any other Configuration is asked for one option after the other. Takes the
     /// configuration's lock; checks and rules run without it.
     /// @throws InvalidSettings with all problems at once
     /// @throws what a source, a check or a rule throws
@@ -86,8 +86,8 @@ public:
         return settings;
     }
 
-    /// @return the problems of which read would throw, in the order of declaration, then those of rules,
-    ///         then unknown keys, sorted
+    /// @return the problems of which read would throw, in the order of declaration, then those of
+    ///         rules, then unknown keys, sorted
     /// @throws what a source, a check or a rule throws
     std::vector<OptionProblem> check(Configuration& configuration,
                                      UnknownKeys unknownKeys = UnknownKeys::Allowed) const {

@@ -17,11 +17,11 @@ namespace connector::configuration {
 
 /// Owns a watch, and ends it when it goes. Each object belongs to one thread at a time.
 ///
-/// When the destructor has returned, the handler neither runs nor will run: it waits for a call that is
-/// running on another thread. Inside a handler, the watch's own or any other, it does not wait, and no
-/// new call begins. It takes the configuration's lock while the configuration lives. Whoever holds that
-/// lock in another way, as the subscriber of a plain stream does during a set, must not destroy a
-/// watch whose handler may call the configuration on another thread.
+/// When the destructor has returned, the handler neither runs nor will run: it waits for a call
+/// that is running on another thread. Inside a handler, the watch's own or any other, it does not
+/// wait, and no new call begins. It takes the configuration's lock while the configuration lives.
+/// Whoever holds that lock in another way, as the subscriber of a plain stream does during a set,
+/// must not destroy a watch whose handler may call the configuration on another thread.
 class CONNECTOR_EXPORT OptionWatch {
 public:
     /// A watch of nothing.
@@ -53,7 +53,8 @@ public:
           handler(std::move(newHandler)), onInvalid(std::move(newOnInvalid)) {}
 
 private:
-    // What is not told changes nothing here, so that what is told differs from what was told before it.
+    // What is not told changes nothing here, so that what is told differs from what was told
+    // before it.
     bool take(Option&& option) override {
         std::optional<T> value = convertOrMove<T>(option.value);
         if (!value)
@@ -86,23 +87,23 @@ private:
 
 } // namespace detail
 
-/// Calls the handler with the value of the option, at once if there is one, and after every change that
-/// a stream of the option would tell. The calls come on the thread that made the change, and on this
-/// one for the first; while it holds the configuration's lock, if set made the change. A handler must
-/// not wait for another thread that calls the configuration.
+/// Calls the handler with the value of the option, at once if there is one, and after every change
+/// that a stream of the option would tell. The calls come on the thread that made the change, and
+/// on this one for the first; while it holds the configuration's lock, if set made the change. A
+/// handler must not wait for another thread that calls the configuration.
 ///
-/// - Calls never overlap. A change during a call is told afterwards, once, with the newest value; the
-///   set that made it may return before.
-/// - When all changes that are told are over, the last call had what getAs<T> answers. That holds for
-///   nested and concurrent changes, too.
+/// - Calls never overlap. A change during a call is told afterwards, once, with the newest value;
+///   the set that made it may return before.
+/// - When all changes that are told are over, the last call had what getAs<T> answers. That holds
+///   for nested and concurrent changes, too.
 /// - The same value is not told twice in a row, where T has ==.
 /// - A handler may change options, and make and end watches, its own included.
 /// - What a handler throws is reported, like that of every subscriber, by a line on standard error:
 ///   "Error in configuration value subscriber: KEY".
 /// - The watch does not keep the configuration alive; when it is gone, nothing is called any more.
 ///
-/// @param onInvalid  called instead for a value that does not convert, at once, too, and not twice in a
-///                   row for the same value of the same source
+/// @param onInvalid  called instead for a value that does not convert, at once, too, and not twice
+///                   in a row for the same value of the same source
 /// @return what ends the watch
 /// @throws std::invalid_argument "A null configuration cannot be followed."
 ///         "An empty handler cannot be called."

@@ -49,7 +49,8 @@ private:
     std::atomic<int> last{-1};
 };
 
-/// A configuration with a permanent watch, a live option of each size and plain nesting for each key.
+/// A configuration with a permanent watch, a live option of each size and plain nesting for each
+/// key.
 class Arena {
 public:
     Arena() {

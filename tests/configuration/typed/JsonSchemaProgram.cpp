@@ -1,5 +1,5 @@
-/// Writes a JSON Schema, and cases for a validator: lines of JSON with a document and whether the schema
-/// of the library takes it.
+/// Writes a JSON Schema, and cases for a validator: lines of JSON with a document and whether the
+/// schema of the library takes it.
 #include "Net.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>

@@ -1,4 +1,4 @@
-"""Holds the library's JSON Schema against a validator: json-schema-program writes the schema and cases.
+"""Checks the library's JSON Schema with a validator. json-schema-program writes schema and cases.
 
 Usage: JsonSchemaTest.py PROGRAM
 """

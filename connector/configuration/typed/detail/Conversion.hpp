@@ -1,7 +1,7 @@
 /// The conversion for each type: thin covers for Scalars.hpp.
 ///
-/// Conversion<T> has `static std::optional<T> from(const OptionValue&)`, empty for a value that does not
-/// convert, and `static std::string typeName()`.
+/// Conversion<T> has `static std::optional<T> from(const OptionValue&)`, empty for a value that
+/// does not convert, and `static std::string typeName()`.
 #pragma once
 
 #include <connector/Export.hpp>

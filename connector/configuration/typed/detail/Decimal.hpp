@@ -17,7 +17,8 @@ struct Decimal {
 };
 
 /// @param text  digits, or digits, a point and digits
-/// @return nothing when the text is something else, or has more significant digits than 128 bits hold
+/// @return nothing when the text is something else, or has more significant digits than 128 bits
+///         hold
 std::optional<Decimal> readDecimal(std::string_view text);
 
 /// @return value * factor / divisor, when that is a whole number of 64 bits

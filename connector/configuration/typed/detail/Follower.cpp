@@ -70,7 +70,8 @@ void Follower::run(bool hasNews) noexcept {
         lock.lock();
     }
     state = State::Idle;
-    // An end that did not wait, because it came from inside of a listener, leaves this to the last call.
+    // An end that did not wait, because it came from inside of a listener, leaves this to the last
+    // call.
     const bool isLast = ended && !awaited && !std::exchange(released, true);
     lock.unlock();
     if (isLast)

@@ -1,8 +1,8 @@
 /// Brings the newest state of something to a listener, whatever threads change it.
 ///
-/// What is brought is always read anew: the hint that something changed carries no value. So it does not
-/// matter in which order hints come, nor how late: the last thing that is read after the last hint is
-/// the present state.
+/// What is brought is always read anew: the hint that something changed carries no value. So it
+/// does not matter in which order hints come, nor how late: the last thing that is read after the
+/// last hint is the present state.
 ///
 ///              hint                    news, not ended
 ///     Idle ------------> Reading -------------------------> Telling
@@ -17,8 +17,8 @@
 /// notifying thread ever waits for a listener that runs on another thread. It must not: it may hold
 /// the configuration's mutex, which that listener may need.
 ///
-/// A follower begins in Reading, run by the thread that makes it: what happens before start() only sets
-/// `again`.
+/// A follower begins in Reading, run by the thread that makes it: what happens before start() only
+/// sets `again`.
 ///
 /// Locks: `mutex` is the innermost of all. Nothing is called while it is held.
 #pragma once
@@ -44,8 +44,8 @@ public:
     /// @throws what read throws the first time; nothing is told then
     void start();
 
-    /// After this no call of tell begins. Waits for a running one to end, unless this thread is inside a
-    /// call of tell of any follower. A thread that is told can call it.
+    /// After this no call of tell begins. Waits for a running one to end, unless this thread is
+    /// inside a call of tell of any follower. A thread that is told can call it.
     void end() noexcept;
 
 protected:
@@ -58,8 +58,8 @@ protected:
     /// Tells the listener what was read. What it throws is reported.
     virtual void tell() = 0;
 
-    /// Lets everything go that tell needs, and the sources of hints. Called at most once, after the last
-    /// call of tell; a call of read may be running on another thread.
+    /// Lets everything go that tell needs, and the sources of hints. Called at most once, after
+    /// the last call of tell; a call of read may be running on another thread.
     virtual void release() noexcept = 0;
 
     const std::string key;

@@ -11,8 +11,8 @@ namespace connector::configuration::detail {
 
 namespace {
 
-/// Digits are written plainly while the exponent is at least the one and less than the other, as the
-/// serializer of the JSON form does.
+/// Digits are written plainly while the exponent is at least the one and less than the other, as
+/// the serializer of the JSON form does.
 constexpr int leastPlainExponent = -15;
 constexpr int firstLargeExponent = 15;
 

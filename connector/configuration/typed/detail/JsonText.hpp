@@ -9,8 +9,8 @@
 
 namespace connector::configuration::detail {
 
-/// @return what a serializer prints for the payload of the value; bytes that are no UTF-8, and halves
-///         of surrogate pairs, as U+FFFD each. Infinity is inf, not a number nan.
+/// @return what a serializer prints for the payload of the value; bytes that are no UTF-8, and
+///         halves of surrogate pairs, as U+FFFD each. Infinity is inf, not a number nan.
 CONNECTOR_EXPORT std::string jsonPayload(const OptionValue& value);
 
 /// @param text  UTF-8; other bytes as above

@@ -9,8 +9,8 @@
 
 namespace connector::configuration::detail {
 
-/// Blanks and tabs around an item are dropped; `\,` is a comma, `\\` a backslash, `\` before a blank or
-/// a tab keeps it, `\e` alone is an empty item, and every other backslash is itself.
+/// Blanks and tabs around an item are dropped; `\,` is a comma, `\\` a backslash, `\` before a
+/// blank or a tab keeps it, `\e` alone is an empty item, and every other backslash is itself.
 /// @return the items; none for the empty text, one for blanks
 std::vector<std::string> readList(std::string_view text);
 

@@ -20,7 +20,8 @@ public:
     virtual std::string name() const = 0;
     virtual Facets facets() const = 0;
 
-    /// Converts into the member. @return false, and leaves the member alone, when it does not convert
+    /// Converts into the member. @return false, and leaves the member alone, when it does not
+    /// convert
     virtual bool read(const OptionValue& value, void* member) const = 0;
 
     /// @return a text that reads back to the same value; nothing when there is none

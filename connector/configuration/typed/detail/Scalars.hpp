@@ -1,5 +1,5 @@
-/// The conversions of one value, without templates. Each answers false, and leaves `place` alone, when
-/// the value does not convert.
+/// The conversions of one value, without templates. Each answers false, and leaves `place` alone,
+/// when the value does not convert.
 #pragma once
 
 #include <connector/Export.hpp>

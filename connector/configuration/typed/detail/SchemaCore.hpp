@@ -1,4 +1,5 @@
-/// A schema without the type of its settings. `settings` points to an object of that type everywhere.
+/// A schema without the type of its settings. `settings` points to an object of that type
+/// everywhere.
 #pragma once
 
 #include <connector/Export.hpp>
@@ -56,7 +57,8 @@ public:
 
     /// Takes over what another schema declares.
     /// @param place  from these settings to those of the other schema
-    /// @throws std::invalid_argument as above; "The schema of a group must not have a prefix: PREFIX"
+    /// @throws std::invalid_argument as above; "The schema of a group must not have a prefix:
+    ///         PREFIX"
     void addGroup(const std::string& name, const SchemaCore& inner, const Place& place);
 
     /// Reads all options into settings that have the defaults. @return what is wrong

@@ -9,7 +9,8 @@
 
 namespace connector::configuration::detail {
 
-/// @return whether the key has "password", "secret" or "token" in it, whatever the case of its letters
+/// @return whether the key has "password", "secret" or "token" in it, whatever the case of its
+///         letters
 CONNECTOR_EXPORT bool looksSecret(std::string_view key);
 
 /// @return the payload of the value, as the JSON form writes it; ****** if the key looks secret

@@ -12,8 +12,8 @@ namespace connector::configuration::detail {
 
 class Hinter;
 
-/// Hints a follower at every value of an option's stream, for as long as the link lives. Keeps neither
-/// the configuration nor the follower alive.
+/// Hints a follower at every value of an option's stream, for as long as the link lives. Keeps
+/// neither the configuration nor the follower alive.
 class CONNECTOR_EXPORT StreamLink {
 public:
     /// Takes the configuration's lock; so does the destructor, while the configuration lives.

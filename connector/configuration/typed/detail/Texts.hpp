@@ -1,5 +1,6 @@
-/// The texts of everything that typed options throw or report. They are part of the interface: not one
-/// character changes. Where a text begins or ends in a blank, what it is about follows directly.
+/// The texts of everything that typed options throw or report. They are part of the interface: not
+/// one character changes. Where a text begins or ends in a blank, what it is about follows
+/// directly.
 #pragma once
 
 #include <string>

@@ -26,12 +26,13 @@ std::optional<Ticks> readTicks(std::string_view text, std::uintmax_t numerator,
 
 /// As above, rounded to the ticks of a duration of floating point.
 /// @param precision  how many binary digits the type of the duration has. A single number in the
-///                   duration's own unit is rounded once, so that it reads back to what was written.
+///                   duration's own unit is rounded once, so that it reads back to what was
+///                   written.
 std::optional<long double> readRoundedTicks(std::string_view text, std::uintmax_t numerator,
                                             std::uintmax_t denominator, int precision);
 
-/// @return a sum of whole units, from large to small: "1h30m", "-250ms", "0s"; nanoseconds have a fraction
-///         where the period is finer. Nothing when no decimal fraction is exact.
+/// @return a sum of whole units, from large to small: "1h30m", "-250ms", "0s"; nanoseconds have a
+///         fraction where the period is finer. Nothing when no decimal fraction is exact.
 CONNECTOR_EXPORT std::optional<std::string> writeTicks(Ticks ticks, std::uintmax_t numerator,
                                                        std::uintmax_t denominator);
 

@@ -1,7 +1,8 @@
 /// Values as a file has them, and as JSON.
 ///
-/// Writing<T> has `static std::optional<std::string> text(const T&)` and `json(const T&)`, empty for a
-/// value that no text, or no JSON, can carry, and `static Facets facets()`, the JSON Schema of the type.
+/// Writing<T> has `static std::optional<std::string> text(const T&)` and `json(const T&)`, empty
+/// for a value that no text, or no JSON, can carry, and `static Facets facets()`, the JSON Schema
+/// of the type.
 #pragma once
 
 #include <connector/configuration/typed/detail/Conversion.hpp>
