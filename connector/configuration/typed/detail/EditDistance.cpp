@@ -24,7 +24,7 @@ void dropCommonEnds(std::string_view& left, std::string_view& right) {
 
 std::size_t editDistance(std::string_view left, std::string_view right, std::size_t limit) {
     dropCommonEnds(left, right);
-    const auto [shorter, longer] = std::minmax(left.size(), right.size());
+    const auto [shorter, longer] = std::minmax({left.size(), right.size()});
     if (longer - shorter >= limit)
         return limit;
     // Row by row: from the first bytes of `left` to the first bytes of `right`.
