@@ -1,4 +1,5 @@
-/// The key functions of the interfaces, and the templates that are instantiated for the core's types.
+/// The key functions of the interfaces, and the templates that are instantiated for the core's
+/// types.
 #include <connector/configuration/Configuration.hpp>
 #include <connector/configuration/sources/ConfigurationSource.hpp>
 

@@ -1,16 +1,18 @@
 /// The interface to the options of an application: what value an option has, and which source
 /// supplies it.
 ///
-/// A configuration consults a prioritised set of named sources. Every source has an order (smaller is
-/// consulted first; of equal orders, the one added last), a group (a prefix of all its keys) and a
-/// read-only flag. The first source whose group fits a key and which has the key supplies the value.
+/// A configuration consults a prioritised set of named sources. Every source has an order (smaller
+/// is consulted first; of equal orders, the one added last), a group (a prefix of all its keys) and
+/// a read-only flag. The first source whose group fits a key and which has the key supplies the
+/// value.
 ///
 /// Keys, names and groups are 8-bit strings, compared byte by byte; paths are UTF-16.
 ///
 /// All operations may be called from any thread. All answers are computed before the call returns,
-/// so a returned future never waits. An expected failure (no such option, no writable source, a name
-/// that is taken) is in the future. A failure of a source (a file that cannot be opened, an exception
-/// from a source of the application's) is thrown from the call itself, and so is std::bad_alloc.
+/// so a returned future never waits. An expected failure (no such option, no writable source, a
+/// name that is taken) is in the future. A failure of a source (a file that cannot be opened, an
+/// exception from a source of the application's) is thrown from the call itself, and so is
+/// std::bad_alloc.
 #pragma once
 
 #include <connector/Export.hpp>
@@ -48,16 +50,17 @@ public:
 
     /// Writes to the first writable source whose group fits the key, whether or not any source has
     /// the key. A read-only source that is consulted earlier can keep hiding the new value; that is
-    /// intended. Subscribers of the key are notified before the call returns, on this thread. They may
-    /// call the configuration, and may release the last pointer to it.
-    /// @return what the source's own set returned (for a table in memory: the previous value, or the
-    ///         new one where there was none); or std::runtime_error
-    ///         "No writable configuration source for key: " + key
+    /// intended. Subscribers of the key are notified before the call returns, on this thread. They
+    /// may call the configuration, and may release the last pointer to it.
+    /// @return what the source's own set returned (for a table in memory: the previous value, or
+    ///         the new one where there was none); or std::runtime_error "No writable configuration
+    ///         source for key: " + key
     virtual Future<OptionValue> set(const std::string& key, OptionValue value) = 0;
 
     /// Writes to the named source; otherwise as above.
-    /// @return as above; or, when no source has that name, or it is read-only, or its group does not
-    ///         fit, std::runtime_error "Source not found or not writable: " + key + ", " + source
+    /// @return as above; or, when no source has that name, or it is read-only, or its group does
+    ///         not fit, std::runtime_error "Source not found or not writable: " + key + ", " +
+    ///         source
     virtual Future<OptionValue> set(const std::string& key, OptionValue value,
                                     const std::string& source) = 0;
 
@@ -80,11 +83,11 @@ public:
     /// @return every key of every source, with the source's group in front
     virtual Future<std::set<std::string>> keys() = 0;
 
-    /// Follows an option. The stream gets the effective value now, if there is one, after every change
-    /// that a source reports, and when a source with that key is added or removed. Values are not
-    /// compared: the same one may come again. Two changes are not published: that a key lost its last
-    /// value, and the removal of a source with a group. While another thread adds or removes sources
-    /// beside a set, an older value can arrive after a newer one.
+    /// Follows an option. The stream gets the effective value now, if there is one, after every
+    /// change that a source reports, and when a source with that key is added or removed. Values
+    /// are not compared: the same one may come again. Two changes are not published: that a key
+    /// lost its last value, and the removal of a source with a group. While another thread adds or
+    /// removes sources beside a set, an older value can arrive after a newer one.
     /// @return a new stream, which keeps the newest undelivered value. It ends when its subscriber
     ///         cancels, or when the last pointer to it is released; the configuration holds one.
     /// @throws std::bad_weak_ptr when no std::shared_ptr owns the configuration
@@ -94,11 +97,11 @@ public:
 
     /// Adds the options of a property file, read now and never again.
     /// @param name      unique among the sources
-    /// @param group     prefix of all keys of the source; a "." is appended unless it is empty or ends
-    ///                  in one
+    /// @param group     prefix of all keys of the source; a "." is appended unless it is empty or
+    ///                  ends in one
     /// @param order     smaller is consulted first; of equal orders, the source that was added last
-    /// @param readOnly  whether set skips the source. A property file cannot be written: if it is added
-    ///                  as writable, a set that reaches it throws.
+    /// @param readOnly  whether set skips the source. A property file cannot be written: if it is
+    ///                  added as writable, a set that reaches it throws.
     /// @param path      of the file, UTF-16
     /// @return true; or std::invalid_argument
     ///         "Source with the requested name already exists: " + name
@@ -114,8 +117,8 @@ public:
     addInMemorySource(const std::string& name, const std::string& group, int order, bool readOnly,
                       std::unordered_map<std::string, OptionValue>&& values) = 0;
 
-    /// Adds nothing. Deliberately, the process environment is not a source: otherwise the value of an
-    /// option would depend on who started the process.
+    /// Adds nothing. Deliberately, the process environment is not a source: otherwise the value of
+    /// an option would depend on who started the process.
     /// @return false
     virtual Future<bool> addEnvironmentSource(const std::string& name, const std::string& group,
                                               int order) = 0;

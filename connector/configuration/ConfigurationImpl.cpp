@@ -102,8 +102,8 @@ Future<bool> ConfigurationImpl::has(const std::string& key) {
 
 namespace {
 
-/// Moves a source's keys to all the others, with the group in front. No key is copied: two sources of
-/// 100,000 would take two and a half times as long.
+/// Moves a source's keys to all the others, with the group in front. No key is copied: two sources
+/// of 100,000 would take two and a half times as long.
 void moveKeys(std::set<std::string>&& keys, const std::string& group, std::set<std::string>& all) {
     if (group.empty()) {
         all.merge(keys);
@@ -149,9 +149,9 @@ Future<OptionValue> ConfigurationImpl::set(const std::string& key, OptionValue v
     return write(*target, key, std::move(value));
 }
 
-/// Allocates what it needs before the source is written to, so that a write that took effect does not
-/// fail for lack of memory. Nothing of `target` is used after the log line: a log sink, and a watcher
-/// that runs inside the source's set, may remove the source.
+/// Allocates what it needs before the source is written to, so that a write that took effect does
+/// not fail for lack of memory. Nothing of `target` is used after the log line: a log sink, and a
+/// watcher that runs inside the source's set, may remove the source.
 Future<OptionValue> ConfigurationImpl::write(const ConfigurationSourceMap& target,
                                              const std::string& key, OptionValue&& value) {
     const std::shared_ptr<ConfigurationSource> source = target.source;

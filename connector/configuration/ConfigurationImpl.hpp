@@ -5,13 +5,13 @@
 /// options, ConfigurationImplSources.cpp adds and removes sources, ConfigurationImplWatching.cpp
 /// follows options.
 ///
-/// Threads and locks. Every operation but addEnvironmentSource and getPtr takes `mutex`. Lock order:
-/// `mutex` first, then the mutex of a publisher or of a future's state, never the other way round
-/// while one is held. The mutex is recursive because a source calls its watcher from inside its set,
-/// which runs under the mutex, and the watcher takes it again.
+/// Threads and locks. Every operation but addEnvironmentSource and getPtr takes `mutex`. Lock
+/// order: `mutex` first, then the mutex of a publisher or of a future's state, never the other way
+/// round while one is held. The mutex is recursive because a source calls its watcher from inside
+/// its set, which runs under the mutex, and the watcher takes it again.
 ///
-/// Lifetime. A subscriber may let go of the last pointer to the configuration while set, addSource or
-/// removeSource notifies it: the object lives until the call is over.
+/// Lifetime. A subscriber may release the last pointer to the configuration while set, addSource
+/// or removeSource notifies it: the object lives until the call is over.
 #pragma once
 
 #include <connector/configuration/Configuration.hpp>
@@ -37,8 +37,8 @@ namespace detail {
 struct Supplier;
 } // namespace detail
 
-/// To be owned by a std::shared_ptr. An object on the stack works, too, but then watchOption and getPtr
-/// throw std::bad_weak_ptr, and a source that outlives it must not call its watcher.
+/// To be owned by a std::shared_ptr. An object on the stack works, too, but then watchOption and
+/// getPtr throw std::bad_weak_ptr, and a source that outlives it must not call its watcher.
 class CONNECTOR_EXPORT ConfigurationImpl : public Configuration,
                                            public std::enable_shared_from_this<Configuration> {
 public:
@@ -48,8 +48,8 @@ public:
     /// with order 0, and "default", with order 2147483647.
     ConfigurationImpl();
 
-    /// Takes the mutex and removes the watchers of the registered sources, in their order. Sources that
-    /// were removed before keep theirs.
+    /// Takes the mutex and removes the watchers of the registered sources, in their order. Sources
+    /// that were removed before keep theirs.
     ~ConfigurationImpl() override;
 
     ConfigurationImpl(const ConfigurationImpl&) = delete;
@@ -74,9 +74,9 @@ public:
     Future<bool> removeSource(const std::string& name) override;
     std::shared_ptr<Configuration> getPtr() override;
 
-    /// Registers any source; addPropertyFileSource and addInMemorySource call it. Subscribers of the
-    /// source's keys get the effective value again, even where another source supplies it. Every change
-    /// that the source reports from now on is published.
+    /// Registers any source; addPropertyFileSource and addInMemorySource call it. Subscribers of
+    /// the source's keys get the effective value again, even where another source supplies it.
+    /// Every change that the source reports from now on is published.
     /// @return true; or std::invalid_argument
     ///         "Source with the requested name already exists: " + name
     /// @throws std::bad_typeid when the source is null; nothing is registered then
@@ -108,9 +108,9 @@ public:
     Future<bool> reset(const std::string& key);
 
     /// As above, in the named source.
-    /// @return whether there was an entry; or, when no source has that name, or it is read-only or not
-    ///         in memory, or its group does not fit, std::runtime_error
-    ///         "Source not found or not writable: " + key + ", " + source
+    /// @return whether there was an entry; or, when no source has that name, or it is read-only or
+    ///         not in memory, or its group does not fit, std::runtime_error "Source not found or
+    ///         not writable: " + key + ", " + source
     Future<bool> reset(const std::string& key, const std::string& source);
 
     /// Removes the stream with that id from the list. Its publisher lives on while something else
@@ -147,9 +147,9 @@ private:
     /// @return what a source calls with a key of its own that changed
     ConfigurationSource::Watcher watcherFor(const std::string& group);
 
-    /// Offers the key's effective value, if it has one, to its streams. Releases the lock meanwhile,
-    /// so that subscribers may call back. REQUIRES: lock held, on entry and on return; the caller
-    /// keeps this object alive, which a subscriber may let go of.
+    /// Offers the key's effective value, if it has one, to its streams. Releases the lock
+    /// meanwhile, so that subscribers may call back. REQUIRES: lock held, on entry and on return;
+    /// the caller keeps this object alive, since a subscriber may release it.
     void updatePublishers(Lock& lock, const std::string& key);
 
     std::recursive_mutex mutex;                 // guards everything below; see the lock order above

@@ -27,8 +27,8 @@ ConfigurationImpl::~ConfigurationImpl() {
         record.source->setWatcher({}); // others may share the source: it must not call us any more
 }
 
-/// What it can allocate, it allocates before the record is inserted. From then on only the source, the
-/// subscribers and the notification can fail; the record stays then.
+/// What it can allocate, it allocates before the record is inserted. From then on only the source,
+/// the subscribers and the notification can fail; the record stays then.
 Future<bool> ConfigurationImpl::addSource(const std::string& name, const std::string& group,
                                           int order, bool readOnly,
                                           std::shared_ptr<ConfigurationSource> source) {
@@ -93,8 +93,9 @@ Future<bool> ConfigurationImpl::removeSource(const std::string& name) {
         return std::move(result).resolve(false); // the source's keys removed it
     sources.erase(record);
 
-    // The keys go out as the source has them, without its group, so the watchers of the prefixed keys
-    // hear nothing of the removal. That is how removal is defined; applications count on the silence.
+    // The keys go out as the source has them, without its group, so the watchers of the prefixed
+    // keys hear nothing of the removal. That is how removal is defined; applications count on the
+    // silence.
     for (const std::string& key : keys)
         updatePublishers(lock, key);
     return std::move(result).resolve(true);

@@ -57,8 +57,8 @@ ConfigurationImpl::watchOption(const std::string& key) {
 }
 
 /// Offers a stream its first value. The caller holds the lock until then: a newer value that was
-/// offered before would be evicted by this one. Nobody can have subscribed yet, so no subscriber runs
-/// under the lock.
+/// offered before would be evicted by this one. Nobody can have subscribed yet, so no subscriber
+/// runs under the lock.
 void ConfigurationImpl::offerFirst(std::uint64_t id, OptionPublisher& publisher,
                                    const OptionValue& value) {
     try {
@@ -102,8 +102,8 @@ std::optional<OptionValue> ConfigurationImpl::effectiveValue(Lock& lock, const s
 
 void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     logCore("updatePublishers: ", key);
-    // Most keys of a source that is added or removed have no watchers. Without this, adding a source
-    // would take two thirds longer.
+    // Most keys of a source that is added or removed have no watchers. Without this, adding a
+    // source would take two thirds longer.
     if (!streams.hasWatchers(key) && lookupsAreUnobservable())
         return;
     const std::optional<OptionValue> value = effectiveValue(lock, key);

@@ -14,9 +14,9 @@
 namespace connector::configuration {
 
 /// One value of one of twelve types. The order of the alternatives is part of the interface: it is
-/// what which() answers, it makes `false` the default value, and the JSON tags follow it. The scalar
-/// strings stand UTF-16 first and the vectors of strings 8-bit first. This crossing is intended:
-/// other programs depend on it.
+/// what which() answers, it makes `false` the default value, and the JSON tags follow it. The
+/// scalar strings stand UTF-16 first and the vectors of strings 8-bit first. This crossing is
+/// intended: other programs depend on it.
 ///
 /// Beware of string literals: `OptionValue value("text")` holds the bool `true`, because a pointer
 /// converts to bool before it converts to a string. Write std::string("text"), or "text"s.

@@ -1,6 +1,6 @@
-/// The texts of everything that the configuration and its sources throw or put into futures. They are
-/// part of the interface: callers compare them, so not one character changes. A text that ends in a
-/// blank is followed by a key, a name or a path.
+/// The texts of everything that the configuration and its sources throw or put into futures. They
+/// are part of the interface: callers compare them, so not one character changes. A text that ends
+/// in a blank is followed by a key, a name or a path.
 #pragma once
 
 namespace connector::configuration::detail::errors {

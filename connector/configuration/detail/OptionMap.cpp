@@ -9,8 +9,8 @@ namespace connector::configuration::detail {
 
 namespace {
 
-/// A key, and a number that usually decides its place: the first bytes behind the prefix that all keys
-/// share, in big-endian order.
+/// A key, and a number that usually decides its place: the first bytes behind the prefix that all
+/// keys share, in big-endian order.
 struct SortedKey {
     std::string_view text;
     std::uint64_t decisive = 0;
@@ -55,8 +55,8 @@ std::vector<SortedKey> sortedKeys(const OptionMap& table) {
 
 } // namespace
 
-/// Sorts the keys before it builds the set. To insert them in the order of the hash map takes twice as
-/// long for 100,000 keys, because each comparison misses the cache.
+/// Sorts the keys before it builds the set. To insert them in the order of the hash map takes twice
+/// as long for 100,000 keys, because each comparison misses the cache.
 std::set<std::string> keysOf(const OptionMap& table) {
     std::set<std::string> keys;
     for (const SortedKey& key : sortedKeys(table))

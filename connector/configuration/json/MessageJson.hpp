@@ -1,17 +1,17 @@
 /// The messages of the configuration service as JSON objects. docs/messages.md shows every form.
 ///
 /// A serializer takes a message of its class, which it does not check, and returns a new object. A
-/// deserializer tolerates members that are missing or do not convert: strings become empty, "order" 0,
-/// "readOnly" true, sets and values empty. None of them keeps its argument; all may be called from any
-/// thread.
+/// deserializer tolerates members that are missing or do not convert: strings become empty, "order"
+/// 0, "readOnly" true, sets and values empty. None of them keeps its argument; all may be called
+/// from any thread.
 ///
-/// The functions of ConfigurationKeys and AddPropertyFileSource have "Request" in their names, their
-/// type names do not. Both spellings are in use and stay as they are.
+/// The functions of ConfigurationKeys and AddPropertyFileSource have "Request" in their names,
+/// their type names do not. Both spellings are in use and stay as they are.
 ///
 /// @throws Poco::NullPointerException from a deserializer that gets a null object;
 ///         deserializeConfigurationKeysRequest does not look at it and accepts one
-/// @throws std::runtime_error "Text is not valid UTF-8" or "Text is not valid UTF-16" for values and
-///         paths whose text cannot be converted
+/// @throws std::runtime_error "Text is not valid UTF-8" or "Text is not valid UTF-16" for values
+///         and paths whose text cannot be converted
 #pragma once
 
 #include <connector/Export.hpp>

@@ -23,9 +23,9 @@ namespace connector::configuration {
 /// @throws std::runtime_error "Text is not valid UTF-16"
 CONNECTOR_EXPORT Poco::JSON::Object::Ptr fromOptionValue(const OptionValue& value);
 
-/// Reads what fromOptionValue writes, and tolerates everything else: a payload that is missing or does
-/// not convert gives the zero value of the tag's type; an unknown tag or a null pointer gives an empty
-/// std::string.
+/// Reads what fromOptionValue writes, and tolerates everything else: a payload that is missing or
+/// does not convert gives the zero value of the tag's type; an unknown tag or a null pointer gives
+/// an empty std::string.
 /// @throws std::runtime_error "Text is not valid UTF-8", for the two tags of UTF-16 text only
 CONNECTOR_EXPORT OptionValue toOptionValue(const Poco::JSON::Object::Ptr& object);
 

@@ -25,8 +25,8 @@ private:
     std::array<bool, 256> members{};
 };
 
-// The line ends in a line feed, so no search has to check for the end of the text: a line feed is not
-// in the first two sets, and is in the third.
+// The line ends in a line feed, so no search has to check for the end of the text: a line feed is
+// not in the first two sets, and is in the third.
 constexpr CharacterSet blanks{' ', '\t'};
 constexpr CharacterSet assignments{':', '='};
 constexpr CharacterSet endsOfKey{':', '=', ' ', '\t', '\n'};

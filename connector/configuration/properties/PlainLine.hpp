@@ -13,10 +13,10 @@ struct PlainLine {
     std::size_t length = 0; ///< with its line break; 0 when there is no such line
 };
 
-/// Reads the property at the start of `text`, exactly as the state machine reads it. `text` begins in
-/// the first column and may be cut off anywhere. Only short lines without a backslash, whose key ends
-/// on the line, are recognised; the state machine reads all others. Nearly all lines are recognised,
-/// and a file of a thousand lines then loads in two thirds of the time.
+/// Reads the property at the start of `text`, exactly as the state machine reads it. `text` begins
+/// in the first column and may be cut off anywhere. Only short lines without a backslash, whose key
+/// ends on the line, are recognised; the state machine reads all others. Nearly all lines are
+/// recognised, and a file of a thousand lines then loads in two thirds of the time.
 PlainLine plainLine(std::string_view text);
 
 } // namespace connector::configuration::detail

@@ -35,9 +35,9 @@ constexpr int digitValue(char c) {
     return -1;
 }
 
-/// Appends a code unit in the bit layout of UTF-8. A surrogate becomes three bytes and is not paired
-/// with its neighbour. That is intended: two escapes stay two, and the reader of the value decides
-/// what they mean.
+/// Appends a code unit in the bit layout of UTF-8. A surrogate becomes three bytes and is not
+/// paired with its neighbour. That is intended: two escapes stay two, and the reader of the value
+/// decides what they mean.
 void appendUtf8(std::string& text, unsigned unit) {
     const auto append = [&text](unsigned byte) { text.push_back(static_cast<char>(byte)); };
     if (unit <= 0x7F) {
@@ -62,8 +62,8 @@ void PropertyParser::parse() {
     advance();
     while (cursor.good())
         step();
-    // Intended: at the end of the input a property is stored only if its value has begun and its key
-    // is not empty. A last "key=" is dropped, although it is stored in the middle of a file.
+    // Intended: at the end of the input a property is stored only if its value has begun and its
+    // key is not empty. A last "key=" is dropped, although it is stored in the middle of a file.
     if (state == State::InValue && !key.empty())
         store(key, value, true);
 }

@@ -21,13 +21,13 @@ namespace connector::configuration::detail {
 ///                            KeyEscape                   ValueEscape    |
 ///                                                             '--line break--> Continuation
 ///
-/// No input is an error: every state accepts every character. A state function is called with a good
-/// stream and `current`; after each call the loop ends if the stream is no longer good.
+/// No input is an error: every state accepts every character. A state function is called with a
+/// good stream and `current`; after each call the loop ends if the stream is no longer good.
 class PropertyParser {
 public:
-    /// Receives each property when it is complete, in the order of the input. The cursor then stands
-    /// behind the last character that was read. It may throw, and may let other code use the stream:
-    /// see StreamCursor, after which the texts are no longer valid.
+    /// Receives each property when it is complete, in the order of the input. The cursor then
+    /// stands behind the last character that was read. It may throw, and may let other code use the
+    /// stream: see StreamCursor, after which the texts are no longer valid.
     using Store =
         std::function<void(std::string_view key, std::string_view value, bool atEndOfInput)>;
 

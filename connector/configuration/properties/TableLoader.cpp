@@ -50,9 +50,9 @@ void TableLoader::finish() {
         table.rehash(0);
 }
 
-/// Grows the table to the number of entries that the file is expected to have. Without this the table
-/// would double its size repeatedly, which takes at least a third longer, and up to half of its
-/// buckets would stay empty.
+/// Grows the table to the number of entries that the file is expected to have. Without this the
+/// table would double its size repeatedly, which takes at least a third longer, and up to half of
+/// its buckets would stay empty.
 void TableLoader::makeRoom() {
     const std::size_t needed = table.size() + pending.size();
     if (needed > table.bucket_count())
@@ -67,8 +67,9 @@ std::size_t TableLoader::expectedEntries(std::size_t seen) const {
     return static_cast<std::size_t>(static_cast<double>(seen) * std::min(times, maxExtrapolation));
 }
 
-/// Prefetches the buckets of all pending keys before any of them is stored, so that their cache misses
-/// overlap. A million properties load in half the time or less. A thousand would take 5 % longer.
+/// Prefetches the buckets of all pending keys before any of them is stored, so that their cache
+/// misses overlap. A million properties load in half the time or less. A thousand would take 5 %
+/// longer.
 void TableLoader::touchBuckets() const {
     if (table.bucket_count() < fewBuckets)
         return;

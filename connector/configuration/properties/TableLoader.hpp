@@ -14,8 +14,8 @@ namespace connector::configuration::detail {
 
 class StreamCursor;
 
-/// Stores properties in batches, and sizes the table for the whole file ahead. Only for a table that
-/// nothing else reads meanwhile: a property is in the table after flush.
+/// Stores properties in batches, and sizes the table for the whole file ahead. Only for a table
+/// that nothing else reads meanwhile: a property is in the table after flush.
 class TableLoader {
 public:
     /// @param newFile      tells how much of the file has been read

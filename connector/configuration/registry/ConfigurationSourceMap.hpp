@@ -30,7 +30,8 @@ struct ConfigurationSourceMap {
     int order;         ///< smaller is consulted first
     bool readOnly;     ///< set never writes here
     std::shared_ptr<ConfigurationSource> source;
-    /// The table behind `source` if that is one of the library's own classes, else null: see OwnTable.
+    /// The table behind `source` if that is one of the library's own classes, else null: see
+    /// OwnTable.
     const std::unordered_map<std::string, OptionValue>* table;
 };
 

@@ -1,8 +1,10 @@
 /// Precedence: which source answers for a key, and which one takes a write. Every rule is here.
 ///
-/// - Sources are consulted by ascending order. Of equal orders, the source that was added last comes
+/// - Sources are consulted by ascending order. Of equal orders, the source that was added last
+/// comes
 ///   first: see insertionPoint.
-/// - A source has a group, which is a prefix of its keys. It is asked only about keys that begin with
+/// - A source has a group, which is a prefix of its keys. It is asked only about keys that begin
+/// with
 ///   it, and sees them without it: see normalisedGroup and ConfigurationSourceMap::serves.
 /// - The first source that serves a key and has it supplies the value: see findSupplier.
 /// - The first writable source that serves a key takes a write, whoever supplies the value: see

@@ -20,8 +20,8 @@ inline void pauseProcessor() {
 #endif
 }
 
-/// Tries to take the mutex for maxSpinTime. Pauses between two attempts, twice as long each time, up
-/// to a number of pauses that is short against maxSpinTime on every processor.
+/// Tries to take the mutex for maxSpinTime. Pauses between two attempts, twice as long each time,
+/// up to a number of pauses that is short against maxSpinTime on every processor.
 /// @tparam Clock  monotonic, as std::chrono::steady_clock
 /// @param pause   called for each pause
 template <typename Clock, typename Lock, typename Pause>

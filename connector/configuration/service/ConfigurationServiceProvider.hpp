@@ -20,8 +20,8 @@ namespace configuration {
 /// of the binary interface.
 ///
 /// A handler executes its request on the calling thread and returns a future that is resolved with
-/// the reply. Failures of the request are thrown. The request stays with the caller. A handler that is
-/// called directly, without dispatch, does not check whether the service is running.
+/// the reply. Failures of the request are thrown. The request stays with the caller. A handler that
+/// is called directly, without dispatch, does not check whether the service is running.
 class CONNECTOR_EXPORT ConfigurationServiceProvider
     : public ServiceProviderAPI<ConfigurationServiceProvider> {
 public:

@@ -18,14 +18,15 @@ public:
     explicit ConfigurationServiceProviderImpl(std::shared_ptr<Configuration> newConfiguration);
     ~ConfigurationServiceProviderImpl() override;
 
-    /// Calls has, and then getOption if there is one. If the option is removed in between, the failure
-    /// of getOption is thrown.
+    /// Calls has, and then getOption if there is one. If the option is removed in between, the
+    /// failure of getOption is thrown.
     /// @return the option; or a response without one, when there is no such option
     Reply handle(std::unique_ptr<ConfigurationGet>&& request, Address&& address,
                  std::shared_ptr<Context>&& context) override;
 
-    /// @return what was written: the key of the request, the source that the request names (so none,
-    ///         if it names none, whichever source took the value) and the value that set answered
+    /// @return what was written: the key of the request, the source that the request names (so
+    ///         none, if it names none, whichever source took the value) and the value that set
+    ///         answered
     Reply handle(std::unique_ptr<ConfigurationSet>&& request, Address&& address,
                  std::shared_ptr<Context>&& context) override;
 

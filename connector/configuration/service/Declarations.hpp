@@ -1,7 +1,7 @@
 /// The classes of the configuration service, before any of them is complete.
 ///
-/// Requests and the provider refer to each other. Their run-time types cross the border of the library,
-/// so every declaration of them must say that they are exported.
+/// Requests and the provider refer to each other. Their run-time types cross the border of the
+/// library, so every declaration of them must say that they are exported.
 #pragma once
 
 #include <connector/Export.hpp>

@@ -52,9 +52,10 @@ void PropertyFileSource::parseStream(std::istream& stream) {
     parser.parse();
 }
 
-// Does what parseStream does, but in batches, since nothing can observe the source or the stream while
-// its constructor runs. A log line can be observed, so with diagnostics enabled each property is
-// stored before its line is written. Without sync and refresh of the cursor it takes a tenth less.
+// Does what parseStream does, but in batches, since nothing can observe the source or the stream
+// while its constructor runs. A log line can be observed, so with diagnostics enabled each property
+// is stored before its line is written. Without sync and refresh of the cursor it takes a tenth
+// less.
 void PropertyFileSource::load(std::istream& file) {
     // Before the first read, in_avail is the size of the file.
     const std::streamoff size = file.rdbuf()->in_avail();

@@ -29,10 +29,10 @@ public:
     ~PropertyFileSource() override;
 
     /// Adds the properties of a stream of 8-bit text to the table, replacing what has the same key,
-    /// and calls the watcher, if one is set, after each. Reads to the end of the stream, or until it
-    /// fails, and leaves the stream's state as reading character by character with get does.
-    /// @throws what the watcher throws, what a log sink throws, and what the stream throws where its
-    ///         exceptions are switched on; the properties before stay stored
+    /// and calls the watcher, if one is set, after each. Reads to the end of the stream, or until
+    /// it fails, and leaves the stream's state as reading character by character with get does.
+    /// @throws what the watcher throws, what a log sink throws, and what the stream throws where
+    ///         its exceptions are switched on; the properties before stay stored
     void parseStream(std::istream& stream);
 
     /// @return a copy of the value

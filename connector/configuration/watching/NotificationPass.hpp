@@ -9,13 +9,13 @@
 
 namespace connector::configuration::detail {
 
-/// A pass over the streams of one key, in the order in which they were added. What it serves is fixed
-/// when it begins.
+/// A pass over the streams of one key, in the order in which they were added. What it serves is
+/// fixed when it begins.
 ///
-/// While it lives it keeps every publisher of that moment alive, those of other keys included, even if
-/// their streams are removed meanwhile. It counts no references for that, which would make a change of
-/// an int with 1,000 watchers half as long again: a stream that is removed is handed to a pass that
-/// began before.
+/// While it lives it keeps every publisher of that moment alive, those of other keys included, even
+/// if their streams are removed meanwhile. It counts no references for that, which would make a
+/// change of an int with 1,000 watchers half as long again: a stream that is removed is handed to a
+/// pass that began before.
 ///
 /// It is made and destroyed under the configuration's mutex, which is released in between. Several
 /// passes can run at a time, on several threads or nested.

@@ -32,7 +32,8 @@ OptionStreams::Publisher OptionStreams::remove(std::uint64_t id) {
     return release(std::move(stream));
 }
 
-/// Hands a removed stream to a pass that keeps it, if there is one: a node moves without allocating.
+/// Hands a removed stream to a pass that keeps it, if there is one: a node moves without
+/// allocating.
 /// @return else its publisher
 OptionStreams::Publisher OptionStreams::release(Streams::node_type stream) {
     const auto pass =
@@ -44,8 +45,8 @@ OptionStreams::Publisher OptionStreams::release(Streams::node_type stream) {
     return nullptr;
 }
 
-/// Only marks the watcher, and erases the marked ones when they are more than half: to close the gap
-/// each time would make it quadratic to remove all of them from the oldest to the newest.
+/// Only marks the watcher, and erases the marked ones when they are more than half: to close the
+/// gap each time would make it quadratic to remove all of them from the oldest to the newest.
 void OptionStreams::removeWatcher(const std::string& key, std::uint64_t id) {
     const auto ofKey = watchersByKey.find(key);
     auto& [all, removed] = ofKey->second;

@@ -20,7 +20,8 @@ using OptionPublisher = reactive_streams::CachedValuePublisher<OptionValue, std:
 class NotificationPass;
 
 /// Keeps a publisher alive while its stream is listed. A change of a key costs that key's own
-/// watchers, however many other streams there are. Has no lock: the configuration's mutex guards it.
+/// watchers, however many other streams there are. Has no lock: the configuration's mutex guards
+/// it.
 class OptionStreams {
 public:
     using Publisher = std::shared_ptr<OptionPublisher>;
@@ -39,8 +40,8 @@ public:
 
     /// Removes a stream. Does not allocate: the end of a stream must not fail.
     /// @return the publisher, for the caller to release when no lock is held, since its destructor
-    ///         calls the subscriber; null for an unknown id, and while a notification pass keeps the
-    ///         publisher alive
+    ///         calls the subscriber; null for an unknown id, and while a notification pass keeps
+    ///         the publisher alive
     Publisher remove(std::uint64_t id);
 
 private:
