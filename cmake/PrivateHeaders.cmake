@@ -11,6 +11,8 @@ set(connector_installed_private_headers
     connector/async/detail/Errors.hpp
     connector/async/detail/PreallocatedResults.hpp
     connector/configuration/registry/ConfigurationSourceMap.hpp
+    connector/configuration/sources/detail/OwnTable.hpp
+    connector/configuration/sources/detail/SnapshotSource.hpp
     connector/configuration/typed/detail/Check.hpp
     connector/configuration/typed/detail/Conversion.hpp
     connector/configuration/typed/detail/Equality.hpp

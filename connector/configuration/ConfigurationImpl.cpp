@@ -4,8 +4,10 @@
 #include <connector/async/detail/ReservedFuture.hpp>
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
 #include <connector/configuration/detail/Errors.hpp>
+#include <connector/configuration/detail/OptionMap.hpp>
 #include <connector/configuration/registry/Precedence.hpp>
 #include <connector/configuration/registry/SpinThenLock.hpp>
+#include <connector/configuration/sources/detail/LookupScope.hpp>
 
 #include <stdexcept>
 #include <utility>
@@ -13,10 +15,12 @@
 namespace connector::configuration {
 
 using detail::logCore;
+using detail::LookupScope;
 using detail::Supplier;
 
 bool ConfigurationImpl::doHas(Lock&, const std::string& key) {
-    return detail::findSupplier(sources, key, localKeyBuffer).record != nullptr;
+    LookupScope lookup;
+    return detail::findSupplier(sources, key, lookup, localKeyBuffer).record != nullptr;
 }
 
 /// Taken out of a record before a log line is written: the log sink may change the registry.
@@ -24,27 +28,38 @@ struct ConfigurationImpl::Question {
     std::shared_ptr<ConfigurationSource> source;
     std::string sourceName;
     std::string localKey;
+    std::shared_ptr<const detail::OptionMap> table; // where that can be exchanged: the lookup's
+
+    OptionValue value() const {
+        return table ? detail::at(*table, localKey) : source->get(localKey);
+    }
 };
 
 /// @throws std::runtime_error failure + key, when no source has the key
 ConfigurationImpl::Question ConfigurationImpl::questionFor(const std::string& key,
                                                            const char* failure) {
-    const Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
+    LookupScope lookup;
+    const Supplier supplier = detail::findSupplier(sources, key, lookup, localKeyBuffer);
     if (supplier.record == nullptr)
         throw std::runtime_error(failure + key);
-    return {supplier.record->source, supplier.record->name, supplier.record->localKey(key)};
+    return {supplier.record->source, supplier.record->name, supplier.record->localKey(key),
+            supplier.record->table.snapshot()};
 }
 
 OptionValue ConfigurationImpl::doGet(Lock&, const std::string& key) {
+    LookupScope lookup; // lasts until the source has answered
+    lookup.enter();
     const Question question = questionFor(key, detail::errors::noValueForKey);
     logCore("get: ", key, " from ", question.sourceName);
-    return question.source->get(question.localKey);
+    return question.value();
 }
 
 Option ConfigurationImpl::doGetOption(Lock&, const std::string& key) {
+    LookupScope lookup;
+    lookup.enter();
     const Question question = questionFor(key, detail::errors::noOptionForKey);
     logCore("get option: ", key, " from ", question.sourceName);
-    return Option{key, question.sourceName, question.source->get(question.localKey)};
+    return Option{key, question.sourceName, question.value()};
 }
 
 /// A lookup asks twice, first whether there is a value and then for the value, and sources of the
@@ -72,7 +87,8 @@ Future<T> futureOf(std::unique_ptr<T> result, const std::string& key) {
 Future<OptionValue> ConfigurationImpl::get(const std::string& key) {
     std::unique_ptr<OptionValue> result;
     Lock lock = detail::spinThenLock(mutex);
-    const Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
+    LookupScope lookup;
+    const Supplier supplier = detail::findSupplier(sources, key, lookup, localKeyBuffer);
     if (mayReadDirectly(supplier))
         result = std::make_unique<OptionValue>(*supplier.value);
     else if (supplier.record != nullptr)
@@ -84,7 +100,8 @@ Future<OptionValue> ConfigurationImpl::get(const std::string& key) {
 Future<Option> ConfigurationImpl::getOption(const std::string& key) {
     std::unique_ptr<Option> result;
     Lock lock = detail::spinThenLock(mutex);
-    const Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
+    LookupScope lookup;
+    const Supplier supplier = detail::findSupplier(sources, key, lookup, localKeyBuffer);
     if (mayReadDirectly(supplier))
         result.reset(new Option{key, supplier.record->name, *supplier.value});
     else if (supplier.record != nullptr)
@@ -163,6 +180,8 @@ Future<OptionValue> ConfigurationImpl::write(const ConfigurationSourceMap& targe
 
 std::vector<SourceAnswer> ConfigurationImpl::explain(const std::string& key) {
     const Lock lock(mutex);
+    LookupScope lookup;
+    lookup.enter();
     std::vector<SourceAnswer> answers;
     answers.reserve(sources.size());
     for (const ConfigurationSourceMap& record : sources) {

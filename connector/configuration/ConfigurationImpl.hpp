@@ -147,6 +147,9 @@ private:
     /// @return what a source calls with a key of its own that changed
     ConfigurationSource::Watcher watcherFor(const std::string& group);
 
+    bool keysAreNeeded() const;
+    void updateAll(Lock& lock, const std::string& group, const std::set<std::string>& keys);
+
     /// Offers the key's effective value, if it has one, to its streams. Releases the lock
     /// meanwhile, so that subscribers may call back. REQUIRES: lock held, on entry and on return;
     /// the caller keeps this object alive, since a subscriber may release it.

@@ -51,10 +51,27 @@ Future<bool> ConfigurationImpl::addSource(const std::string& name, const std::st
         sources.reserve(2 * sources.size() + 1);
     sources.insert(detail::insertionPoint(sources, order), std::move(record));
 
-    for (const std::string& key : source->keys())
-        updatePublishers(lock, prefix + key);
+    const detail::OwnTable listed(*source);
+    if (keysAreNeeded())
+        updateAll(lock, prefix, source->keys());
     source->setWatcher(std::move(watcher));
+    if (listed.isExchanged() && keysAreNeeded()) { // before there was a watcher to tell
+        updateAll(lock, prefix, listed.keys());
+        updateAll(lock, prefix, source->keys());
+    }
     return std::move(result).resolve(true);
+}
+
+/// Where there are no streams and nobody can observe the question, the list of a source's keys is not
+/// needed. For a large table it takes longer than reading the file did.
+bool ConfigurationImpl::keysAreNeeded() const {
+    return !streams.isEmpty() || !lookupsAreUnobservable();
+}
+
+void ConfigurationImpl::updateAll(Lock& lock, const std::string& group,
+                                  const std::set<std::string>& keys) {
+    for (const std::string& key : keys)
+        updatePublishers(lock, group + key);
 }
 
 Future<bool>

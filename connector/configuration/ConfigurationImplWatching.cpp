@@ -4,6 +4,7 @@
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
 #include <connector/configuration/detail/FailedSubscriber.hpp>
 #include <connector/configuration/registry/Precedence.hpp>
+#include <connector/configuration/sources/detail/LookupScope.hpp>
 #include <connector/configuration/watching/NotificationPass.hpp>
 
 #include <memory>
@@ -48,7 +49,8 @@ ConfigurationImpl::watchOption(const std::string& key) {
     streams.add(id, key, publisher);
 
     // What a source throws from here on leaves the stream listed.
-    const detail::Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
+    detail::LookupScope lookup;
+    const detail::Supplier supplier = detail::findSupplier(sources, key, lookup, localKeyBuffer);
     if (mayReadDirectly(supplier))
         offerFirst(id, *publisher, *supplier.value);
     else if (supplier.record != nullptr)
@@ -87,12 +89,15 @@ ConfigurationSource::Watcher ConfigurationImpl::watcherFor(const std::string& gr
         if (isOwned && alive == nullptr)
             return;
         Lock lock(mutex);
+        for (ConfigurationSourceMap& record : sources)
+            record.table.refresh(); // or a later lookup would have to destroy the table of before
         updatePublishers(lock, group + key);
     };
 }
 
 std::optional<OptionValue> ConfigurationImpl::effectiveValue(Lock& lock, const std::string& key) {
-    const detail::Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
+    detail::LookupScope lookup;
+    const detail::Supplier supplier = detail::findSupplier(sources, key, lookup, localKeyBuffer);
     if (supplier.record == nullptr)
         return std::nullopt;
     if (mayReadDirectly(supplier))

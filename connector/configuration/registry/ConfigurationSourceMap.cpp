@@ -1,7 +1,5 @@
 #include <connector/configuration/registry/ConfigurationSourceMap.hpp>
 
-#include <connector/configuration/sources/detail/OwnTable.hpp>
-
 #include <utility>
 
 namespace connector::configuration::detail {
@@ -11,7 +9,7 @@ ConfigurationSourceMap::ConfigurationSourceMap(const std::string& newName,
                                                bool newReadOnly,
                                                std::shared_ptr<ConfigurationSource> newSource)
     : name(newName), group(newGroup), order(newOrder), readOnly(newReadOnly),
-      source(std::move(newSource)), table(OwnTable::of(*source)) {
+      source(std::move(newSource)), table(*source) {
 }
 
 } // namespace connector::configuration::detail

@@ -1,12 +1,11 @@
 /// A registered source.
 #pragma once
 
-#include <connector/configuration/OptionValue.hpp>
 #include <connector/configuration/sources/ConfigurationSource.hpp>
+#include <connector/configuration/sources/detail/OwnTable.hpp>
 
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace connector::configuration::detail {
@@ -30,9 +29,7 @@ struct ConfigurationSourceMap {
     int order;         ///< smaller is consulted first
     bool readOnly;     ///< set never writes here
     std::shared_ptr<ConfigurationSource> source;
-    /// The table behind `source` if that is one of the library's own classes, else null: see
-    /// OwnTable.
-    const std::unordered_map<std::string, OptionValue>* table;
+    OwnTable table; ///< behind `source`, if that is one of the library's own classes
 };
 
 /// The registry, in the order in which its sources are consulted.

@@ -1,5 +1,7 @@
 #include <connector/configuration/registry/Precedence.hpp>
 
+#include <connector/configuration/sources/detail/LookupScope.hpp>
+
 #include <algorithm>
 
 namespace connector::configuration::detail {
@@ -49,19 +51,20 @@ SourceRecords::iterator findByName(SourceRecords& records, const std::string& na
         [&name](const ConfigurationSourceMap& record) { return record.name == name; });
 }
 
-Supplier findSupplier(const SourceRecords& records, const std::string& key,
+Supplier findSupplier(SourceRecords& records, const std::string& key, LookupScope& lookup,
                       std::string& localKeyBuffer) {
     LocalKey localKey(key, localKeyBuffer);
     bool sourcesWereAsked = false;
-    for (const ConfigurationSourceMap& record : records) {
+    for (ConfigurationSourceMap& record : records) {
         if (!record.serves(key))
             continue;
-        if (record.table != nullptr) {
-            const auto entry = record.table->find(localKey.without(record.group.size()));
-            if (entry != record.table->end())
+        if (const OwnTable::Table* const table = record.table.in(lookup)) {
+            const auto entry = table->find(localKey.without(record.group.size()));
+            if (entry != table->end())
                 return {&record, &entry->second, sourcesWereAsked};
         } else {
             sourcesWereAsked = true;
+            lookup.enter();
             if (record.source->has(record.localKey(key)))
                 return {&record, nullptr, true};
             localKey.reset();
@@ -79,9 +82,8 @@ const ConfigurationSourceMap* findWritable(const SourceRecords& records, const s
 }
 
 bool allAreOwnTables(const SourceRecords& records) {
-    return std::all_of(records.begin(), records.end(), [](const ConfigurationSourceMap& record) {
-        return record.table != nullptr;
-    });
+    return std::all_of(records.begin(), records.end(),
+                       [](const ConfigurationSourceMap& record) { return record.table.isKnown(); });
 }
 
 } // namespace connector::configuration::detail

@@ -37,9 +37,11 @@ struct Supplier {
 
 /// Walks the records up to the first that serves the key and has it. Looks into the library's own
 /// tables directly; calls `has` of every other source that it passes.
+/// @param lookup  the lookup that the walk is part of; all of its walks see the same tables
 /// @param localKey  a buffer that the caller keeps, so that a key is cut without an allocation
 /// @throws what `has` throws
-Supplier findSupplier(const SourceRecords& records, const std::string& key, std::string& localKey);
+Supplier findSupplier(SourceRecords& records, const std::string& key, LookupScope& lookup,
+                      std::string& localKey);
 
 /// @return the first record that is not read-only and serves the key; null when there is none
 const ConfigurationSourceMap* findWritable(const SourceRecords& records, const std::string& key);

@@ -36,6 +36,9 @@ public:
     /// @param id  greater than that of every stream added before
     void add(std::uint64_t id, const std::string& key, Publisher publisher);
 
+    /// @return whether there is no stream at all
+    bool isEmpty() const { return streams.empty(); }
+
     bool hasWatchers(const std::string& key) const { return watchersByKey.count(key) != 0; }
 
     /// Removes a stream. Does not allocate: the end of a stream must not fail.
