@@ -32,7 +32,8 @@ function(connector_add_documented_program name extracted)
     set(target "documented-${name}")
     add_executable(${target} "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
     connector_own_target(${target})
-    target_link_libraries(${target} PRIVATE connector::configuration)
+    target_link_libraries(${target} PRIVATE connector::configuration
+        $<TARGET_NAME_IF_EXISTS:connector::sources> $<TARGET_NAME_IF_EXISTS:connector::testing>)
     add_test(NAME docs.${name}
         COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=$<TARGET_FILE:${target}>"
             "-DEXPECTED=${CMAKE_CURRENT_BINARY_DIR}/${name}.expected"

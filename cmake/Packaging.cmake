@@ -27,11 +27,21 @@ function(connector_install_headers directory destination)
     install(DIRECTORY "${directory}/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${destination}"
         FILES_MATCHING PATTERN "*.hpp"
         PATTERN detail EXCLUDE
-        REGEX "/(${connector_uninstalled_regex})$" EXCLUDE)
+        REGEX "/(${connector_uninstalled_regex})$" EXCLUDE ${ARGN})
+endfunction()
+
+# connector_install_component(NAME): connector-NAME as the component NAME of the package
+function(connector_install_component name)
+    connector_install_headers("${PROJECT_SOURCE_DIR}/connector/${name}" "connector/${name}")
+    install(TARGETS connector-${name} EXPORT connector-${name}-targets)
+    install(EXPORT connector-${name}-targets
+        NAMESPACE connector::
+        DESTINATION "${connector_package_dir}")
 endfunction()
 
 # The library
-connector_install_headers("${PROJECT_SOURCE_DIR}/connector" connector)
+connector_install_headers("${PROJECT_SOURCE_DIR}/connector" connector
+    REGEX "/connector/(sources|testing)$" EXCLUDE)
 foreach(header IN LISTS connector_installed_private_headers)
     cmake_path(GET header PARENT_PATH parent)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}"
@@ -51,6 +61,16 @@ if(NOT CONNECTOR_PLATFORM)
     connector_install_headers("${PROJECT_SOURCE_DIR}/messaging" "")
     install(FILES "${PROJECT_BINARY_DIR}/platform/include/connector/platform/Export.hpp"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/platform")
+endif()
+
+# The components of the package
+if(TARGET connector-sources)
+    connector_install_component(sources)
+    install(FILES "${PROJECT_BINARY_DIR}/connector/sources/include/connector/sources/Export.hpp"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/sources")
+endif()
+if(TARGET connector-testing)
+    connector_install_component(testing)
 endif()
 
 # The program
@@ -94,3 +114,15 @@ configure_file("${CMAKE_CURRENT_LIST_DIR}/connector-configuration.pc.in"
     "${PROJECT_BINARY_DIR}/cmake/connector-configuration.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/cmake/connector-configuration.pc"
     DESTINATION "${connector_pkgconfig_dir}")
+if(TARGET connector-sources)
+    set(connector_sources_static_definitions "")
+    set(connector_sources_static_libs "")
+    if(NOT BUILD_SHARED_LIBS)
+        set(connector_sources_static_definitions "-DCONNECTOR_SOURCES_STATIC_DEFINE")
+        set(connector_sources_static_libs "-lyaml-cpp -ltomlplusplus")
+    endif()
+    configure_file("${CMAKE_CURRENT_LIST_DIR}/connector-sources.pc.in"
+        "${PROJECT_BINARY_DIR}/cmake/connector-sources.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/cmake/connector-sources.pc"
+        DESTINATION "${connector_pkgconfig_dir}")
+endif()

@@ -20,10 +20,14 @@ base_packages=(
     libgmock-dev
     libgtest-dev
     libpoco-dev
+    libtomlplusplus-dev
+    libyaml-cpp-dev
     ninja-build
+    nlohmann-json3-dev
     pkg-config
     python3
     python3-jsonschema
+    python3-yaml
 )
 
 say() { printf '%s\n' "$*" >&2; }

@@ -25,7 +25,8 @@ build_library("${SOURCE_DIR}" "${work}/build"
     "-DCONNECTOR_PLATFORM=application::platform" "-DPLATFORM_PREFIX=${platform}"
     "-DCMAKE_PROJECT_INCLUDE=${platform_file}"
     -DCONNECTOR_BUILD_TESTS=OFF -DCONNECTOR_BUILD_TOOLS=OFF -DCONNECTOR_BUILD_EXAMPLES=OFF
-    -DCONNECTOR_BUILD_BENCHMARKS=OFF)
+    -DCONNECTOR_BUILD_BENCHMARKS=OFF -DCONNECTOR_BUILD_SOURCES=OFF
+    -DCONNECTOR_BUILD_TESTING_KIT=OFF)
 run(ignored "${CMAKE_COMMAND}" --install "${work}/build" --prefix "${work}/prefix")
 
 # The bundled platform is neither built nor installed.

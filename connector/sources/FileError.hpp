@@ -1,0 +1,34 @@
+/// Why a file could not be taken up.
+#pragma once
+
+#include <connector/sources/Export.hpp>
+
+#include <cstdint>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace connector::sources {
+
+/// The text is "PATH:LINE:COLUMN: TEXT", or "PATH: TEXT" where there is no place.
+class CONNECTOR_SOURCES_EXPORT FileError : public std::runtime_error {
+public:
+    /// @param newLine  counts from 1; 0: there is no place
+    /// @param newColumn  counts from 1, in bytes
+    FileError(const std::filesystem::path& newPath, const std::string& text,
+              std::uint32_t newLine = 0, std::uint32_t newColumn = 0);
+    ~FileError() override;
+    FileError(const FileError&) = default;
+    FileError& operator=(const FileError&) = default;
+
+    /// @return the line, from 1; 0 when there is no place
+    std::uint32_t line() const noexcept { return lineNumber; }
+    /// @return the column in bytes, from 1; 0 when there is no place
+    std::uint32_t column() const noexcept { return columnNumber; }
+
+private:
+    std::uint32_t lineNumber;
+    std::uint32_t columnNumber;
+};
+
+} // namespace connector::sources

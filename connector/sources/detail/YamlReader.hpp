@@ -1,0 +1,15 @@
+/// YAML.
+#pragma once
+
+#include <connector/sources/detail/Document.hpp>
+
+#include <string_view>
+
+namespace connector::sources::detail {
+
+/// @param text  UTF-8, without byte order mark
+/// @return without a top when there is no document in it, or an empty one
+/// @throws DocumentError
+Document readYaml(std::string_view text);
+
+} // namespace connector::sources::detail
