@@ -34,6 +34,7 @@
 namespace connector::configuration {
 
 namespace detail {
+class LookupScope;
 struct Supplier;
 } // namespace detail
 
@@ -135,7 +136,7 @@ private:
     std::optional<OptionValue> effectiveValue(Lock& lock, const std::string& key);
 
     std::optional<Option> effectiveOption(Lock& lock, const std::string& key);
-    std::set<std::string> keysBelow(const std::string& prefix) const;
+    std::set<std::string> keysBelow(const std::string& prefix, detail::LookupScope& lookup);
     static Future<bool> erase(const ConfigurationSourceMap* target, const std::string& key,
                               const std::string& failure);
 

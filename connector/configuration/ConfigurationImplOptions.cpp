@@ -5,6 +5,7 @@
 #include <connector/configuration/detail/Errors.hpp>
 #include <connector/configuration/registry/Precedence.hpp>
 #include <connector/configuration/sources/InMemorySource.hpp>
+#include <connector/configuration/sources/detail/LookupScope.hpp>
 
 #include <algorithm>
 #include <stdexcept>
@@ -35,7 +36,8 @@ void addBelow(const std::string& prefix, const std::string& group, const Contain
 } // namespace
 
 std::optional<Option> ConfigurationImpl::effectiveOption(Lock& lock, const std::string& key) {
-    const detail::Supplier supplier = detail::findSupplier(sources, key, localKeyBuffer);
+    detail::LookupScope lookup;
+    const detail::Supplier supplier = detail::findSupplier(sources, key, lookup, localKeyBuffer);
     if (supplier.record == nullptr)
         return std::nullopt;
     if (mayReadDirectly(supplier))
@@ -44,14 +46,15 @@ std::optional<Option> ConfigurationImpl::effectiveOption(Lock& lock, const std::
 }
 
 /// Leaves out the sources whose groups rule the prefix out, and copies no key that has another one.
-std::set<std::string> ConfigurationImpl::keysBelow(const std::string& prefix) const {
+std::set<std::string> ConfigurationImpl::keysBelow(const std::string& prefix,
+                                                   detail::LookupScope& lookup) {
     std::set<std::string> keys;
-    for (const ConfigurationSourceMap& record : sources) {
+    for (ConfigurationSourceMap& record : sources) {
         if (!beginsWith(prefix, record.group) && !beginsWith(record.group, prefix))
             continue;
-        if (record.table != nullptr)
+        if (const auto* const table = record.table.in(lookup))
             addBelow(
-                prefix, record.group, *record.table,
+                prefix, record.group, *table,
                 [](const auto& entry) -> const std::string& { return entry.first; }, keys);
         else
             addBelow(
@@ -63,7 +66,9 @@ std::set<std::string> ConfigurationImpl::keysBelow(const std::string& prefix) co
 
 std::vector<Option> ConfigurationImpl::optionsBelow(const std::string& prefix) {
     Lock lock(mutex);
-    const std::set<std::string> keys = keysBelow(prefix);
+    detail::LookupScope lookup; // one for all keys: their values are of one moment
+    lookup.enter();
+    const std::set<std::string> keys = keysBelow(prefix, lookup);
     std::vector<Option> options;
     options.reserve(keys.size());
     for (const std::string& key : keys) {
@@ -77,6 +82,8 @@ std::vector<Option> ConfigurationImpl::optionsOf(const std::vector<std::string>&
     std::vector<Option> options;
     options.reserve(keys.size());
     Lock lock(mutex);
+    detail::LookupScope lookup; // one for all keys: their values are of one moment
+    lookup.enter();
     for (const std::string& key : keys) {
         if (std::optional<Option> option = effectiveOption(lock, key))
             options.push_back(*std::move(option));

@@ -62,8 +62,8 @@ Future<bool> ConfigurationImpl::addSource(const std::string& name, const std::st
     return std::move(result).resolve(true);
 }
 
-/// Where there are no streams and nobody can observe the question, the list of a source's keys is not
-/// needed. For a large table it takes longer than reading the file did.
+/// Where there are no streams and nobody can observe the question, the list of a source's keys is
+/// not needed. For a large table it takes longer than reading the file did.
 bool ConfigurationImpl::keysAreNeeded() const {
     return !streams.isEmpty() || !lookupsAreUnobservable();
 }

@@ -239,6 +239,21 @@ TEST_F(TableSourceTest, HasAndGetOfOneLookupAgreeThroughAnotherConfiguration) {
     EXPECT_FALSE(inner->has("a").get());
 }
 
+TEST_F(TableSourceTest, SeveralOptionsAreReadFromOneTable) {
+    const auto other = std::make_shared<ScriptedSource>(journal, "other");
+    configuration->addSource("table", "", 5, true, source).get();
+    configuration->addSource("other", "", 1, true, other).get();
+    other->onHas = [&](const std::string& key) {
+        if (key == "b")
+            source->replace({{"a", 7}, {"b", 8}});
+    };
+    const auto options = configuration->optionsOf({"a", "b"});
+    ASSERT_EQ(2u, options.size());
+    EXPECT_EQ(OptionValue(1), options[0].value);
+    EXPECT_EQ(OptionValue(2), options[1].value);
+    EXPECT_EQ(OptionValue(8), configuration->optionsBelow("b").at(0).value);
+}
+
 TEST_F(TableSourceTest, ALookupThatIsLoggedAgrees) {
     configuration->addSource("table", "", 5, true, source).get();
     const CoreLog log;
