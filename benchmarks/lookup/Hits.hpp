@@ -14,8 +14,7 @@
 namespace bench::lookup {
 
 /// @return the contestant with those tables. It is created once, because building large tables
-/// takes
-///         longer than the lookups.
+///         takes longer than the lookups.
 template <typename Contestant>
 Contestant& contestantWith(const Tables& tables) {
     static std::mutex mutex;

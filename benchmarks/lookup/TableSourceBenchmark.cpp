@@ -1,5 +1,5 @@
-/// Lookups in tables that can be replaced, while nobody replaces them and while another thread
-/// does.
+/// Lookups in tables that can be replaced, alone and while another thread
+/// replaces them.
 #include "Floor.hpp"
 #include "Hits.hpp"
 
@@ -51,7 +51,7 @@ class Replaced : public Replaceable {
 public:
     explicit Replaced(const Tables& tables)
         : Replaceable(tables), replacing([this] {
-              for (int round = 0; !isOver; ++round) {
+              for (int round = 0; !isStopping; ++round) {
                   connector::sources::Table table = *sources.back()->table();
                   table["changes"] = round;
                   sources.back()->replace(std::move(table));
@@ -59,35 +59,35 @@ public:
               }
           }) {}
     ~Replaced() {
-        isOver = true;
+        isStopping = true;
         replacing.join();
     }
 
 private:
-    std::atomic<bool> isOver{false};
+    std::atomic<bool> isStopping{false};
     std::thread replacing;
 };
 
 /// Lives as long as its measurement: the thread must not disturb the others.
 template <typename T>
-void runReplaced(benchmark::State& state, const Question& question) {
-    Replaced contestant(question.tables);
-    const std::vector<Asked<T>> questions = asked<T>(question);
-    Chance chance;
+void runReplaced(benchmark::State& state, const LookupCase& lookupCase) {
+    Replaced contestant(lookupCase.tables);
+    const std::vector<Expectation<T>> lookups = expectations<T>(lookupCase);
+    RandomNumbers random;
     bool isRight = true;
     for (auto _ : state) {
-        const Asked<T>& now = questions[chance.below(questions.size())];
-        isRight &= contestant.template get<T>(now.key) == now.value;
+        const Expectation<T>& next = lookups[random.below(lookups.size())];
+        isRight &= contestant.template get<T>(next.key) == next.value;
     }
     if (!isRight)
         state.SkipWithError("another value was found");
 }
 
-void addCase(const Question& question) {
+void addCase(const LookupCase& lookupCase) {
     const std::string subject = "table source";
     const auto addRun = [&](const std::string& when, const std::string& contestant, auto run) {
-        bench::add(subject, when + question.description(), contestant,
-                   [run, question](benchmark::State& state) { run(state, question); });
+        bench::add(subject, when + lookupCase.description(), contestant,
+                   [run, lookupCase](benchmark::State& state) { run(state, lookupCase); });
     };
     addRun("not replaced, ", "ours", runHits<Replaceable, int>);
     addRun("not replaced, ", "floor", runHits<Floor, int>);
