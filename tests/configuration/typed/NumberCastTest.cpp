@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <string>
+#include <type_traits>
 
 namespace {
 
@@ -101,7 +103,13 @@ class IntegerLimits : public ::testing::Test {};
 
 using Integers = ::testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t,
                                   std::int32_t, std::uint32_t, std::int64_t, std::uint64_t>;
-TYPED_TEST_SUITE(IntegerLimits, Integers);
+struct IntegerNames {
+    template <typename T>
+    static std::string GetName(int) {
+        return (std::is_signed_v<T> ? "Int" : "Uint") + std::to_string(8 * sizeof(T));
+    }
+};
+TYPED_TEST_SUITE(IntegerLimits, Integers, IntegerNames);
 
 /// @return the decimal text of the number next to the limit, beyond it
 std::string beyond(std::string limit) {
