@@ -7,7 +7,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <optional>
+#include <memory>
 
 namespace test {
 
@@ -21,13 +21,13 @@ public:
 
     /// @return whether another thread has to wait for the mutex. May be called once.
     bool isHeld() {
-        lookup.emplace([this] { configuration.has("some key"); });
+        lookup = std::make_unique<ObservedThread>([this] { configuration.has("some key"); });
         return lookup->blocksOn(configuration);
     }
 
 private:
     connector::configuration::ConfigurationImpl& configuration;
-    std::optional<ObservedThread> lookup;
+    std::unique_ptr<ObservedThread> lookup;
 };
 
 /// Expects that no operation left the mutex locked. A probe of a mutex that stays locked cannot be
