@@ -10,7 +10,7 @@ namespace connector::sources {
 
 namespace {
 
-/// The options found so far, and which variable each comes from.
+/// The options found so far, and the variable that each one comes from.
 class Collection {
 public:
     void add(std::string_view variable, const std::string& key, std::string_view value) {
@@ -27,7 +27,7 @@ private:
     std::map<std::string, std::string> variables; // by key
 };
 
-/// @return the key of what follows the prefix in the name of a variable
+/// @return the key for the part of a variable's name after the prefix
 std::string keyOf(std::string_view rest) {
     std::string key;
     for (std::size_t i = 0; i < rest.size(); ++i) {

@@ -1,11 +1,11 @@
-/// What files a FileSource reads.
+/// The files that a FileSource reads.
 #pragma once
 
 #include <cstdint>
 
 namespace connector::sources {
 
-/// How the text of a file becomes options; docs/sources.md has the rules.
+/// How the text of a file is converted to options; docs/sources.md has the rules.
 enum class FileFormat : std::uint8_t {
     ByExtension, ///< .properties, .json, .yaml or .yml, .toml; in lower or upper case
     Properties,  ///< as PropertyFileSource reads it
@@ -14,10 +14,10 @@ enum class FileFormat : std::uint8_t {
     Toml,        ///< TOML 1.0
 };
 
-/// What the construction of a FileSource does when there is no file.
+/// What the constructor of FileSource does when the file does not exist.
 enum class IfMissing : std::uint8_t {
     Throw, ///< throws FileError
-    Empty, ///< makes a source without options, which reload fills when the file is there
+    Empty, ///< constructs a source without options; reload reads the file once it exists
 };
 
 } // namespace connector::sources

@@ -1,4 +1,4 @@
-/// The options of a file, which can be read anew.
+/// The options of a file that can be reloaded.
 #pragma once
 
 #include <connector/sources/Export.hpp>
@@ -15,12 +15,11 @@ namespace detail {
 struct FileState;
 } // namespace detail
 
-/// Reads a file when it is made, and again with each reload. docs/sources.md says how the documents
-/// of each format become options. All operations may be called from any thread.
+/// Reads a file during construction, and again with each reload. docs/sources.md describes how the
+/// documents of each format are converted to options. All operations may be called from any thread.
 class CONNECTOR_SOURCES_EXPORT FileSource : public TableSource {
 public:
-    /// @param path  made absolute at once: that the process enters another directory changes
-    ///        nothing
+    /// @param path  made absolute at once: a later change of the working directory has no effect
     /// @throws FileError when the file cannot be read or parsed, or is missing under
     ///        IfMissing::Throw
     /// @throws std::invalid_argument "The extension of the file names no format: PATH"
@@ -28,17 +27,17 @@ public:
                         IfMissing ifMissing = IfMissing::Throw);
     ~FileSource() override;
 
-    /// Reads the file anew and replaces the table, as TableSource::replace does. Reloads of several
-    /// threads follow each other; no lock is held while the watcher runs.
-    /// @return how the new table differs from the one before
+    /// Reads the file again and replaces the table, as TableSource::replace does. Concurrent
+    /// reloads are serialised; no lock is held while the watcher runs.
+    /// @return the differences between the new table and the previous one
     /// @throws FileError when the file cannot be read or parsed; the table stays as it was
-    /// @throws what the watcher throws, after all keys were told
+    /// @throws the exception of the watcher, after the watcher was called for every key
     TableChange reload();
 
-    /// @return the path that was given
+    /// @return the path that was passed to the constructor
     const std::filesystem::path& path() const noexcept;
 
-    /// @return the format that is read; never ByExtension
+    /// @return the format of the file; never ByExtension
     FileFormat format() const noexcept;
 
 private:

@@ -24,8 +24,8 @@ using detail::Inotify;
 using detail::WatchedFile;
 using Clock = WatchedFile::Clock;
 
-/// The thread, and what it works on. The thread owns it, too, for the case that one of the
-/// functions destroys the watcher.
+/// The thread and its data. The thread shares ownership, because one of the functions may destroy
+/// the watcher.
 class FileWatcher::Worker : public std::enable_shared_from_this<Worker> {
 public:
     Worker(OnReload newOnReload, OnError newOnError, std::chrono::milliseconds newSettle)
@@ -38,8 +38,8 @@ public:
     }
 
     void start() {
-        removeUnused(); // there are none yet, but it notes the others
-        // The thread inherits the mask: signals are for the threads of the application.
+        removeUnused(); // none is unused yet; this records those in use
+        // The thread inherits the mask, so that only the application's threads handle signals.
         sigset_t all;
         sigset_t before;
         sigfillset(&all);
@@ -74,7 +74,7 @@ private:
         }
     }
 
-    /// Waits for a change, for the end, or until a reload is due.
+    /// Waits for a change, for stop, or until a reload is due.
     void wait() const {
         pollfd descriptors[] = {{inotify.descriptor(), POLLIN, 0},
                                 {wakeUp.descriptor(), POLLIN, 0}};
@@ -101,15 +101,14 @@ private:
         }
     }
 
-    /// Also called where memory runs out: whatever happens, the thread goes on with the next
-    /// change.
+    /// Must not throw, even when memory runs out: the thread continues with the next change.
     void reload(WatchedFile& file) noexcept {
         try {
             follow(file);
             TableChange change;
             if (reloadSource(file, change) && !change.empty() && onReload)
                 onReload(file.source(), change);
-        } catch (...) { // of the functions: there is nobody to tell it
+        } catch (...) { // of the functions: no caller could handle it
         }
     }
 
@@ -123,7 +122,7 @@ private:
         }
     }
 
-    /// @return whether the source has what stands in the file
+    /// @return whether the source has loaded the content of the file
     bool reloadSource(WatchedFile& file, TableChange& change) {
         try {
             change = file.source()->reload();
@@ -142,7 +141,7 @@ private:
             onError(file.source(), error);
     }
 
-    /// Ends the watches of ways that the files do not take any more.
+    /// Removes the watches that no path needs any more.
     void removeUnused() {
         std::set<int> used;
         for (const WatchedFile& file : files)
@@ -159,14 +158,14 @@ private:
     const OnError onError;
     const std::chrono::milliseconds settle;
 
-    // of the thread, once it runs
+    // used only by the thread once it runs
     Inotify inotify;
     std::vector<WatchedFile> files;
     std::set<int> watches;
 
     detail::WakeUp wakeUp;
     std::atomic<bool> isStopped{false};
-    std::thread thread; // of whoever owns the watcher
+    std::thread thread; // used only by the owner of the watcher
 };
 
 FileWatcher::FileWatcher(std::vector<std::shared_ptr<FileSource>> sources, OnReload onReload,

@@ -11,37 +11,38 @@
 
 namespace connector::sources {
 
-/// Follows the files of sources, and reloads a source when its file was written and closed,
-/// replaced by another one, removed and made again, or reached through symbolic links of which one
-/// was switched, as container platforms do. It follows the name: whatever stands there when a
-/// change is over is what is read. Changes that follow each other within `settle` are one reload,
-/// `settle` after the last.
+/// Watches the files of sources. Reloads a source when its file is written and closed, replaced by
+/// another file, or removed and created again, and when a symbolic link on its path is switched, as
+/// container platforms do. It follows the path, not the file: a reload reads the file that the path
+/// names at that time. Changes that follow each other within `settle` cause one reload, `settle`
+/// after the last change.
 ///
-/// A file that is gone leaves its last values, and is reported once for each disappearance; one
-/// that was never there, under IfMissing::Empty, is not reported. A file that changed between its
-/// source's construction and the watcher's is reloaded.
+/// When a file is removed, its source keeps the last values, and each disappearance is reported
+/// once. A file that was missing from the start, under IfMissing::Empty, is not reported. A file
+/// that changed between the construction of its source and that of the watcher is reloaded.
 ///
-/// One thread serves all files. It runs the reloads, and so the watchers of the sources and what
-/// follows from them, and the two functions. It blocks all signals.
+/// One thread serves all files. It runs the reloads, and therefore the watchers of the sources and
+/// everything that they call, and the two functions. It blocks all signals.
 class CONNECTOR_SOURCES_EXPORT FileWatcher {
 public:
     /// Called after a reload that changed something.
     using OnReload = std::function<void(const std::shared_ptr<FileSource>&, const TableChange&)>;
-    /// Called after a reload that failed; the options are as they were. Also when the file cannot
-    /// be followed, or when a watcher of the source threw, with what it said.
+    /// Called after a reload that failed; the options are unchanged. Also called when the file
+    /// cannot be watched, and, with the text of the exception, when a watcher of the source threw.
     using OnError = std::function<void(const std::shared_ptr<FileSource>&, const FileError&)>;
 
-    /// Changes are seen from the return of the constructor on.
+    /// Every change after the constructor has returned is detected.
     ///
-    /// What the functions throw is dropped: there is nobody to tell it.
+    /// Exceptions of the functions are ignored: no caller could handle them.
     /// @throws std::invalid_argument "A source to watch is null"
-    /// @throws std::system_error when the system has no more watchers or threads to give
+    /// @throws std::system_error when the system's limit of watches or threads is reached
     explicit FileWatcher(std::vector<std::shared_ptr<FileSource>> sources, OnReload onReload = {},
                          OnError onError = {},
                          std::chrono::milliseconds settle = std::chrono::milliseconds(100));
 
-    /// Stops the thread. Does not wait for changes to settle; a reload that runs, and what it
-    /// calls, is waited for, unless it is what destroys the watcher. Nothing is called afterwards.
+    /// Stops the thread. Does not wait for changes to settle. Waits for a running reload and for
+    /// everything that it calls, unless the destructor is called from there. Nothing is called
+    /// afterwards.
     ~FileWatcher();
     FileWatcher(const FileWatcher&) = delete;
     FileWatcher& operator=(const FileWatcher&) = delete;

@@ -1,4 +1,4 @@
-/// How one table differs from the one before.
+/// The differences between a table and the previous one.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>
@@ -11,13 +11,13 @@ namespace connector::sources {
 
 using Table = std::unordered_map<std::string, configuration::OptionValue>;
 
-/// Each list is in ascending order of bytes. No key stands in two of them.
+/// Each list is in ascending order of bytes. No key is in two of them.
 struct TableChange {
     std::vector<std::string> added;
     std::vector<std::string> changed;
     std::vector<std::string> removed;
 
-    /// @return whether nothing differs
+    /// @return whether there is no difference
     bool empty() const { return added.empty() && changed.empty() && removed.empty(); }
 };
 

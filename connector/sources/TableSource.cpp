@@ -32,10 +32,10 @@ OptionValue TableSource::set(const std::string&, OptionValue) {
 void TableSource::setWatcher(Watcher newWatcher) {
     auto next = newWatcher ? std::make_shared<const Watcher>(std::move(newWatcher)) : nullptr;
     const std::lock_guard<std::mutex> lock(watcherMutex);
-    watcher.swap(next); // the one before goes after the lock: its end may call anything
+    watcher.swap(next); // destroys the old one after unlocking: its destructor may lock again
 }
 
-/// Nothing has happened when it throws: the difference is known before the tables are exchanged.
+/// Changes nothing if it throws: the difference is computed before the table is replaced.
 TableSource::Exchange TableSource::exchangeTable(Table table) {
     auto next = std::make_shared<const Table>(std::move(table));
     const std::lock_guard<std::mutex> lock(replacing);

@@ -1,4 +1,4 @@
-/// Code that may wait for ever.
+/// Runs code that may block forever.
 #pragma once
 
 #include <chrono>
@@ -10,8 +10,8 @@
 namespace connector::testing {
 
 /// Runs an action on another thread.
-/// @param action  owns everything that it uses: when it does not end, its thread is left behind
-/// @return whether it has ended within the time
+/// @param action  owns everything that it uses: if it does not end, its thread is detached
+/// @return whether it ended within the time
 template <typename Action>
 bool endsWithin(std::chrono::milliseconds time, Action action) {
     auto ended = std::make_shared<std::promise<void>>();

@@ -1,11 +1,11 @@
-/// Shows that a publisher keeps the rules of Reactive Streams 1.0.4.
+/// Tests that a publisher follows the rules of Reactive Streams 1.0.4.
 ///
 ///     connector::testing::PublisherFactory<int> myPublishers();
 ///     CONNECTOR_PUBLISHER_CONFORMANCE(MyPublisher, myPublishers())
 ///
-/// makes a GoogleTest suite with a test for each rule of PublisherRules.hpp, named by its number. A
-/// rule that the factory names in `otherwise`, or that is about what its publishers never do, is
-/// skipped.
+/// defines a GoogleTest suite with a test for each rule of PublisherRules.hpp, named by its number.
+/// A rule is skipped if the factory lists it in `otherwise`, or if it does not apply to the
+/// publishers of the factory.
 #pragma once
 
 #include <connector/testing/PublisherRules.hpp>

@@ -1,4 +1,4 @@
-/// How the conformance kit makes the publishers that it tests.
+/// Creates and drives the publishers that the conformance kit tests.
 #pragma once
 
 #include <connector/async/PublisherAPI.hpp>
@@ -18,25 +18,24 @@ struct PublisherFactory {
     using Value = T;
     using Publisher = reactive_streams::PublisherAPI<T>;
 
-    /// @return a new publisher, which nobody has subscribed to
+    /// @return a new publisher without subscribers
     std::function<std::shared_ptr<Publisher>()> make;
 
-    /// Has the publisher send a value, now or when it is requested; it may keep only the newest.
-    /// Called from several threads at a time.
+    /// Makes the publisher send a value, now or once it is requested; the publisher may keep only
+    /// the newest value. Called from several threads concurrently.
     std::function<void(Publisher&, const T&)> offer;
 
-    /// Ends the stream normally. Is given the last pointer, so that the end of the publisher will
-    /// do.
+    /// Completes the stream. Receives the last pointer, so destroying the publisher is sufficient.
     std::function<void(std::shared_ptr<Publisher>)> complete;
 
-    /// Ends the stream with an error. Empty: the publisher never fails.
+    /// Fails the stream with an error. Empty: the publisher never fails.
     std::function<void(Publisher&, std::exception_ptr)> fail;
 
     /// At least three different values.
     std::vector<T> values;
 
-    /// The numbers of the rules that the publisher does not follow on purpose, as "3.9". They are
-    /// skipped. Say in its documentation why.
+    /// The numbers of the rules that the publisher deliberately does not follow, for example "3.9".
+    /// They are skipped. The publisher's documentation should give the reason.
     std::set<std::string> otherwise;
 };
 

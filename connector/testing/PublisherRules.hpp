@@ -1,9 +1,9 @@
-/// Rules of Reactive Streams 1.0.4 for publishers (1.x) and subscriptions (3.x), each as a function
-/// that says how a publisher breaks it. Left out are rules that leave a choice (1.2, 1.6, 1.11,
-/// 3.10, 3.11 and 3.14), rules about time (3.4 and 3.5), 3.1, which is the subscriber's, and 3.15
-/// and 3.16: whatever throws fails a test anyway.
+/// Rules of Reactive Streams 1.0.4 for publishers (1.x) and subscriptions (3.x). Each function
+/// tests one rule and reports how a publisher breaks it. Not tested are optional rules (1.2, 1.6,
+/// 1.11, 3.10, 3.11 and 3.14), rules about time (3.4 and 3.5), 3.1, which applies to subscribers,
+/// and 3.15 and 3.16, because any exception fails a test anyway.
 ///
-/// PublisherConformance.hpp makes tests of them.
+/// PublisherConformance.hpp defines tests for them.
 #pragma once
 
 #include <connector/testing/PublisherFactory.hpp>
@@ -30,8 +30,8 @@ namespace kit {
 
 inline constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
-/// Notes every signal. Its functions may be called on any thread, but the signals are to come one
-/// after the other.
+/// Records every signal. Its functions may be called on any thread, but the publisher must
+/// serialise the signals.
 template <typename T>
 class Recorder : public reactive_streams::Subscriber<T> {
 public:
@@ -82,7 +82,7 @@ public:
     std::vector<T> values;
     std::atomic<int> received{0};
     std::atomic<int> signals{0};
-    std::atomic<int> deepest{0}; // how many onNext ran at once
+    std::atomic<int> deepest{0}; // the most calls of onNext that ran at once
     int completions = 0;
     int errors = 0;
     bool wasSignalledAfterItsEnd = false;
@@ -123,7 +123,7 @@ struct Stream {
 
 } // namespace kit
 
-/// 1.1: no more values than were requested.
+/// 1.1: a publisher sends no more values than were requested.
 template <typename T>
 Verdict noMoreThanRequested(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory);
@@ -136,7 +136,7 @@ Verdict noMoreThanRequested(const PublisherFactory<T>& factory) {
     return Verdict::keptIf(stream.recorder->received <= 2, "more values came than were requested");
 }
 
-/// 1.3: signals come one after the other, also when values are offered by several threads.
+/// 1.3: signals are serialised, also when several threads offer values.
 template <typename T>
 Verdict signalsComeOneByOne(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory);
@@ -153,7 +153,7 @@ Verdict signalsComeOneByOne(const PublisherFactory<T>& factory) {
     return Verdict::keptIf(stream.recorder->deepest <= 1, "two signals came at the same time");
 }
 
-/// 1.4: a failure is told with onError.
+/// 1.4: a failure is signalled with onError.
 template <typename T>
 Verdict aFailureIsTold(const PublisherFactory<T>& factory) {
     if (!factory.fail)
@@ -164,7 +164,7 @@ Verdict aFailureIsTold(const PublisherFactory<T>& factory) {
                            "a failure was not told with one onError alone");
 }
 
-/// 1.5: a normal end is told with onComplete.
+/// 1.5: successful completion is signalled with onComplete.
 template <typename T>
 Verdict anEndIsTold(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory, kit::unlimited);
@@ -173,7 +173,7 @@ Verdict anEndIsTold(const PublisherFactory<T>& factory) {
                            "a normal end was not told with one onComplete alone");
 }
 
-/// 1.7: no signal follows the end.
+/// 1.7: no signal follows onComplete or onError.
 template <typename T>
 Verdict nothingFollowsTheEnd(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory, kit::unlimited);
@@ -187,7 +187,7 @@ Verdict nothingFollowsTheEnd(const PublisherFactory<T>& factory) {
                            "a signal came after the end");
 }
 
-/// 1.8 and 3.12: a cancelled subscription falls silent.
+/// 1.8 and 3.12: the signals of a cancelled subscription stop.
 template <typename T>
 Verdict aCancelledStreamIsSilent(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory, kit::unlimited);
@@ -200,7 +200,7 @@ Verdict aCancelledStreamIsSilent(const PublisherFactory<T>& factory) {
                            "a signal came after the subscription was cancelled");
 }
 
-/// 1.9: onSubscribe comes before all other signals, and null is refused by throwing.
+/// 1.9: onSubscribe precedes all other signals, and subscribing null throws.
 template <typename T>
 Verdict onSubscribeComesFirst(const PublisherFactory<T>& factory) {
     const auto publisher = factory.make();
@@ -216,8 +216,8 @@ Verdict onSubscribeComesFirst(const PublisherFactory<T>& factory) {
                            "the first and only signal of subscribe is not onSubscribe");
 }
 
-/// 1.10: another subscriber may subscribe; if the publisher serves one only, it is told so with
-/// onError.
+/// 1.10: another subscriber may subscribe; a publisher that supports only one signals onError to
+/// the other.
 template <typename T>
 Verdict anotherSubscriberIsServedOrTold(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory, kit::unlimited);
@@ -246,7 +246,7 @@ Verdict requestsFromSignalsAreServed(const PublisherFactory<T>& factory) {
                            "a request from onSubscribe or onNext was not served");
 }
 
-/// 3.3: request and onNext do not call each other without end.
+/// 3.3: the recursion between request and onNext is bounded.
 template <typename T>
 Verdict recursionIsBounded(const PublisherFactory<T>& factory) {
     const auto publisher = factory.make();
@@ -277,7 +277,7 @@ Verdict afterCancelNothingHappens(const PublisherFactory<T>& factory) {
                            "request or cancel did something after cancel");
 }
 
-/// 3.8: demands add up.
+/// 3.8: the demands of several requests add up.
 template <typename T>
 Verdict demandsAddUp(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory);
@@ -288,7 +288,7 @@ Verdict demandsAddUp(const PublisherFactory<T>& factory) {
     return Verdict::keptIf(stream.recorder->received == 3, "two demands did not add up");
 }
 
-/// 3.9: a request for nothing fails the stream with std::invalid_argument.
+/// 3.9: a request for zero values fails the stream with std::invalid_argument.
 template <typename T>
 Verdict aRequestForNothingFails(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory);
@@ -304,7 +304,7 @@ Verdict aRequestForNothingFails(const PublisherFactory<T>& factory) {
     }
 }
 
-/// 3.13: a cancelled subscription lets its subscriber go.
+/// 3.13: a cancelled subscription releases its subscriber.
 template <typename T>
 Verdict cancelReleasesTheSubscriber(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory);
@@ -315,7 +315,7 @@ Verdict cancelReleasesTheSubscriber(const PublisherFactory<T>& factory) {
     return Verdict::keptIf(observed.expired(), "the subscriber is kept after cancel");
 }
 
-/// 3.17: a demand without limit does not overflow.
+/// 3.17: unlimited demand does not overflow.
 template <typename T>
 Verdict anyDemandIsPossible(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory);

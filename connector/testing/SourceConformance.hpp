@@ -1,11 +1,11 @@
-/// Shows that a source keeps the rules of ConfigurationSource.
+/// Tests that a source follows the rules of ConfigurationSource.
 ///
 ///     connector::testing::SourceFactory mySource();
 ///     CONNECTOR_SOURCE_CONFORMANCE(MySource, mySource())
 ///
-/// makes a GoogleTest suite with a test for each rule, named RuleNN and a word. The rules stand in
-/// SourceRules.hpp. A rule about what the sources of the factory never do is skipped. Run it under
-/// the thread sanitizer, too.
+/// defines a GoogleTest suite with a test for each rule, named RuleNN and a word. SourceRules.hpp
+/// lists the rules. A rule that does not apply to the sources of the factory is skipped. Run the
+/// suite under the thread sanitizer, too.
 #pragma once
 
 #include <connector/testing/SourceRules.hpp>

@@ -1,4 +1,4 @@
-/// How the conformance kit makes the sources that it tests.
+/// Creates and changes the sources that the conformance kit tests.
 #pragma once
 
 #include <connector/configuration/sources/ConfigurationSource.hpp>
@@ -11,8 +11,8 @@
 
 namespace connector::testing {
 
-/// All values that the kit uses are of the std::string alternative, all keys are small letters and
-/// dots, so that sources over files and the environment can be tested.
+/// All values that the kit uses are of the std::string alternative. All keys consist of lower-case
+/// letters and dots. So sources over files and the environment can be tested.
 struct SourceFactory {
     using Source = configuration::ConfigurationSource;
     using OptionValue = configuration::OptionValue;
@@ -21,9 +21,9 @@ struct SourceFactory {
     /// @return a new source with exactly these options
     std::function<std::shared_ptr<Source>(Table)> make;
 
-    /// Changes one option from outside, as whatever the source gets its options from would; without
-    /// a value it removes the option. Called from several threads at a time. Returns when the
-    /// change can be read and has been told. Empty: the source never changes from outside.
+    /// Changes one option where the source gets its options from; without a value, removes the
+    /// option. Called from several threads concurrently. Returns once the change can be read and
+    /// the watcher was called. Empty: the source never changes from outside.
     std::function<void(Source&, const std::string& key, const std::optional<OptionValue>& value)>
         change;
 

@@ -1,6 +1,7 @@
-/// The rules that every source keeps, each as a function that says how a source breaks it.
+/// The rules for every source. Each function tests one rule and reports how a source breaks it.
 ///
-/// SourceConformance.hpp makes tests of them. They stand alone so that the kit can be tested, too.
+/// SourceConformance.hpp defines tests for them. The functions are separate so that the kit itself
+/// can be tested.
 #pragma once
 
 #include <connector/testing/Deadline.hpp>
@@ -26,7 +27,7 @@
 
 namespace connector::testing {
 
-/// The time after which the kit takes something for a deadlock.
+/// The time after which the kit reports a deadlock.
 inline constexpr std::chrono::milliseconds deadlockTime{10'000};
 
 namespace kit {
@@ -57,7 +58,7 @@ inline void put(const SourceFactory& factory, ConfigurationSource& source, const
         source.set(key, text(value));
 }
 
-/// @return the value; empty when the source does not have the key or answers with another type
+/// @return the value; empty if the source does not have the key or the value has another type
 inline std::string read(ConfigurationSource& source, const std::string& key) {
     if (!source.has(key))
         return "";
@@ -73,7 +74,7 @@ inline std::string joined(const std::set<std::string>& keys) {
     return '{' + all + '}';
 }
 
-/// Remembers what a watcher is called with, and what can be read then.
+/// Records the keys that a watcher is called with, and their values at that time.
 struct Told {
     std::vector<std::string> keys;
     std::vector<std::string> values;
@@ -85,7 +86,8 @@ struct Told {
         };
     }
 
-    /// @return "" when the key was told while the value could be read, otherwise what was missing
+    /// @return "" if the watcher was called with the key once the value could be read; otherwise
+    ///         what was missing
     std::string missing(const std::string& key, const std::string& value) const {
         bool wasTold = false;
         for (std::size_t i = 0; i < keys.size(); ++i) {
@@ -101,7 +103,7 @@ struct Told {
 
 } // namespace kit
 
-/// 1. has answers true, and get the value, for exactly the keys of the source.
+/// 1. has returns true, and get returns the value, for exactly the keys of the source.
 inline Verdict hasAndGetAgree(const SourceFactory& factory) {
     const auto source = factory.make(kit::someOptions());
     for (const auto& [key, value] : kit::someOptions()) {
@@ -118,7 +120,7 @@ inline Verdict hasAndGetAgree(const SourceFactory& factory) {
     return Verdict::kept();
 }
 
-/// 2. keys lists exactly the keys that has affirms.
+/// 2. keys lists exactly the keys for which has returns true.
 inline Verdict keysAreWhatHasAffirms(const SourceFactory& factory) {
     std::set<std::string> expected;
     for (const auto& entry : kit::someOptions())
@@ -152,7 +154,7 @@ inline Verdict getOfAMissingKeyThrows(const SourceFactory& factory) {
     return Verdict::brokenAs("get of a missing key answers with a value");
 }
 
-/// 4. Questions change nothing and tell nobody.
+/// 4. Queries change nothing and do not call the watcher.
 inline Verdict questionsChangeNothing(const SourceFactory& factory) {
     const auto source = factory.make(kit::someOptions());
     bool wasTold = false;
@@ -174,9 +176,8 @@ inline Verdict questionsChangeNothing(const SourceFactory& factory) {
     return Verdict::kept();
 }
 
-/// 5. set stores the value and tells the watcher, after it can be read. A source that is not
-/// writable
-///    throws, keeps its value and tells nobody.
+/// 5. set stores the value and calls the watcher once the value can be read. A source that is not
+///    writable throws, keeps its value and does not call the watcher.
 inline Verdict setStoresAndTellsOrRefuses(const SourceFactory& factory) {
     const auto source = factory.make(kit::someOptions());
     kit::Told told;
@@ -205,8 +206,8 @@ inline Verdict setStoresAndTellsOrRefuses(const SourceFactory& factory) {
     return Verdict::kept();
 }
 
-/// 6. A change from outside is told, after it can be read: of a value, of a new key, of a removed
-/// one.
+/// 6. A change from outside calls the watcher once the change can be read: a changed value, a new
+///    key, or a removed key.
 inline Verdict changesAreTold(const SourceFactory& factory) {
     if (!factory.change)
         return Verdict::notApplicable();
@@ -226,9 +227,8 @@ inline Verdict changesAreTold(const SourceFactory& factory) {
     return missing.empty() ? Verdict::kept() : Verdict::brokenAs("after a removal, " + missing);
 }
 
-/// 7. The watcher is called with no lock held: it may read the source, and so may another thread
-/// for
-///    which it waits.
+/// 7. The watcher is called with no lock held: it may read the source, and it may wait for another
+///    thread that reads the source.
 inline Verdict theWatcherRunsWithoutLocks(const SourceFactory& factory) {
     if (!kit::changes(factory))
         return Verdict::notApplicable();
@@ -255,7 +255,7 @@ inline Verdict theWatcherRunsWithoutLocks(const SourceFactory& factory) {
     return Verdict::kept();
 }
 
-/// 8. setWatcher replaces the watcher: the one before is not called any more.
+/// 8. setWatcher replaces the watcher: the old one is not called any more.
 inline Verdict setWatcherReplaces(const SourceFactory& factory) {
     if (!kit::changes(factory))
         return Verdict::notApplicable();
@@ -271,7 +271,7 @@ inline Verdict setWatcherReplaces(const SourceFactory& factory) {
     return now > 0 ? Verdict::kept() : Verdict::brokenAs("the second watcher was not called");
 }
 
-/// 9. An empty watcher silences the source at once.
+/// 9. An empty watcher stops the notifications at once.
 inline Verdict anEmptyWatcherSilences(const SourceFactory& factory) {
     if (!kit::changes(factory))
         return Verdict::notApplicable();
@@ -317,7 +317,7 @@ inline Verdict aWatcherMayReplaceItself(const SourceFactory& factory) {
     auto* const raw = source.get();
     const auto calls = std::make_shared<std::atomic<int>>(0);
     source->setWatcher([raw, calls](const std::string&) {
-        const auto kept = calls; // what was captured goes with the next line
+        const auto kept = calls; // the next line destroys the captures
         raw->setWatcher({});
         ++*kept;
     });
@@ -334,8 +334,8 @@ inline Verdict aWatcherMayReplaceItself(const SourceFactory& factory) {
                        : Verdict::brokenAs("a watcher that silenced the source was called again");
 }
 
-/// 12. What the watcher throws passes to whoever made the change; the value is stored, and the next
-///     change is told.
+/// 12. An exception of the watcher propagates to the caller that made the change; the value is
+///     stored, and the next change is reported.
 inline Verdict exceptionsOfTheWatcherPass(const SourceFactory& factory) {
     if (!kit::changes(factory))
         return Verdict::notApplicable();
@@ -371,7 +371,7 @@ inline Verdict exceptionsOfTheWatcherPass(const SourceFactory& factory) {
 
 namespace kit {
 
-/// Changes an option over and over, on a thread of its own, while this object lives.
+/// Changes an option repeatedly, on its own thread, until this object is destroyed.
 class Changing {
 public:
     template <typename Change>
@@ -392,8 +392,8 @@ private:
     std::thread thread;
 };
 
-/// @return what is wrong with one answer of a configuration in which every value is a long text of
-///         one letter; empty if nothing is
+/// @return the error in one lookup of a configuration whose values are long texts of one repeated
+///         letter; empty if there is none
 inline std::string wrongIn(configuration::Configuration& configuration) {
     try {
         const OptionValue value = configuration.get("a").get();
@@ -409,9 +409,8 @@ inline std::string wrongIn(configuration::Configuration& configuration) {
 
 } // namespace kit
 
-/// 13. While an option changes, comes and goes, lookups through a configuration get a whole value,
-/// and
-///     never an error where another source has the key.
+/// 13. While an option is changed, added and removed, concurrent lookups through a configuration
+///     get a whole value, and no error if another source has the key.
 inline Verdict concurrentLookupsTearNothing(const SourceFactory& factory) {
     if (!kit::changes(factory))
         return Verdict::notApplicable();
@@ -447,7 +446,7 @@ inline Verdict concurrentLookupsTearNothing(const SourceFactory& factory) {
     return Verdict::kept();
 }
 
-/// 14. A source that was removed from a configuration, or outlives it, can be changed.
+/// 14. A source that was removed from a configuration, or outlives it, can still be changed.
 inline Verdict theSourceOutlivesItsConfiguration(const SourceFactory& factory) {
     if (!kit::changes(factory))
         return Verdict::notApplicable();

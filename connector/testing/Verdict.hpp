@@ -1,4 +1,4 @@
-/// What the conformance kits say.
+/// The results of the conformance kits.
 #pragma once
 
 #include <string>
@@ -6,17 +6,16 @@
 
 namespace connector::testing {
 
-/// What a rule says of the sources or publishers of a factory.
+/// The result of testing one rule with the sources or publishers of a factory.
 struct Verdict {
-    bool applies =
-        true;           ///< false: they never do what the rule is about, or do otherwise on purpose
-    std::string broken; ///< empty: the rule is kept; otherwise a sentence that says what went wrong
+    bool applies = true; ///< false: the rule does not apply, or is deliberately not followed
+    std::string broken;  ///< empty: the rule is kept; otherwise a description of the failure
 
     static Verdict kept() { return {}; }
     static Verdict notApplicable() { return {false, ""}; }
     static Verdict brokenAs(std::string sentence) { return {true, std::move(sentence)}; }
 
-    /// @return kept, or broken as the sentence says
+    /// @return kept, or broken with the sentence
     static Verdict keptIf(bool isKept, const char* sentence) {
         return isKept ? kept() : brokenAs(sentence);
     }

@@ -26,7 +26,7 @@ struct Row {
     std::vector<std::string> expected; // sorted by the map that compares them
 };
 
-/// @return the code of a cell: what stands between backticks
+/// @return the code of a cell: each text between backticks
 std::vector<std::string> codeIn(const std::string& cell) {
     std::vector<std::string> codes;
     for (std::size_t open = cell.find('`'); open != std::string::npos;) {
@@ -78,7 +78,7 @@ std::vector<Row> rowsOfTheDocument() {
     return rows;
 }
 
-/// @return the options as the document writes them, or the error
+/// @return the options in the notation of the document, or the error
 std::vector<std::string> observed(const std::filesystem::path& path, FileFormat format) {
     try {
         std::vector<std::string> options;

@@ -18,7 +18,7 @@ OptionValue text(const std::string& value) {
     return value;
 }
 
-/// Sets a variable for as long as it lives.
+/// Sets a variable until it is destroyed.
 class Variable {
 public:
     Variable(const std::string& newName, const std::string& value) : name(newName) {

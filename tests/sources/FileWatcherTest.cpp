@@ -30,7 +30,7 @@ using connector::sources::IfMissing;
 using connector::sources::TableChange;
 using std::chrono::milliseconds;
 
-/// What a watcher has reported: "NAME +ADDED ~CHANGED -REMOVED", or "NAME: TEXT" for errors.
+/// The reports of a watcher: "NAME +ADDED ~CHANGED -REMOVED", or "NAME: TEXT" for errors.
 class Reports {
 public:
     void add(const std::string& report) {
@@ -39,8 +39,8 @@ public:
         changed.notify_all();
     }
 
-    /// Waits for more reports, at most half a minute, until there are so many.
-    /// @return all of them
+    /// Waits, at most half a minute, until there are this many reports.
+    /// @return all reports
     std::vector<std::string> atLeast(std::size_t count) {
         std::unique_lock<std::mutex> lock(mutex);
         changed.wait_for(lock, std::chrono::seconds(30), [&] { return reports.size() >= count; });
@@ -70,7 +70,7 @@ class FileWatcherTest : public testing::Test {
 protected:
     using Texts = std::vector<std::string>;
 
-    /// @return a source of the test's directory
+    /// @return a source for a file in the test's directory
     std::shared_ptr<FileSource> source(const std::string& name,
                                        IfMissing ifMissing = IfMissing::Throw) {
         return std::make_shared<FileSource>(directory.path / name, FileFormat::ByExtension,
@@ -91,12 +91,12 @@ protected:
             settle);
     }
 
-    /// Replaces a file the way that programs do which must not lose it.
+    /// Replaces a file atomically, as careful programs do.
     void replace(const std::string& name, const std::string& content) {
         fs::rename(directory.write(name + ".new", content), directory.path / name);
     }
 
-    /// Has the watcher report something, so that whatever happened before has been reported.
+    /// Causes a report, so that every earlier change has been reported once it arrives.
     void drain() { directory.write("end.json", "{\"end\": " + std::to_string(++drained) + "}"); }
 
     const TemporaryDirectory directory;
@@ -136,7 +136,7 @@ TEST_F(FileWatcherTest, AFileThatIsMadeAgainIsReloadedAndItsAbsenceToldOnce) {
         EXPECT_EQ("a.json: The file could not be read: No such file or directory",
                   reports.atLeast(before + 1).back());
         EXPECT_TRUE(a->has("a"));
-        directory.write("b.json", ""); // something else happens in the directory
+        directory.write("b.json", ""); // a change of another file in the directory
         drain();
         EXPECT_EQ("end.json", reports.atLeast(before + 2).back().substr(0, 8));
         directory.write("a.json", "{\"a\": " + std::to_string(round) + "}");

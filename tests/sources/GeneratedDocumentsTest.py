@@ -1,4 +1,4 @@
-"""Compares the options of generated documents with what readers of others find in the same files.
+"""Compares the options of generated documents with the results of other readers.
 
 Usage: GeneratedDocumentsTest.py PRINT_OPTIONS [ROUNDS]
 """
@@ -16,7 +16,7 @@ import yaml
 
 
 class CoreLoader(yaml.SafeLoader):
-    """PyYAML with the core schema of YAML 1.2 in place of the types of 1.1."""
+    """PyYAML with the core schema of YAML 1.2 instead of the types of 1.1."""
 
 
 CoreLoader.yaml_implicit_resolvers = {}
@@ -44,7 +44,7 @@ def core_float(loader, node):
 
 
 def mapping(loader, node, deep=False):
-    """Keys that are not text are their text."""
+    """Converts keys that are not text to their source text."""
     loader.flatten_mapping(node)
     return {key.value: loader.construct_object(value, deep=True) for key, value in node.value}
 
@@ -89,7 +89,7 @@ def vector(values):
 
 
 def with_texts(value):
-    """Dates and times of TOML are text."""
+    """Converts the dates and times of TOML to text."""
     if isinstance(value, dict):
         return {key: with_texts(child) for key, child in value.items()}
     if isinstance(value, list):
@@ -117,7 +117,7 @@ def flatten(value, name, options):
 
 
 class Documents:
-    """Makes documents of one seed."""
+    """Generates documents from a seed."""
 
     def __init__(self, seed):
         self.random = random.Random(seed)
@@ -154,7 +154,7 @@ class Documents:
         return self.scalar(has_null)
 
     def object(self, depth, has_null):
-        """Without dots in its keys: none stands there twice."""
+        """An object without dots in its keys, so that no option key occurs twice."""
         return {self.text().replace(".", "") + str(index): self.value(depth, has_null)
                 for index in range(self.random.randrange(6))}
 

@@ -1,4 +1,4 @@
-/// Files that are made to break a reader.
+/// Files that are crafted to break a reader.
 #include "sources/Shown.hpp"
 #include "support/TemporaryDirectory.hpp"
 
@@ -26,7 +26,7 @@ std::string repeated(const std::string& text, std::size_t times) {
     return result;
 }
 
-/// @return the peak of the memory that this process has used, in bytes; 0 where it is not known
+/// @return the peak memory use of this process, in bytes; 0 if it is not known
 std::size_t peakMemory() {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -40,7 +40,7 @@ std::size_t peakMemory() {
 
 class HostileFilesTest : public testing::Test {
 protected:
-    /// @return "" when the file is taken up, else what is wrong, without the path
+    /// @return "" if the file is read, else the error, without the path
     std::string read(FileFormat format, const std::string& text) {
         const auto path = directory.write("hostile", text);
         try {

@@ -1,6 +1,6 @@
-/// Writes the options of files to standard output, one JSON object a line, for a comparison with
-/// other readers: {"key": ["type", value]}, or {"error": "text"} in an array where there is an
-/// error. Doubles are text, in hexadecimal.
+/// Writes the options of files to standard output, one JSON object per line, for a comparison with
+/// other readers: {"key": ["type", value]}, or {"error": "text"} in an array if there is an error.
+/// Doubles are written as hexadecimal text.
 ///
 /// Usage: print-options FILE...
 #include <connector/sources/FileSource.hpp>

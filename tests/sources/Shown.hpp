@@ -1,4 +1,4 @@
-/// Option values as text, which says their type, too: true, 1, 1u, 1.5, "text", u"text", [1, 2].
+/// Option values as text that shows their type, too: true, 1, 1u, 1.5, "text", u"text", [1, 2].
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>
@@ -24,7 +24,7 @@ struct Show {
             return text;
         }
         std::snprintf(text, sizeof text, "%.17g", value);
-        for (int precision = 1; precision < 17; ++precision) { // the shortest that is exact
+        for (int precision = 1; precision < 17; ++precision) { // the shortest exact one
             char shorter[40];
             std::snprintf(shorter, sizeof shorter, "%.*g", precision, value);
             if (std::stod(shorter) == value)
@@ -61,7 +61,7 @@ inline std::string shown(const connector::configuration::OptionValue& value) {
 
 namespace boost {
 
-/// Found by GoogleTest.
+/// GoogleTest prints option values with this.
 inline void PrintTo(const connector::configuration::OptionValue& value, std::ostream* out) {
     *out << test::shown(value);
 }

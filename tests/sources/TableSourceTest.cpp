@@ -23,7 +23,7 @@ using connector::sources::TableSource;
 
 using Keys = std::vector<std::string>;
 
-/// A source that passes every question on to another one, as a decorator does.
+/// A decorator that forwards every query to another source.
 class Decorator : public connector::configuration::ConfigurationSource {
 public:
     explicit Decorator(std::shared_ptr<ConfigurationSource> newInner)
@@ -52,7 +52,7 @@ private:
 
 class TableSourceTest : public testing::Test {
 protected:
-    /// Has the source write down what it reports.
+    /// Records the keys that the source reports.
     void record() {
         source->setWatcher([this](const std::string& key) { told.push_back(key); });
     }
@@ -148,7 +148,7 @@ TEST_F(TableSourceTest, AWatcherMayReplaceTheTable) {
         if (key == "a")
             source->replace({{"b", 9}});
     });
-    source->replace({{"a", 7}, {"b", 2}, {"c", 3}}); // changes a; then a and c go and b changes
+    source->replace({{"a", 7}, {"b", 2}, {"c", 3}}); // the watcher removes a and c, changes b
     EXPECT_EQ((Keys{"a", "a", "b", "c"}), told);
     EXPECT_EQ(OptionValue(9), source->get("b"));
 }
@@ -156,14 +156,14 @@ TEST_F(TableSourceTest, AWatcherMayReplaceTheTable) {
 TEST_F(TableSourceTest, AReplacedWatcherIsDestroyedWithoutALock) {
     struct Reader {
         TableSource* source;
-        ~Reader() { source->setWatcher({}); } // would wait for ever for a lock that is held
+        ~Reader() { source->setWatcher({}); } // would deadlock if a lock were held
     };
     auto reader = std::make_shared<Reader>(Reader{source.get()});
     source->setWatcher([reader](const std::string&) {});
     reader.reset();
     record();
     source->replace({});
-    EXPECT_EQ(Keys{}, told); // silenced by the end of the one before
+    EXPECT_EQ(Keys{}, told); // the destructor of the old watcher removed the new one
 }
 
 TEST_F(TableSourceTest, TheTableOfBeforeStaysWithWhoHoldsIt) {
@@ -213,7 +213,7 @@ TEST_F(TableSourceTest, HasAndGetOfOneLookupAgreeBehindASourceOfOthers) {
     configuration->addSource("other", "", 1, true, other).get();
     int asked = 0;
     other->onHas =
-        [&](const std::string&) { // asked again for the value, after the table's first has
+        [&](const std::string&) { // the second query is for the value, after the table's has
             if (++asked == 2)
                 source->replace({});
         };
@@ -288,7 +288,7 @@ TEST_F(TableSourceTest, AConfigurationThatLosesItsLastOwnerInAWatcherGoesAfterIt
     mortal->addSource("table", "", 5, true, source).get();
     const Watched a = watch(*mortal, "a");
 
-    // Subscribed after the source was added, so this runs while the source's watcher does.
+    // Subscribed after the source was added, so this runs while the source's watcher runs.
     class Releaser : public ValueList {
     public:
         explicit Releaser(std::shared_ptr<ConfigurationImpl>& newOwner) : owner(newOwner) {}

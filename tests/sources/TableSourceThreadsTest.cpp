@@ -1,4 +1,4 @@
-/// Tables that are replaced while everything else happens. The thread sanitizer looks on.
+/// Tables that are replaced during concurrent operations, also run under the thread sanitizer.
 #include "configuration/ScriptedSource.hpp"
 #include "sources/Shown.hpp"
 #include "sources/Watching.hpp"
@@ -25,7 +25,7 @@ using connector::sources::TableSource;
 
 constexpr int rounds = 3000;
 
-/// A thread that does something over and over until it is destroyed.
+/// A thread that repeats an action until it is destroyed.
 class Repeating {
 public:
     template <typename Action>
@@ -51,7 +51,7 @@ protected:
     void SetUp() override {
         configuration->addSource("table", "", 5, true, source).get();
         configuration->addInMemorySource("behind", "", 9, true, {{"a", -1}}).get();
-        if (GetParam()) // then every source is asked, one by one
+        if (GetParam()) // then every source is queried in turn
             configuration->addSource("other", "", 1, true, other).get();
     }
 

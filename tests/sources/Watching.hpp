@@ -1,4 +1,4 @@
-/// A stream of a configuration, as a list.
+/// Collects the values of a configuration's stream in a list.
 #pragma once
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -14,7 +14,7 @@
 
 namespace test {
 
-/// Remembers every value. May be told and asked by several threads at once.
+/// Records every value. All functions may be called from several threads concurrently.
 class ValueList
     : public connector::reactive_streams::Subscriber<connector::configuration::OptionValue> {
 public:
@@ -37,7 +37,7 @@ public:
         return values;
     }
 
-    /// Waits until the last value is this one, at most half a minute.
+    /// Waits, at most half a minute, until the last value is this one.
     /// @return whether it is
     bool waitFor(const OptionValue& value) {
         std::unique_lock<std::mutex> lock(mutex);
@@ -51,7 +51,7 @@ private:
     std::vector<OptionValue> values;
 };
 
-/// A watched option; the stream lives as long as this does.
+/// A watched option; its stream exists until this object is destroyed.
 struct Watched {
     std::shared_ptr<ValueList> values;
     std::shared_ptr<void> stream;

@@ -1,5 +1,5 @@
-/// The library's publisher keeps the rules, but for those of docs/reactive-streams.md; and wrong
-/// ones are found.
+/// The library's publisher follows the rules except those listed in docs/reactive-streams.md; the
+/// kit detects incorrect publishers.
 #include <connector/async/CachedValuePublisher.hpp>
 #include <connector/testing/PublisherConformance.hpp>
 
@@ -29,7 +29,7 @@ PublisherFactory<int> cachedValuePublishers() {
     return factory;
 }
 
-/// A publisher that a test can break in one point. Right otherwise, but for one thread only.
+/// A publisher that a test can break in one respect. Otherwise correct, but for one thread only.
 class Breakable : public PublisherAPI<int> {
 public:
     struct Breaks {
@@ -60,7 +60,7 @@ public:
         if (state->breaks.order)
             state->subscriber->onNext(0);
         subscription = std::make_shared<Link>(state);
-        const auto kept = state->subscriber; // what it does may cancel
+        const auto kept = state->subscriber; // it may cancel
         kept->onSubscribe(subscription);
     }
 

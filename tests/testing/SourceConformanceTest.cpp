@@ -1,4 +1,4 @@
-/// The sources of the library keep the rules that it asks of others.
+/// The sources of the library follow the rules for all sources.
 #include "support/TemporaryDirectory.hpp"
 
 #include <connector/configuration/sources/InMemorySource.hpp>

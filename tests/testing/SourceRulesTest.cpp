@@ -1,4 +1,4 @@
-/// The kit finds mistakes: each of these sources breaks a rule, and that rule says so.
+/// The kit detects mistakes: each of these sources breaks a rule, and that rule reports it.
 #include <connector/testing/SourceRules.hpp>
 
 #include <gtest/gtest.h>
@@ -18,8 +18,8 @@ using connector::configuration::OptionValue;
 using connector::testing::SourceFactory;
 using connector::testing::Verdict;
 
-/// A writable source that is right in every respect: it has a lock, calls a copy of the watcher
-/// without it, and tells after the fact. The wrong ones differ from it in one point each.
+/// A correct writable source: it has a lock, calls a copy of the watcher without holding the lock,
+/// and only after the change. Each incorrect source differs from it in one respect.
 class RightSource : public ConfigurationSource {
 public:
     explicit RightSource(SourceFactory::Table table) : values(table.begin(), table.end()) {}
@@ -96,7 +96,7 @@ SourceFactory factoryOf(bool writable = true, bool changes = true) {
 struct HasOnlyPrefixes : RightSource {
     using RightSource::RightSource;
     bool has(const std::string& key) override {
-        const auto entry = values.lower_bound(key); // also true for the beginning of a key
+        const auto entry = values.lower_bound(key); // also finds a prefix of a key
         return entry != values.end() && entry->first.compare(0, key.size(), key) == 0;
     }
 };
@@ -200,7 +200,7 @@ struct TellsTwiceWithOneCopy : RightSource {
     using RightSource::RightSource;
     void change(const std::string& key, const std::optional<OptionValue>& value) override {
         store(key, value);
-        const Watcher copy = watcher; // the second call should ask again
+        const Watcher copy = watcher; // the second call should copy it again
         if (copy) {
             copy(key);
             copy(key);
@@ -218,8 +218,8 @@ struct SwallowsExceptions : RightSource {
     }
 };
 
-/// Has a lock of its own, and loses an option just between has and get: every second time, since a
-/// lookup asks has twice.
+/// Has its own lock, and loses an option between has and get: after every second has, because a
+/// lookup calls has twice.
 struct SwapsBetweenHasAndGet : RightSource {
     using RightSource::RightSource;
     bool has(const std::string& key) override {
@@ -235,7 +235,7 @@ struct CallsWhoIsGone : RightSource {
     using RightSource::RightSource;
     void change(const std::string& key, const std::optional<OptionValue>& value) override {
         store(key, value);
-        watcher(key); // without asking whether there is one
+        watcher(key); // without checking that there is one
     }
 };
 

@@ -1,4 +1,4 @@
-/// What has to be told when one table takes the place of another.
+/// The changes to report when a table is replaced.
 #pragma once
 
 #include <connector/sources/TableChange.hpp>

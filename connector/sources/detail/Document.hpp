@@ -1,4 +1,4 @@
-/// A document of any format, before it becomes options.
+/// A document of any format, before it is converted to options.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>
@@ -15,10 +15,10 @@
 
 namespace connector::sources::detail {
 
-/// Where something stands in a file. Lines and columns count from 1, columns in bytes. A byte order
-/// mark at the start of the file has no column.
+/// A position in a file. Lines and columns count from 1, columns in bytes. A byte order mark at the
+/// start of the file has no column.
 struct Place {
-    std::uint32_t line = 0; ///< 0: there is no place
+    std::uint32_t line = 0; ///< 0: there is no position
     std::uint32_t column = 0;
 
     friend bool operator<(const Place& left, const Place& right) {
@@ -26,7 +26,7 @@ struct Place {
     }
 };
 
-/// What is wrong with a document, and where.
+/// The error in a document, with its position.
 class DocumentError : public std::runtime_error {
 public:
     DocumentError(Place newPlace, const std::string& text) : runtime_error(text), where(newPlace) {}
@@ -46,7 +46,7 @@ struct Member {
     const Node* value;
 };
 
-/// A value of a document. It may stand in several places: an alias refers to the same node.
+/// A value of a document. It may occur several times: an alias refers to the same node.
 struct Node {
     struct Null {};
     using Elements = std::vector<const Node*>;
@@ -59,14 +59,14 @@ struct Node {
     std::variant<Null, configuration::OptionValue, Elements, Members> content;
 };
 
-/// Owns all nodes, so that none owns another: however deep a document is, its end takes no stack.
+/// Owns all nodes, so that no node owns another: destroying a deep document does not recurse.
 struct Document {
     std::deque<Node> nodes;
     const Node* top = nullptr; ///< null: the document is empty
 };
 
-/// What a document may have. A file that exceeds one of them is refused before it costs more than
-/// the limit does.
+/// Limits of a document. A file that exceeds one of them is rejected before it uses more memory or
+/// stack than the limit allows.
 inline constexpr std::uint32_t greatestDepth = 64;     ///< the top object is 1
 inline constexpr std::uint32_t mostValues = 1'000'000; ///< see Node::values
 inline constexpr std::size_t largestFile = 64u << 20;  ///< bytes

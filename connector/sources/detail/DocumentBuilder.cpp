@@ -60,7 +60,7 @@ void DocumentBuilder::begin(Place place, bool isObject) {
     frames.push_back({place, isObject, 0, 0, {}, {}, {}, {}});
 }
 
-/// An alias can bring more depth and more values than were seen when its node was made.
+/// An alias can add more depth and more values than were counted when its node was created.
 void DocumentBuilder::attach(const Node* node, Place place) {
     if (frames.empty()) {
         document.top = node;

@@ -1,4 +1,4 @@
-/// Makes a document of what a reader finds, in the order of the file.
+/// Builds a document from the values that a reader finds, in the order of the file.
 #pragma once
 
 #include <connector/sources/detail/Document.hpp>
@@ -8,12 +8,12 @@
 
 namespace connector::sources::detail {
 
-/// Counts depth and values on the way, and refuses what exceeds a limit where it stands.
+/// Counts depth and values, and reports the position of the value that exceeds a limit.
 class DocumentBuilder {
 public:
-    /// What is open and not yet closed.
+    /// An object or array that is not yet closed.
     struct Frame {
-        /// Counts values and height anew, after the members were changed.
+        /// Counts values and height again after the members were changed.
         void measureMembers();
 
         Place place;
@@ -38,17 +38,17 @@ public:
     /// @return its node
     const Node* end();
 
-    /// @return a new node that stands nowhere yet
+    /// @return a new node that is not yet part of the document
     const Node* detached(configuration::OptionValue value, Place place);
     const Node* detachedNull(Place place);
 
-    /// Uses a node that exists, once more.
+    /// Adds an existing node once more.
     void alias(const Node* node, Place place) { attach(node, place); }
 
     /// @return the innermost open object or array; null when there is none
     Frame* innermost() { return frames.empty() ? nullptr : &frames.back(); }
 
-    /// @return the document; the builder is used up
+    /// @return the document; the builder must not be used afterwards
     Document take() { return std::move(document); }
 
 private:

@@ -1,4 +1,4 @@
-/// From a file to options.
+/// Reads a file and converts it to options.
 #pragma once
 
 #include <connector/sources/TableChange.hpp>
@@ -20,7 +20,7 @@ FileText readText(const FileState& state);
 /// @throws FileError
 FileOptions readOptions(const FileState& state);
 
-/// @return whether there is something at the path, be it readable or not
+/// @return whether the path exists, readable or not
 bool exists(const std::filesystem::path& path);
 
 } // namespace connector::sources::detail

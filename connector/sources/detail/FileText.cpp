@@ -57,7 +57,7 @@ std::optional<FileStamp> stampOf(const std::filesystem::path& path) {
 }
 
 FileText readFile(const std::filesystem::path& path, std::size_t largest) {
-    // The system would take what stands before a zero byte for the name of a file.
+    // The system would use the part before a zero byte as the name of the file.
     if (path.native().find('\0') != std::string::npos)
         throw std::system_error(ENOENT, std::generic_category());
     const Descriptor file(path);

@@ -10,7 +10,7 @@
 
 namespace connector::sources::detail {
 
-/// What tells one state of a file from another, as far as the file system knows.
+/// Distinguishes states of a file, as far as the file system records them.
 struct FileStamp {
     std::uint64_t device = 0;
     std::uint64_t number = 0;
@@ -27,19 +27,19 @@ struct FileStamp {
 
 struct FileText {
     std::string bytes;
-    FileStamp stamp; ///< of before it was read
+    FileStamp stamp; ///< taken before the file was read
 
-    /// @return a number that hardly ever is that of another text
+    /// @return a number that is very unlikely to be that of another text
     std::size_t hash() const { return std::hash<std::string>()(bytes); }
 };
 
-/// @return nothing when there is no such file
+/// @return nothing if there is no such file
 std::optional<FileStamp> stampOf(const std::filesystem::path& path);
 
-/// Reads a file at once.
+/// Reads a whole file.
 /// @param largest  in bytes
-/// @throws std::system_error when it cannot be opened or read; the code says why
-/// @throws std::length_error when it is larger
+/// @throws std::system_error if it cannot be opened or read; the code is the reason
+/// @throws std::length_error if it is larger
 FileText readFile(const std::filesystem::path& path, std::size_t largest);
 
 } // namespace connector::sources::detail

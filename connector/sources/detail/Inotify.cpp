@@ -25,7 +25,7 @@ std::uint32_t maskOf(Inotify::Interest interest) {
     return itself;
 }
 
-/// @return whether the path has just gone or cannot be entered: then what is above it is watched
+/// @return whether the path was just removed or is not accessible; its parent is watched then
 bool isAbsence(int error) {
     return error == ENOENT || error == ENOTDIR || error == EACCES || error == ELOOP ||
            error == ENAMETOOLONG;

@@ -1,4 +1,4 @@
-/// What the system tells of changes in directories.
+/// Notifications of the system about changes of files and directories.
 #pragma once
 
 #include <cstdint>
@@ -11,13 +11,13 @@ namespace connector::sources::detail {
 /// A queue of changes. Used by one thread at a time.
 class Inotify {
 public:
-    /// What happened to something that is watched.
+    /// A change of a watched file or directory.
     struct Event {
-        int watch;        ///< what add answered; -1: some events were lost
-        std::string name; ///< of the entry of a directory; empty: what is watched itself
+        int watch;        ///< the result of add; -1: some events were lost
+        std::string name; ///< of the directory's entry; empty: the watched file itself
     };
 
-    /// What of a watched thing matters.
+    /// Which changes to report.
     enum class Interest : std::uint8_t {
         Itself,  ///< a directory that is moved or removed
         Entries, ///< a directory and the entries in it
@@ -30,18 +30,18 @@ public:
     Inotify(const Inotify&) = delete;
     Inotify& operator=(const Inotify&) = delete;
 
-    /// Watches something, or adds an interest to what is watched already.
-    /// @return its number; -1 when there is nothing at the path that can be watched so
-    /// @throws std::system_error when the system has no more to give
+    /// Watches a path, or adds an interest to an existing watch.
+    /// @return the number of the watch; -1 if the path cannot be watched with this interest
+    /// @throws std::system_error when the system's limit of watches is reached
     int add(const std::filesystem::path& path, Interest interest);
 
-    /// Ends a watch; one that has ended already is ignored.
+    /// Removes a watch; a watch that was removed before is ignored.
     void remove(int watch);
 
-    /// @return what happened since the last call; does not wait
+    /// @return the changes since the last call; does not block
     std::vector<Event> read();
 
-    /// @return a descriptor that is readable when something happened
+    /// @return a descriptor that is readable when changes are pending
     int descriptor() const { return queue; }
 
 private:

@@ -15,8 +15,8 @@ namespace connector::sources::detail {
 
 namespace {
 
-/// How far the parser has read. Its events do not say where they come from, so it reads through
-/// this.
+/// Tracks how far the parser has read. The parser's events have no positions, so it reads through
+/// this class.
 class Cursor {
 public:
     explicit Cursor(std::string_view newText) : text(newText) {}
@@ -33,7 +33,7 @@ public:
     /// @return the place of any byte
     Place placeOf(std::size_t wanted) const { return detail::placeOf(text, wanted); }
 
-    /// @return where the text begins whose closing quotation mark was read last
+    /// @return the start of the string whose closing quotation mark was read last
     Place startOfString() const {
         std::size_t quote = offset - 1;
         do
@@ -42,10 +42,10 @@ public:
         return nearPlaceOf(quote);
     }
 
-    /// @return where a token begins of which the last bytes were read
+    /// @return the start of the token that was read last
     Place startOf(std::size_t length) const { return nearPlaceOf(offset - length); }
 
-    /// @return where the number begins that was read, with or without the byte behind it
+    /// @return the start of the number that was read, with or without the byte after it
     Place startOfNumber() const {
         const std::string_view read = text.substr(0, offset);
         const std::size_t last = read.find_last_of("0123456789");
@@ -60,7 +60,7 @@ private:
         return backslashes % 2 == 1;
     }
 
-    /// @param wanted  in the line that is read, or in the one before: no token goes further back
+    /// @param wanted  in the current or the previous line: no token begins earlier
     Place nearPlaceOf(std::size_t wanted) const {
         const bool isBefore = wanted < thisLine;
         const std::size_t start = isBefore ? previousLine : thisLine;
@@ -70,11 +70,11 @@ private:
     const std::string_view text;
     std::size_t offset = 0; // of the next byte
     std::uint32_t line = 1;
-    std::size_t thisLine = 0; // where the lines begin
+    std::size_t thisLine = 0; // the starts of both lines
     std::size_t previousLine = 0;
 };
 
-/// The cursor as the parser wants it: all copies advance together. The end has none.
+/// The cursor as an input iterator: all copies advance together. The end iterator has no cursor.
 class CursorIterator {
 public:
     using iterator_category = std::input_iterator_tag;
@@ -100,7 +100,7 @@ private:
     Cursor* cursor;
 };
 
-/// @return what the parser says, without the place that it counts and without pieces of the text
+/// @return the parser's message, without its position and without excerpts of the text
 std::string reasonOf(const std::string& message) {
     const std::size_t start = message.find(" - ");
     if (start == std::string::npos)
@@ -125,7 +125,7 @@ public:
     bool number_unsigned(number_unsigned_t value) override {
         return integer(std::to_string(value));
     }
-    /// Integers that do not fit into 64 bits come here, too.
+    /// Also called for integers that do not fit into 64 bits.
     bool number_float(number_float_t value, const string_t& text) override {
         if (text.find_first_of(".eE") == std::string::npos)
             return integer(text);
@@ -154,7 +154,7 @@ public:
     }
     bool end_array() override { return end(); }
 
-    /// @param position  of the last byte of what is wrong, from 1
+    /// @param position  of the last byte of the invalid token, from 1
     bool parse_error(std::size_t position, const std::string&,
                      const nlohmann::detail::exception& error) override {
         if (error.id == 406)

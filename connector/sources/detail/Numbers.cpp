@@ -26,7 +26,7 @@ std::optional<OptionValue> smallest(std::int64_t number) {
     if (number >= 0 && number <= std::numeric_limits<unsigned>::max())
         return OptionValue(static_cast<unsigned>(number));
     const double nearest = static_cast<double>(number);
-    // The greatest numbers round to 2^63, which is none of them.
+    // The greatest numbers round to 2^63, which is out of range.
     if (nearest >= 9223372036854775808.0 || static_cast<std::int64_t>(nearest) != number)
         return std::nullopt;
     return OptionValue(nearest);
@@ -39,7 +39,7 @@ std::string digitsOf(double whole) {
     return std::string(digits, end.ptr);
 }
 
-/// A number that from_chars calls out of range is too small to tell from zero, or too large.
+/// Classifies a number that from_chars reports as out of range: too close to zero, or too large.
 /// @param text  not zero
 /// @return whether it is less than 1
 bool isTiny(const std::string& text) {
@@ -47,7 +47,7 @@ bool isTiny(const std::string& text) {
     const std::string mantissa = text.substr(0, mark);
     const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
     const std::size_t first = mantissa.find_first_of("123456789");
-    // How many places the first digit stands before the point; not positive: behind it.
+    // The number of digits from the first one to the point; not positive: it is after the point.
     const auto places = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
     if (mark == std::string::npos)
         return places <= 0;

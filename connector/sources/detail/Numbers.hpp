@@ -1,4 +1,4 @@
-/// Numbers of documents as values of options.
+/// Converts the numbers of documents to option values.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>
@@ -8,14 +8,13 @@
 
 namespace connector::sources::detail {
 
-/// @param text  an optional sign and digits, as many as there may be
-/// @return an int if it fits, else an unsigned int, else a double that is exact; nothing if there
-///        is none
+/// @param text  an optional sign and any number of digits
+/// @return an int if it fits, else an unsigned int, else an exact double; nothing if there is none
 std::optional<configuration::OptionValue> decimalInteger(const std::string& text);
 
 /// @param digits  of hexadecimal or octal numbers, without prefix
 /// @param bitsPerDigit  4 or 3
-/// @return as decimalInteger
+/// @return the same types as decimalInteger
 std::optional<configuration::OptionValue> binaryInteger(const std::string& digits,
                                                         unsigned bitsPerDigit);
 

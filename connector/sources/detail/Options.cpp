@@ -12,7 +12,7 @@ namespace {
 
 using configuration::OptionValue;
 
-/// Walks a document. The name of where it is grows and shrinks with the walk.
+/// Walks a document and keeps track of the name of the current value.
 class Walk {
 public:
     virtual ~Walk() = default;
@@ -29,7 +29,7 @@ public:
     }
 
 protected:
-    /// @return whether to go on into the value
+    /// @return whether to descend into the value
     virtual bool visit(const Node& node, Place place) = 0;
 
     std::string name;
@@ -55,7 +55,7 @@ private:
     }
 };
 
-/// Looks for the first place of a name.
+/// Looks for the first occurrence of a name.
 class Search : public Walk {
 public:
     explicit Search(std::string newWanted) : wanted(std::move(newWanted)) {}
@@ -102,7 +102,7 @@ private:
             refuse(place);
     }
 
-    /// The walk need not have the order of the file: tables of TOML can be continued further down.
+    /// The walk may differ from the order of the file: a TOML table can be continued further down.
     [[noreturn]] void refuse(Place place) const {
         Search search(name);
         search.object(top, true);

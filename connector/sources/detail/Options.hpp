@@ -1,4 +1,4 @@
-/// How documents become options.
+/// Converts documents to options.
 #pragma once
 
 #include <connector/sources/TableChange.hpp>
@@ -6,8 +6,8 @@
 
 namespace connector::sources::detail {
 
-/// The rules are those of docs/sources.md, the same for all formats.
-/// @throws DocumentError where a key comes a second time, and when the top is no object
+/// The rules are in docs/sources.md. They are the same for all formats.
+/// @throws DocumentError at the second occurrence of a key, and if the top is not an object
 Table optionsOf(const Document& document);
 
 } // namespace connector::sources::detail

@@ -7,7 +7,7 @@
 namespace connector::sources::detail {
 
 Table readProperties(const std::string& bytes) {
-    configuration::PropertyFileSource source(u"/dev/null"); // made empty, to be filled from memory
+    configuration::PropertyFileSource source(u"/dev/null"); // empty, to be filled from memory
     Table table;
     source.setWatcher([&](const std::string& key) { table[key] = source.get(key); });
     std::istringstream stream(bytes);

@@ -14,8 +14,8 @@ bool isBetween(unsigned byte, unsigned least, unsigned greatest) {
     return byte >= least && byte <= greatest;
 }
 
-/// @return how many bytes the character at the offset has; 0 if it is none: overlong forms,
-///         surrogates and what lies above U+10FFFF are not (table 3-7 of the Unicode standard)
+/// @return the length in bytes of the character at the offset; 0 if it is invalid: overlong forms,
+///         surrogates and anything above U+10FFFF (table 3-7 of the Unicode standard)
 std::size_t characterLength(std::string_view text, std::size_t offset) {
     const unsigned first = byteAt(text, offset);
     const unsigned second = byteAt(text, offset + 1);

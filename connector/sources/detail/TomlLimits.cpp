@@ -116,7 +116,7 @@ private:
             throw DocumentError(placeOf(text, offset), "More than 1000000 values");
     }
 
-    /// Three times the limit: a header, the keys in it and what they hold can have it each.
+    /// Three times the limit: a header, a key below it and the value can each reach the limit.
     void checkDepth() const {
         if (headerDots + depth + keyDots + dots > 3 * greatestDepth)
             throw DocumentError(placeOf(text, offset), "Nested deeper than 64");
@@ -132,7 +132,7 @@ private:
                 return;
             }
             if (!isMultiline && text[offset] == '\n')
-                return; // not closed: the parser says so
+                return; // not closed: the parser reports it
             if (text[offset] == '\\' && quote == '"')
                 ++offset;
         }

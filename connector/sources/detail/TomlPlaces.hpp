@@ -1,4 +1,4 @@
-/// Places in a TOML file.
+/// Positions in a TOML file.
 #pragma once
 
 #include <connector/sources/detail/Document.hpp>
@@ -10,8 +10,8 @@
 
 namespace connector::sources::detail {
 
-/// Turns columns that count characters, as the parser gives them, into columns that count bytes.
-/// Places of one line that are asked for in their order cost one walk over the line together.
+/// Converts the parser's columns, which count characters, to columns that count bytes. Queries for
+/// positions of one line in ascending order walk over the line only once in total.
 class TomlPlaces {
 public:
     /// @param newText  UTF-8
@@ -19,13 +19,13 @@ public:
 
     Place of(std::uint32_t line, std::uint32_t character);
 
-    /// @return the text from a place on
+    /// @return the text from a position on
     std::string_view from(Place place) const;
 
 private:
     const std::string_view text;
-    std::vector<std::size_t> lines; // where they begin
-    std::uint32_t lastLine = 0;     // the place that was asked for last
+    std::vector<std::size_t> lines; // their starts
+    std::uint32_t lastLine = 0;     // of the last query
     std::uint32_t lastCharacter = 1;
     std::size_t lastOffset = 0; // in the text
 };

@@ -18,11 +18,11 @@ namespace connector::sources::detail {
 
 namespace {
 
-/// @return a date, a time or both as RFC 3339 has them
-/// @param text  begins with it
+/// @return a date, a time or both in the notation of RFC 3339
+/// @param text  begins with the date or time
 std::string dateText(std::string_view text) {
     std::size_t length = std::min(text.find_first_not_of("0123456789-:.+TtZz"), text.size());
-    constexpr std::size_t date = 10; // the length of one; a blank may stand between it and the time
+    constexpr std::size_t date = 10; // its length; a blank may separate it from the time
     const bool isSplit = length == date && text.substr(date, 1) == " " &&
                          text.substr(date + 1, 1).find_first_of("0123456789") == 0;
     if (isSplit)
@@ -35,7 +35,7 @@ std::string dateText(std::string_view text) {
     return result;
 }
 
-/// Makes a document of the parser's tables.
+/// Builds a document from the parser's tables.
 class Conversion {
 public:
     explicit Conversion(std::string_view text) : places(text) {}
@@ -110,7 +110,7 @@ private:
     }
 
     configuration::OptionValue number(double fraction, Place place) const {
-        // Infinity is written as a word, or is what the parser makes of too many digits.
+        // The parser yields infinity for the word, and for a number with too many digits.
         if (std::isinf(fraction) && places.from(place).find_first_of("0123456789") <= 1)
             throw DocumentError(place, "The number is beyond the range of double");
         return fraction;
@@ -120,7 +120,7 @@ private:
     DocumentBuilder builder;
 };
 
-/// @return where the key begins whose value or whose end stands at a place
+/// @return the start of the key whose value or whose end is at a position
 Place keyBefore(std::string_view text, Place place) {
     const std::size_t end = offsetOf(text, place);
     std::size_t key = end + 1 - place.column;
@@ -141,7 +141,7 @@ Place keyBefore(std::string_view text, Place place) {
     return placeOf(text, key);
 }
 
-/// @return where the word begins that ends at a place
+/// @return the start of the word that ends at a position
 Place wordBefore(std::string_view text, Place place) {
     const std::size_t last = offsetOf(text, place) - 1;
     const std::size_t before = text.find_last_of(" \t\r\n=,[{", last);
@@ -152,7 +152,7 @@ bool contains(const std::string& text, const char* part) {
     return text.find(part) != std::string::npos;
 }
 
-/// Says what the parser found, in words of our own where docs/sources.md promises a place.
+/// Reports the parser's error; with our own text and position where docs/sources.md defines them.
 [[noreturn]] void refuse(std::string_view text, std::string reason, Place place) {
     if (contains(reason, "cannot redefine") || contains(reason, "cannot insert"))
         throw DocumentError(keyBefore(text, place), "The key stands here a second time");
@@ -160,7 +160,7 @@ bool contains(const std::string& text, const char* part) {
         throw DocumentError(wordBefore(text, place), "The number is beyond the range of double");
     if (contains(reason, "not representable in 64 bits"))
         throw DocumentError(wordBefore(text, place), "The integer has more than 64 bits");
-    reason = reason.substr(0, reason.find(", saw '")); // could be anything, line breaks included
+    reason = reason.substr(0, reason.find(", saw '")); // arbitrary text, possibly with line breaks
     throw DocumentError(place, "Invalid TOML: " + reason);
 }
 

@@ -27,7 +27,7 @@ const OptionValue* scalarOf(const Node* node) {
     return std::get_if<OptionValue>(&node->content);
 }
 
-/// A number as T. Every int and unsigned int is exact as a double.
+/// Converts a number to T. A double represents every int and unsigned int exactly.
 template <typename T>
 struct NumberAs : boost::static_visitor<T> {
     T operator()(int number) const { return static_cast<T>(number); }
@@ -35,7 +35,7 @@ struct NumberAs : boost::static_visitor<T> {
     T operator()(double number) const { return static_cast<T>(number); }
     template <typename Other>
     T operator()(const Other&) const {
-        return T(); // no number: not asked
+        return T(); // not a number: never passed
     }
 };
 

@@ -1,4 +1,4 @@
-/// Arrays that are one option.
+/// Arrays that become a single option.
 #pragma once
 
 #include <connector/sources/detail/Document.hpp>
@@ -7,8 +7,8 @@
 
 namespace connector::sources::detail {
 
-/// @return the vector that an array of scalars of one kind is; nothing for every other node, the
-///         empty array included
+/// @return the vector for an array of scalars of one kind; nothing for every other node, including
+///         the empty array
 std::optional<configuration::OptionValue> vectorOf(const Node& node);
 
 } // namespace connector::sources::detail

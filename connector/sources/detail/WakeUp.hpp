@@ -9,7 +9,7 @@
 
 namespace connector::sources::detail {
 
-/// May be rung from any thread; stays readable then.
+/// ring may be called from any thread; the descriptor stays readable afterwards.
 class WakeUp {
 public:
     /// @throws std::system_error
@@ -23,7 +23,7 @@ public:
 
     void ring() const {
         const std::uint64_t once = 1;
-        // It fails only when the bell has rung 2^64 times.
+        // Fails only when the counter overflows 64 bits.
         [[maybe_unused]] const ssize_t written = ::write(bell, &once, sizeof once);
     }
 

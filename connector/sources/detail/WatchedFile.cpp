@@ -17,16 +17,16 @@ std::optional<FileState::Origin> originOf(FileState& state) {
     return state.origin;
 }
 
-/// The clock of a file system can be slow: what was changed so short a time ago can have been
-/// changed twice without another time of change.
+/// The timestamps of a file system can be coarse: a file that was changed this recently can have
+/// been changed a second time with the same timestamp.
 bool isDoubtful(const FileStamp& stamp) {
-    constexpr std::int64_t slowest = 2'500'000'000; // nanoseconds; some count in two seconds
+    constexpr std::int64_t slowest = 2'500'000'000; // nanoseconds; some tick every two seconds
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::nanoseconds(now).count() - std::max(stamp.changed, stamp.modified) <
            slowest;
 }
 
-/// @return whether the file is another one now, or has another text, than the one that was read
+/// @return whether the file or its text differs from the one that was read
 bool isAnother(const std::optional<FileState::Origin>& origin, const FileState& state) {
     const std::optional<FileStamp> now = stampOf(state.file);
     if (!now || !origin)
@@ -36,7 +36,7 @@ bool isAnother(const std::optional<FileState::Origin>& origin, const FileState& 
     try {
         return readText(state).hash() != origin->hash;
     } catch (const FileError&) {
-        return true; // the reload says what is wrong
+        return true; // the reload reports the error
     }
 }
 

@@ -13,32 +13,32 @@ namespace connector::sources::detail {
 
 struct FileState;
 
-/// Knows when its source is to be reloaded. Used by one thread at a time.
+/// Decides when its source is reloaded. Used by one thread at a time.
 class WatchedFile {
 public:
     using Clock = std::chrono::steady_clock;
 
     WatchedFile(std::shared_ptr<FileSource> newSource, FileState& newState);
 
-    /// Follows the path from now on, and notes whether the file is another one than the source has
-    /// read.
+    /// Starts to watch the path, and schedules a reload if the file differs from the one that the
+    /// source has read.
     /// @throws std::system_error
     void begin(Inotify& inotify, std::chrono::milliseconds settle);
 
-    /// Notes a change, if it concerns the file.
+    /// Schedules a reload if the change concerns the file.
     void note(const Inotify::Event& event, std::chrono::milliseconds settle);
 
-    /// @return when a reload is due; nothing: nothing has happened
+    /// @return when a reload is due; nothing if no change is pending
     std::optional<Clock::time_point> due() const { return dueAt; }
 
-    /// Follows the path anew before the reload. Nothing is due afterwards.
+    /// Watches the path again before the reload. No reload is due afterwards.
     /// @throws std::system_error
     void settle(Inotify& inotify);
 
-    /// @return whether there is no file now
+    /// @return whether the file does not exist now
     bool isGone() const;
 
-    /// @return whether the disappearance of the file is news
+    /// @return whether the disappearance of the file was not reported yet
     bool isNewsThatItIsGone();
 
     const std::shared_ptr<FileSource>& source() const { return file; }

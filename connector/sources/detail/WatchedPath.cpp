@@ -9,7 +9,7 @@ namespace connector::sources::detail {
 
 namespace fs = std::filesystem;
 
-/// One walk, from the root to the file.
+/// A single walk from the root to the file.
 class WatchedPath::Walk {
 public:
     Walk(const fs::path& path, Inotify& newInotify) : inotify(newInotify), current("/") {
@@ -23,13 +23,13 @@ public:
     }
 
 private:
-    /// Puts the steps of a path before those that are left.
+    /// Inserts the steps of a path before the remaining ones.
     void insert(const fs::path& path) {
         const fs::path relative = path.relative_path();
         steps.insert(steps.begin(), relative.begin(), relative.end());
     }
 
-    /// @return whether the way goes on
+    /// @return whether the walk continues
     bool step() {
         const fs::path name = steps.front();
         steps.pop_front();
@@ -43,7 +43,7 @@ private:
         std::error_code error;
         const bool isLast = steps.empty();
         if (isLast || !fs::is_directory(fs::symlink_status(next, error))) {
-            // A link, the file, or nothing: look again once a change would be reported.
+            // A link, the file, or nothing: check again once changes are reported.
             watch(current, Inotify::Interest::Entries, name.string());
             if (fs::is_symlink(fs::symlink_status(next, error)))
                 return followLink(next);
@@ -59,7 +59,7 @@ private:
     }
 
     bool followLink(const fs::path& link) {
-        constexpr int mostLinks = 40; // as the system has it
+        constexpr int mostLinks = 40; // the limit of the system
         std::error_code error;
         const fs::path target = fs::read_symlink(link, error);
         if (error || ++links > mostLinks)

@@ -1,4 +1,4 @@
-/// Everything that decides what stands at a path.
+/// Watches everything that determines which file a path names.
 #pragma once
 
 #include <connector/sources/detail/Inotify.hpp>
@@ -9,29 +9,29 @@
 
 namespace connector::sources::detail {
 
-/// Watches the way to a file: the directories on it, for being moved; the directories that hold its
-/// symbolic links and the file, for changes of these entries; where the way ends early, the
-/// directory in which the next step is missing; and the file itself.
+/// Watches the directories on the path, for moves and removals; the entries of the symbolic links
+/// on the path and of the file, in their directories; if the path does not exist, the directory in
+/// which the next step is missing; and the file itself.
 class WatchedPath {
 public:
     /// @param newPath  absolute
     explicit WatchedPath(std::filesystem::path newPath) : path(std::move(newPath)) {}
 
-    /// Walks the way anew. What changes from then on is reported: a directory is watched before it
-    /// is looked into.
-    /// @throws std::system_error when the system has no more to give
+    /// Walks the path again. Every change from then on is reported, because a directory is watched
+    /// before its entries are read.
+    /// @throws std::system_error when the system's limit of watches is reached
     void follow(Inotify& inotify);
 
-    /// @return whether what happened can have changed what stands at the path
+    /// @return whether the event can have changed the file that the path names
     bool concerns(const Inotify::Event& event) const;
 
-    /// @return the numbers of what is watched
+    /// @return the numbers of the watches
     const std::vector<int>& watches() const { return numbers; }
 
 private:
     struct Entry {
         int watch;
-        std::string name; // empty: what is watched itself
+        std::string name; // empty: the watched file or directory itself
     };
 
     class Walk;

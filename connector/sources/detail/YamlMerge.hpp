@@ -7,14 +7,14 @@
 
 namespace connector::sources::detail {
 
-/// Puts the members of other mappings among those of one.
+/// Merges the members of other mappings into one mapping.
 class YamlMerge {
 public:
-    /// Takes the value of a merge key out of the members, and puts behind them those members of the
-    /// mappings in it whose keys are not there yet, those of the first mapping first.
-    /// @param merged  the index of the member whose value it is
-    /// @throws DocumentError when it is neither a mapping nor a list of mappings, and when a
-    ///         document merges more than there may be values
+    /// Removes the merge key from the members. Then appends those members of its mappings whose
+    /// keys are not present yet; the first mapping comes first.
+    /// @param merged  the index of the member with the merge key
+    /// @throws DocumentError if its value is neither a mapping nor a list of mappings, and if a
+    ///         document merges more members than the limit of values
     void resolve(Node::Members& members, std::size_t merged);
 
 private:

@@ -26,7 +26,7 @@ Place placeOf(const YAML::Mark& mark) {
     return {static_cast<std::uint32_t>(mark.line + 1), static_cast<std::uint32_t>(mark.column + 1)};
 }
 
-/// What a YAML document consists of, as the parser meets it.
+/// Handles the parser's events for a YAML document.
 class Events : public YAML::EventHandler {
 public:
     explicit Events(std::string_view newText) : text(newText) {}
@@ -96,8 +96,8 @@ public:
         end();
     }
 
-    /// The parser takes the end of the file for the quotation mark that is missing there.
-    /// @throws DocumentError when it was missing
+    /// The parser accepts the end of the file in place of a missing closing quotation mark.
+    /// @throws DocumentError if the mark is missing
     void checkLastQuotation() const {
         if (lastScalar.is_null())
             return;
@@ -114,13 +114,13 @@ private:
     struct Collection {
         YAML::anchor_t anchor;
         bool isMapping;
-        bool awaitsKey;                    // of a mapping: no value
-        std::optional<std::size_t> merged; // which of the members has the merge key
+        bool awaitsKey;                    // of a mapping, not a value
+        std::optional<std::size_t> merged; // the index of the member with the merge key
     };
     struct Anchored {
         const Node* node;
         bool isScalar;
-        std::string text; // of a scalar: what it is as a key
+        std::string text; // of a scalar: its text if it is used as a key
     };
 
     bool isKey() const {
@@ -160,7 +160,7 @@ private:
         setKey("<<", place);
     }
 
-    /// Notes a scalar that is a value.
+    /// Records a scalar that is a value.
     void keep(YAML::anchor_t anchor, const Node* node, const std::string& value) {
         if (anchor != 0)
             anchored[anchor] = {node, true, value};
@@ -196,7 +196,7 @@ private:
         afterValue();
     }
 
-    /// @return where a node's content begins, behind its anchor, its tag, comments and line breaks
+    /// @return the start of a node's content, after its anchor, tag, comments and line breaks
     std::size_t startOfContent(std::size_t position) const {
         while (position < text.size()) {
             position = text.find_first_not_of(" \t\r\n", position);
@@ -216,7 +216,7 @@ private:
         return position < text.size();
     }
 
-    /// Two marks in a row are one in the text.
+    /// Two consecutive quotation marks represent one in the text.
     bool isClosedSingle(std::size_t position) const {
         for (;;) {
             position = text.find('\'', position);
@@ -228,7 +228,7 @@ private:
         }
     }
 
-    /// The parser does not say how a null is written.
+    /// The parser does not report how a null is written.
     std::string nullWord(const YAML::Mark& mark) const {
         const auto position = static_cast<std::size_t>(mark.pos);
         if (mark.is_null() || position >= text.size())
@@ -243,13 +243,13 @@ private:
     const std::string_view text;
     DocumentBuilder builder;
     YamlMerge merge;
-    std::vector<Collection> collections; // that are open
+    std::vector<Collection> collections; // not yet closed
     std::unordered_map<YAML::anchor_t, Anchored> anchored;
     YAML::Mark lastScalar = YAML::Mark::null_mark();
     int documents = 0;
 };
 
-/// The parser lets control characters pass, a zero byte included.
+/// The parser accepts control characters, including zero bytes.
 void refuseControlCharacters(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const unsigned byte = static_cast<unsigned char>(text[i]);

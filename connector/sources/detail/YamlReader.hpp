@@ -8,7 +8,7 @@
 namespace connector::sources::detail {
 
 /// @param text  UTF-8, without byte order mark
-/// @return without a top when there is no document in it, or an empty one
+/// @return a document without a top if the text has no document, or an empty one
 /// @throws DocumentError
 Document readYaml(std::string_view text);
 

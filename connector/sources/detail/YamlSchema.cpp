@@ -21,7 +21,7 @@ bool isOneOf(std::string_view text, const Words& words) {
     return std::find(words.begin(), words.end(), text) != words.end();
 }
 
-/// @return whether there is at least one character, and all are among these
+/// @return whether the text is not empty and consists only of these characters
 bool consistsOf(std::string_view text, std::string_view characters) {
     return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
 }
@@ -76,7 +76,7 @@ bool isFraction(std::string_view text) {
                                 (behind.empty() || consistsOf(behind, decimalDigits));
 }
 
-/// @return an integer; nothing if the text is none
+/// @return an integer; nothing if the text is not an integer
 std::optional<OptionValue> integerOf(const std::string& text, Place place) {
     std::optional<OptionValue> value;
     if (isDecimalInteger(text))
@@ -92,7 +92,7 @@ std::optional<OptionValue> integerOf(const std::string& text, Place place) {
     return value;
 }
 
-/// @return a double; nothing if the text is none
+/// @return a double; nothing if the text is not a number
 std::optional<double> fractionOf(const std::string& text, Place place) {
     if (isOneOf(withoutSign(text), {".inf", ".Inf", ".INF"})) {
         const double infinity = std::numeric_limits<double>::infinity();

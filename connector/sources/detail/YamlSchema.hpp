@@ -1,4 +1,4 @@
-/// The core schema of YAML 1.2: what a scalar means.
+/// The core schema of YAML 1.2: the types and values of scalars.
 #pragma once
 
 #include <connector/sources/detail/Document.hpp>
@@ -9,7 +9,7 @@
 namespace connector::sources::detail {
 
 enum class YamlType {
-    Plain, ///< what it looks like
+    Plain, ///< determined by the text
     Text,
     Null,
     Bool,
@@ -19,12 +19,13 @@ enum class YamlType {
     Mapping,
 };
 
-/// @param tag  as the parser gives it: "?" for none on a plain scalar, "!" for none on a quoted one
-/// @return nothing for a tag that the core schema does not have
+/// @param tag  as the parser reports it: "?" for an untagged plain scalar, "!" for an untagged
+///        quoted one
+/// @return nothing for a tag that is not in the core schema
 std::optional<YamlType> yamlTypeOf(const std::string& tag);
 
 /// @return the value of a scalar; no value inside for null
-/// @throws DocumentError when the text is none of the type, and for numbers that no option can hold
+/// @throws DocumentError if the text is not of the type, or is a number that no option can hold
 std::optional<configuration::OptionValue> yamlScalar(const std::string& text, YamlType type,
                                                      Place place);
 
