@@ -23,7 +23,7 @@ bool ConfigurationImpl::doHas(Lock&, const std::string& key) {
     return detail::findSupplier(sources, key, lookup, localKeyBuffer).record != nullptr;
 }
 
-/// Taken out of a record before a log line is written: the log sink may change the registry.
+/// Copied from a record before a log line is written, because the log sink may change the registry.
 struct ConfigurationImpl::Question {
     std::shared_ptr<ConfigurationSource> source;
     std::string sourceName;
@@ -62,10 +62,11 @@ Option ConfigurationImpl::doGetOption(Lock&, const std::string& key) {
     return Option{key, question.sourceName, question.value()};
 }
 
-/// A lookup asks twice, first whether there is a value and then for the value, and sources of the
-/// application's can observe that. A source that changes its mind in between makes the second walk
-/// throw, with a text of its own. Where nobody can observe the second walk, it is left out, which
-/// halves the time: then the value stands in one of the library's own tables, no source of the
+/// A lookup calls a source twice: first to find out whether it has a value, then to get the value.
+/// The application's own sources can observe both calls. If a source changes its answer in between,
+/// the second walk throws with a text of its own. The second walk is skipped where no source can
+/// observe it, which halves the time: the value is in one of the library's own tables, none of the
+/// application's sources was called before it, and no log line is written.
 /// application's was asked on the way, and no log line is written.
 bool ConfigurationImpl::mayReadDirectly(const Supplier& supplier) const {
     return supplier.value != nullptr && !supplier.sourcesWereAsked &&

@@ -1,17 +1,17 @@
 /// The configuration: a registry of sources, the lookups that walk it, and the streams that follow
 /// options.
 ///
-/// The rules of precedence stand in registry/Precedence.hpp. ConfigurationImpl.cpp reads and writes
+/// The rules of precedence are in registry/Precedence.hpp. ConfigurationImpl.cpp reads and writes
 /// options, ConfigurationImplSources.cpp adds and removes sources, ConfigurationImplWatching.cpp
 /// follows options.
 ///
-/// Threads and locks. Every operation but addEnvironmentSource and getPtr takes `mutex`. Lock
-/// order: `mutex` first, then the mutex of a publisher or of a future's state, never the other way
-/// round while one is held. The mutex is recursive because a source calls its watcher from inside
-/// its set, which runs under the mutex, and the watcher takes it again.
+/// Threads and locks. Every operation except addEnvironmentSource and getPtr takes `mutex`. Lock
+/// order: `mutex` first, then the mutex of a publisher or of a future's state, never the reverse.
+/// The mutex is recursive because a source calls its watcher from inside its set, which runs under
+/// the mutex, and the watcher takes it again.
 ///
-/// Lifetime. A subscriber may release the last pointer to the configuration while set, addSource
-/// or removeSource notifies it: the object lives until the call is over.
+/// Lifetime. A subscriber may release the last pointer to the configuration while set, addSource or
+/// removeSource notifies it: the object lives until the call returns.
 #pragma once
 
 #include <connector/configuration/Configuration.hpp>
@@ -38,7 +38,7 @@ class LookupScope;
 struct Supplier;
 } // namespace detail
 
-/// To be owned by a std::shared_ptr. An object on the stack works, too, but then watchOption and
+/// Must be owned by a std::shared_ptr. An object on the stack works too, but then watchOption and
 /// getPtr throw std::bad_weak_ptr, and a source that outlives it must not call its watcher.
 class CONNECTOR_EXPORT ConfigurationImpl : public Configuration,
                                            public std::enable_shared_from_this<Configuration> {
@@ -58,7 +58,7 @@ public:
 
     Future<OptionValue> get(const std::string& key) override;
     Future<Option> getOption(const std::string& key) override;
-    using Configuration::set; // the ones for text
+    using Configuration::set; // the overloads for text
     Future<OptionValue> set(const std::string& key, OptionValue value) override;
     Future<OptionValue> set(const std::string& key, OptionValue value,
                             const std::string& source) override;
@@ -85,25 +85,26 @@ public:
     Future<bool> addSource(const std::string& name, const std::string& group, int order,
                            bool readOnly, std::shared_ptr<ConfigurationSource> source);
 
-    /// Asks every source about a key. The first answer with a value is the effective one.
+    /// Queries every source for a key. The first answer with a value is the effective one.
     /// @return an answer for each source, in the order of consultation, including those whose group
     ///         does not fit
     /// @throws what the sources throw
     std::vector<SourceAnswer> explain(const std::string& key);
 
     /// @return the options whose keys begin with the bytes of the prefix, sorted by key, each with
-    ///         its effective value and who supplies it, as they are at one moment
+    ///         its effective value and the name of the source that supplies it, all as of one
+    ///         moment
     /// @throws what a source's keys, has and get throw
     std::vector<Option> optionsBelow(const std::string& prefix);
 
-    /// @return the options of a list of keys that are there, in the order of the list, each with
-    ///         its effective value and who supplies it, as they are at one moment
+    /// @return the options of the listed keys that exist, in the order of the list, each with its
+    ///         effective value and the name of the source that supplies it, all as of one moment
     /// @throws what a source's has and get throw
     std::vector<Option> optionsOf(const std::vector<std::string>& keys);
 
-    /// Takes an entry out of the table in memory that set would have written. Watchers of the key
-    /// are told the value that shows now, before the call returns; nothing when none does, and
-    /// nothing when there was no entry.
+    /// Removes an entry from the in-memory table that set would write to. Watchers of the key are
+    /// notified of the value that is effective now, before the call returns. They are not notified
+    /// when no source has a value, or when there was no entry.
     /// @return whether there was an entry; or, when set would have no source, or one that is not
     ///         in memory, std::runtime_error "No writable configuration source for key: " + key
     Future<bool> reset(const std::string& key);
@@ -114,20 +115,20 @@ public:
     ///         not writable: " + key + ", " + source
     Future<bool> reset(const std::string& key, const std::string& source);
 
-    /// Removes the stream with that id from the list. Its publisher lives on while something else
-    /// holds it. An unknown id is ignored.
+    /// Removes the stream with that id from the list. Its publisher lives on while other owners
+    /// hold it. An unknown id is ignored.
     void removeStream(std::uint64_t id);
 
 private:
     using Lock = std::unique_lock<std::recursive_mutex>;
     using ConfigurationSourceMap = detail::ConfigurationSourceMap;
 
-    // The lock argument of these is the proof that the caller holds `mutex`.
+    // The lock argument of these functions proves that the caller holds `mutex`.
     bool doHas(Lock& lock, const std::string& key);
     OptionValue doGet(Lock& lock, const std::string& key);
     Option doGetOption(Lock& lock, const std::string& key);
 
-    /// A source that supplies a value, and what to ask it for. Independent of the registry.
+    /// A source that supplies a value, and the key to query it with. Independent of the registry.
     struct Question;
     Question questionFor(const std::string& key, const char* failure);
 
@@ -145,7 +146,7 @@ private:
 
     void offerFirst(std::uint64_t id, OptionPublisher& publisher, const OptionValue& value);
 
-    /// @return what a source calls with a key of its own that changed
+    /// @return the function that a source calls with its own key when that key changes
     ConfigurationSource::Watcher watcherFor(const std::string& group);
 
     bool keysAreNeeded() const;

@@ -1,4 +1,4 @@
-/// Several options at one moment, and taking options back.
+/// Reads several options at one moment, and resets options.
 #include <connector/configuration/ConfigurationImpl.hpp>
 
 #include <connector/configuration/detail/CoreDiagnostics.hpp>
@@ -45,7 +45,7 @@ std::optional<Option> ConfigurationImpl::effectiveOption(Lock& lock, const std::
     return doGetOption(lock, key);
 }
 
-/// Leaves out the sources whose groups rule the prefix out, and copies no key that has another one.
+/// Skips sources whose groups rule the prefix out, and copies no key without the prefix.
 std::set<std::string> ConfigurationImpl::keysBelow(const std::string& prefix,
                                                    detail::LookupScope& lookup) {
     std::set<std::string> keys;
@@ -66,7 +66,7 @@ std::set<std::string> ConfigurationImpl::keysBelow(const std::string& prefix,
 
 std::vector<Option> ConfigurationImpl::optionsBelow(const std::string& prefix) {
     Lock lock(mutex);
-    detail::LookupScope lookup; // one for all keys: their values are of one moment
+    detail::LookupScope lookup; // one for all keys, so that their values are of one moment
     lookup.enter();
     const std::set<std::string> keys = keysBelow(prefix, lookup);
     std::vector<Option> options;
@@ -82,7 +82,7 @@ std::vector<Option> ConfigurationImpl::optionsOf(const std::vector<std::string>&
     std::vector<Option> options;
     options.reserve(keys.size());
     Lock lock(mutex);
-    detail::LookupScope lookup; // one for all keys: their values are of one moment
+    detail::LookupScope lookup; // one for all keys, so that their values are of one moment
     lookup.enter();
     for (const std::string& key : keys) {
         if (std::optional<Option> option = effectiveOption(lock, key))

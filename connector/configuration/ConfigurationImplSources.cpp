@@ -27,8 +27,8 @@ ConfigurationImpl::~ConfigurationImpl() {
         record.source->setWatcher({}); // others may share the source: it must not call us any more
 }
 
-/// What it can allocate, it allocates before the record is inserted. From then on only the source,
-/// the subscribers and the notification can fail; the record stays then.
+/// Allocates as much as it can before the record is inserted. From then on only the source, the
+/// subscribers and the notification can fail; in that case the record stays.
 Future<bool> ConfigurationImpl::addSource(const std::string& name, const std::string& group,
                                           int order, bool readOnly,
                                           std::shared_ptr<ConfigurationSource> source) {
@@ -55,15 +55,15 @@ Future<bool> ConfigurationImpl::addSource(const std::string& name, const std::st
     if (keysAreNeeded())
         updateAll(lock, prefix, source->keys());
     source->setWatcher(std::move(watcher));
-    if (listed.isExchanged() && keysAreNeeded()) { // before there was a watcher to tell
+    if (listed.isExchanged() && keysAreNeeded()) { // before a watcher could report it
         updateAll(lock, prefix, listed.keys());
         updateAll(lock, prefix, source->keys());
     }
     return std::move(result).resolve(true);
 }
 
-/// Where there are no streams and nobody can observe the question, the list of a source's keys is
-/// not needed. For a large table it takes longer than reading the file did.
+/// Where there are no streams and no source can observe the call, the list of a source's keys is
+/// not needed. For a large table, building the list takes longer than reading the file did.
 bool ConfigurationImpl::keysAreNeeded() const {
     return !streams.isEmpty() || !lookupsAreUnobservable();
 }
@@ -110,9 +110,9 @@ Future<bool> ConfigurationImpl::removeSource(const std::string& name) {
         return std::move(result).resolve(false); // the source's keys removed it
     sources.erase(record);
 
-    // The keys go out as the source has them, without its group, so the watchers of the prefixed
-    // keys hear nothing of the removal. That is how removal is defined; applications count on the
-    // silence.
+    // The keys are announced as the source knows them, without its group, so the watchers of the
+    // prefixed keys are not notified of the removal. Removal is defined that way; applications
+    // depend on it.
     for (const std::string& key : keys)
         updatePublishers(lock, key);
     return std::move(result).resolve(true);

@@ -37,7 +37,7 @@ ConfigurationImpl::watchOption(const std::string& key) {
     logCore("watchOption: ", key);
     Lock lock(mutex);
     const std::uint64_t id = nextStreamId++;
-    // The stream must not keep the configuration alive, nor call it when it is gone.
+    // The stream must not keep the configuration alive, nor call it once it is destroyed.
     const std::weak_ptr<Configuration> self = shared_from_this();
     auto publisher = std::make_shared<OptionPublisher>(
         [id, self] {
@@ -48,7 +48,7 @@ ConfigurationImpl::watchOption(const std::string& key) {
     localKeyBuffer.reserve(key.size()); // so that the lookup below does not run out of memory
     streams.add(id, key, publisher);
 
-    // What a source throws from here on leaves the stream listed.
+    // If a source throws from here on, the stream stays listed.
     detail::LookupScope lookup;
     const detail::Supplier supplier = detail::findSupplier(sources, key, lookup, localKeyBuffer);
     if (mayReadDirectly(supplier))
@@ -59,29 +59,31 @@ ConfigurationImpl::watchOption(const std::string& key) {
 }
 
 /// Offers a stream its first value. The caller holds the lock until then: a newer value that was
-/// offered before would be evicted by this one. Nobody can have subscribed yet, so no subscriber
-/// runs under the lock.
+/// offered earlier would be evicted by this one. The stream cannot have a subscriber yet, so no
+/// subscriber runs under the lock.
 void ConfigurationImpl::offerFirst(std::uint64_t id, OptionPublisher& publisher,
                                    const OptionValue& value) {
     try {
         publisher.onNext(value);
-    } catch (...) { // no memory: a stream that nobody has must not stay listed
+    } catch (...) { // no memory: a stream without an owner must not stay listed
         streams.remove(id);
         throw;
     }
 }
 
 void ConfigurationImpl::removeStream(std::uint64_t id) {
-    // Declared first, so that the publisher goes after the lock: its destructor calls a subscriber.
+    // Declared first, so that the publisher is destroyed after the lock: its destructor calls a
+    // subscriber.
     detail::OptionStreams::Publisher removed;
     const Lock lock(mutex);
     removed = streams.remove(id);
 }
 
 ConfigurationSource::Watcher ConfigurationImpl::watcherFor(const std::string& group) {
-    // A source can outlive the configuration, and can call its watcher while that goes on another
-    // thread. So an owned configuration is held weakly, and kept alive during the call. One that is
-    // not owned, and the built-in sources, which are made before there is an owner, do without.
+    // A source can outlive the configuration, and can call its watcher while another thread
+    // destroys the configuration. So an owned configuration is held weakly, and kept alive during
+    // the call. This does not apply to one without an owner, nor to the built-in sources, which are
+    // made before there is an owner.
     const std::weak_ptr<Configuration> owned = weak_from_this();
     const bool isOwned = !owned.expired();
     return [this, owned, isOwned, group](const std::string& key) {
@@ -90,7 +92,7 @@ ConfigurationSource::Watcher ConfigurationImpl::watcherFor(const std::string& gr
             return;
         Lock lock(mutex);
         for (ConfigurationSourceMap& record : sources)
-            record.table.refresh(); // or a later lookup would have to destroy the table of before
+            record.table.refresh(); // otherwise a later lookup would have to destroy the old table
         updatePublishers(lock, group + key);
     };
 }
@@ -113,9 +115,9 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
         return;
     const std::optional<OptionValue> value = effectiveValue(lock, key);
     if (!value)
-        return; // that a key lost its last value is not announced
+        return; // the loss of a key's last value is not reported
 
-    const detail::NotificationPass pass(streams, key); // goes when the lock is held again
+    const detail::NotificationPass pass(streams, key); // destroyed when the lock is held again
     const Released released(lock);
     for (OptionPublisher* const publisher : pass.publishers()) {
         try {
@@ -127,7 +129,7 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     }
 }
 
-/// @return whether a lookup whose result nobody needs can be left out
+/// @return whether a lookup whose result is not needed can be skipped
 bool ConfigurationImpl::lookupsAreUnobservable() const {
     return !detail::coreLogger.enabled(detail::coreSeverity) && detail::allAreOwnTables(sources);
 }

@@ -1,5 +1,6 @@
-/// A small server that greets the guests whose names come on standard input, one a line. Its
-/// options are checked, and can be changed while it runs: set KEY TEXT, reset KEY. quit ends it.
+/// A small server that greets the guests whose names it reads from standard input, one per line.
+/// Its options are checked, and can be changed while it runs: set KEY TEXT, reset KEY. quit ends
+/// it.
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/configuration/typed/CommandLine.hpp>
 #include <connector/configuration/typed/LiveOption.hpp>

@@ -16,7 +16,7 @@ struct ConfigurationSourceMap {
     ConfigurationSourceMap(const std::string& newName, const std::string& newGroup, int newOrder,
                            bool newReadOnly, std::shared_ptr<ConfigurationSource> newSource);
 
-    /// @return whether the source is asked about the key at all: its keys begin with the group
+    /// @return whether the source is queried for the key at all: the key begins with the group
     bool serves(const std::string& key) const {
         return group.empty() || key.compare(0, group.size(), group) == 0;
     }
@@ -29,7 +29,7 @@ struct ConfigurationSourceMap {
     int order;         ///< smaller is consulted first
     bool readOnly;     ///< set never writes here
     std::shared_ptr<ConfigurationSource> source;
-    OwnTable table; ///< behind `source`, if that is one of the library's own classes
+    OwnTable table; ///< the table of `source`, if that is one of the library's own classes
 };
 
 /// The registry, in the order in which its sources are consulted.

@@ -8,8 +8,8 @@ namespace connector::configuration::detail {
 
 namespace {
 
-/// Cuts groups off a key. Sources that follow each other often have the same group, so the last
-/// result is kept, in a buffer that keeps its memory from lookup to lookup.
+/// Cuts groups off a key. Consecutive sources often have the same group, so the last result is
+/// kept, in a buffer that keeps its memory from lookup to lookup.
 class LocalKey {
 public:
     LocalKey(const std::string& newKey, std::string& newBuffer) : key(newKey), buffer(newBuffer) {}

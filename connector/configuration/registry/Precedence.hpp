@@ -1,14 +1,14 @@
-/// Precedence: which source answers for a key, and which one takes a write. Every rule is here.
+/// Precedence: which source supplies the value of a key, and which one takes a write. All the rules
+/// are here.
 ///
 /// - Sources are consulted by ascending order. Of equal orders, the source that was added last
-/// comes
-///   first: see insertionPoint.
-/// - A source has a group, which is a prefix of its keys. It is asked only about keys that begin
-/// with
-///   it, and sees them without it: see normalisedGroup and ConfigurationSourceMap::serves.
+///   comes first: see insertionPoint.
+/// - A source has a group, which is a prefix of its keys. It is queried only for keys that begin
+///   with the group, and receives them without it: see normalisedGroup and
+///   ConfigurationSourceMap::serves.
 /// - The first source that serves a key and has it supplies the value: see findSupplier.
-/// - The first writable source that serves a key takes a write, whoever supplies the value: see
-///   findWritable.
+/// - The first writable source that serves a key takes a write, whichever source supplies the
+///   value: see findWritable.
 ///
 /// All functions require the configuration's mutex.
 #pragma once
@@ -19,10 +19,10 @@
 
 namespace connector::configuration::detail {
 
-/// @return the group as a prefix that can stand in front of a key
+/// @return the group as a prefix that can be put in front of a key
 std::string normalisedGroup(const std::string& group);
 
-/// @return where a source of that order goes: before all that are not consulted earlier
+/// @return where a source of that order is inserted: before all that are not consulted earlier
 SourceRecords::iterator insertionPoint(SourceRecords& records, int order);
 
 /// @return the record with exactly that name, or the end
@@ -46,7 +46,7 @@ Supplier findSupplier(SourceRecords& records, const std::string& key, LookupScop
 /// @return the first record that is not read-only and serves the key; null when there is none
 const ConfigurationSourceMap* findWritable(const SourceRecords& records, const std::string& key);
 
-/// @return whether all sources are the library's own, so that nobody can observe a lookup
+/// @return whether all sources are the library's own, so that no source can observe a lookup
 bool allAreOwnTables(const SourceRecords& records);
 
 } // namespace connector::configuration::detail

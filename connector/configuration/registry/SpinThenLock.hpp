@@ -7,11 +7,11 @@
 
 namespace connector::configuration::detail {
 
-/// The longest time for which spinUntilLocked spins. To send a thread to sleep and to wake it takes
+/// The longest time for which spinUntilLocked spins. Putting a thread to sleep and waking it takes
 /// about as long; a lookup holds the mutex for far less.
 inline constexpr std::chrono::microseconds maxSpinTime{10};
 
-/// Tells the processor that this is a spin loop. Takes from 5 to 50 nanoseconds.
+/// Signals a spin loop to the processor. Takes from 5 to 50 nanoseconds.
 inline void pauseProcessor() {
 #if defined(__x86_64__) || defined(__i386__)
     __builtin_ia32_pause();
@@ -21,7 +21,7 @@ inline void pauseProcessor() {
 }
 
 /// Tries to take the mutex for maxSpinTime. Pauses between two attempts, twice as long each time,
-/// up to a number of pauses that is short against maxSpinTime on every processor.
+/// up to a number of pauses that is short compared to maxSpinTime on every processor.
 /// @tparam Clock  monotonic, as std::chrono::steady_clock
 /// @param pause   called for each pause
 template <typename Clock, typename Lock, typename Pause>
@@ -42,8 +42,8 @@ inline bool hasSeveralProcessors() {
     return severalProcessors;
 }
 
-/// Takes the mutex. Spins for a moment before it sleeps: with two threads that look keys up all the
-/// time, a lookup then takes about two thirds of the time.
+/// Takes the mutex. Spins for a moment before it sleeps: with two threads that look up keys all the
+/// time, this cuts the time of a lookup by about a third.
 inline std::unique_lock<std::recursive_mutex> spinThenLock(std::recursive_mutex& mutex) {
     std::unique_lock<std::recursive_mutex> lock(mutex, std::try_to_lock);
     if (!lock.owns_lock() && hasSeveralProcessors())

@@ -10,8 +10,8 @@
 namespace connector::configuration {
 
 /// "Option value is not convertible to TYPE: VALUE", where VALUE is the payload as the JSON form
-/// writes it, with U+FFFD for bytes that are no UTF-8. It does not know the key, so it hides no
-/// secrets: InvalidOption does.
+/// writes it, with U+FFFD for bytes that are not UTF-8. It has no key, so it does not hide secrets;
+/// InvalidOption does.
 class CONNECTOR_EXPORT BadOptionCast : public std::runtime_error {
 public:
     BadOptionCast(const std::string& typeName, const OptionValue& value);

@@ -1,4 +1,4 @@
-/// A number of bytes, as "64KiB" says it in a file.
+/// A number of bytes, written as "64KiB" in a file.
 #pragma once
 
 #include <cstdint>

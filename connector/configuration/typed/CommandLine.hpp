@@ -1,5 +1,5 @@
-/// Options of a schema on the command line. The only header of the library that includes CLI11,
-/// which whoever includes it must have.
+/// Options of a schema on the command line. The only header of the library that includes CLI11;
+/// callers that include it must have CLI11 installed.
 #pragma once
 
 #include <connector/configuration/Configuration.hpp>
@@ -17,7 +17,7 @@ namespace connector::configuration {
 
 namespace detail {
 
-/// The texts that were given, until the parsing is over.
+/// The texts that were given, until parsing ends.
 struct GivenOptions {
     struct Given {
         CLI::Option* option;
@@ -37,13 +37,13 @@ struct GivenOptions {
 } // namespace detail
 
 /// Gives an application each option of a schema as `--KEY VALUE`, with its description and default
-/// in the help. A value is converted and checked while it is parsed; what is wrong is CLI11's own
-/// CLI::ValidationError. When everything is parsed, all values that were given are written into
-/// "override", as text; none of them when anything is wrong.
+/// in the help. A value is converted and checked while it is parsed; an error is reported as
+/// CLI11's own CLI::ValidationError. When everything is parsed, all values that were given are
+/// written to "override", as text; if there is any error, none is written.
 ///
 /// The application keeps a copy of the schema, and keeps the configuration alive.
 /// @throws std::invalid_argument "A null configuration cannot be followed."
-/// @throws CLI::BadNameString for a key that CLI11 takes for no name
+/// @throws CLI::BadNameString for a key that CLI11 does not accept as a name
 template <typename Settings>
 void addOptions(CLI::App& application, const OptionSchema<Settings>& schema,
                 const std::shared_ptr<Configuration>& configuration) {
@@ -51,7 +51,7 @@ void addOptions(CLI::App& application, const OptionSchema<Settings>& schema,
     const auto declared = std::make_shared<const OptionSchema<Settings>>(schema);
     const auto given = std::make_shared<detail::GivenOptions>();
     given->all.reserve(declared->core().options().size()); // CLI11 keeps references to the texts
-    // A group of its own: the application's callbacks stay the application's.
+    // In a group of its own, so that the application's callbacks are not replaced.
     CLI::App* const group = application.add_option_group("Configuration");
     Settings defaults{};
     for (const detail::DeclaredOption& option : declared->core().options()) {

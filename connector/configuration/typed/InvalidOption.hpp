@@ -11,8 +11,8 @@
 namespace connector::configuration {
 
 /// "Option KEY from source NAME is not convertible to TYPE: VALUE". VALUE is the payload as the
-/// JSON form writes it; of keys with "password", "secret" or "token" in them, whatever the case,
-/// it is "******".
+/// JSON form writes it; for keys that contain "password", "secret" or "token", in any case, it is
+/// "******".
 class CONNECTOR_EXPORT InvalidOption : public std::runtime_error {
 public:
     InvalidOption(const Option& option, const std::string& expected);
@@ -21,7 +21,7 @@ public:
     ~InvalidOption() override;
 
     const std::string& key() const { return details->key; }
-    const std::string& source() const { return details->source; }     ///< who supplies the value
+    const std::string& source() const { return details->source; }     ///< that supplies the value
     const std::string& expected() const { return details->expected; } ///< the name of the type
 
 private:

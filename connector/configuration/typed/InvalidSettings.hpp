@@ -10,7 +10,7 @@
 
 namespace connector::configuration {
 
-/// Has all problems at once; what() describes one a line.
+/// Contains all problems at once; what() describes one per line.
 class CONNECTOR_EXPORT InvalidSettings : public std::runtime_error {
 public:
     explicit InvalidSettings(std::vector<OptionProblem> newProblems);

@@ -39,7 +39,7 @@ public:
         return shownProblem;
     }
 
-    // In a line of their own: readers must not be slowed down by what the writer does beside it.
+    // On a cache line of their own: the other writes of the writer must not slow readers down.
     alignas(64) ValueCell<T> cell;
     std::atomic<std::uint64_t> version{0}; // raised after the cell is filled
 
@@ -73,12 +73,13 @@ private:
 
 } // namespace detail
 
-/// Follows an option, on the threads that change it, and keeps its newest good value. When all
-/// changes that a stream of the option would tell are over, get answers what getAs<T> does.
+/// Follows an option, on the threads that change it, and keeps its newest good value. Once all
+/// changes that a stream of the option would report are complete, get returns what getAs<T>
+/// returns.
 ///
 /// All operations may be called from any thread, take no lock of the configuration and call nothing
-/// back. Copies share the value. It does not keep the configuration alive; when that is gone, the
-/// last value stays.
+/// back. Copies share the value. It does not keep the configuration alive; once that is destroyed,
+/// the last value stays.
 template <typename T>
 class LiveOption {
 public:
@@ -93,23 +94,23 @@ public:
             detail::throwNoFirstValue(value->currentProblem(), key);
     }
 
-    /// As above, but for a missing option, and for a first value that does not convert, the
-    /// fallback holds; in the second case there is a problem().
+    /// As above, but the fallback is used for a missing option, and for a first value that does not
+    /// convert; in the second case there is a problem().
     LiveOption(const std::shared_ptr<Configuration>& configuration, const std::string& key,
                T fallback)
         : value(follow(configuration, key, std::move(fallback))) {}
 
-    LiveOption(const LiveOption&) = default; // and no moves: there is no empty one
+    LiveOption(const LiveOption&) = default; // and no moves: there is no empty state
     LiveOption& operator=(const LiveOption&) = default;
 
     /// @return a copy of the value; for a T of up to 8 trivially copyable bytes one atomic load
     T get() const { return value->cell.get(); }
 
-    /// @return the value, which stays as it is
+    /// @return a snapshot of the value, which does not change
     std::shared_ptr<const T> snapshot() const { return value->cell.snapshot(); }
 
-    /// @return how many values were taken from the configuration; 0 while the fallback holds. A get
-    ///         after it has that value, or a newer one.
+    /// @return how many values were taken from the configuration; 0 while the fallback is used. A
+    ///         get after it returns that value, or a newer one.
     std::uint64_t version() const { return value->version.load(std::memory_order_acquire); }
 
     /// @return why the newest value was not taken; empty when it was

@@ -17,8 +17,8 @@ namespace connector::configuration {
 
 namespace detail {
 
-/// @return whether the settings are known to be the same: by their own ==, or else option for
-///         option
+/// @return whether the settings are known to be equal: by their own ==, or otherwise by comparing
+///         each option
 template <typename Settings>
 bool areSame(const SchemaCore& schema, const Settings& left, const Settings& right) {
     if constexpr (HasEquality<Settings>::value)
@@ -48,7 +48,7 @@ private:
     }
 };
 
-/// Calls a handler with the settings of a state that hints it.
+/// Calls a handler with the settings when their state reports a change.
 template <typename Settings>
 class SettingsHandler final : public Follower {
 public:
@@ -70,18 +70,18 @@ private:
 
     const std::shared_ptr<const SettingsState<Settings>> state;
     Handler handler;
-    std::shared_ptr<const Settings> newest; // touched by the thread that runs only
+    std::shared_ptr<const Settings> newest; // used by the running thread only
 };
 
 } // namespace detail
 
 /// Follows every option that a schema declares, on the threads that change them, and keeps the
-/// newest settings that the schema accepts. A change that breaks a check or a rule leaves the last
-/// good ones. When all changes that streams of the options would tell are over, the snapshot is
-/// what read of the schema answers, or there are problems.
+/// newest settings that the schema accepts. After a change that breaks a check or a rule, the last
+/// good settings stay. Once all changes that streams of the options would report are complete, the
+/// snapshot equals what the schema's read returns, or there are problems.
 ///
 /// All operations may be called from any thread. Copies share the settings. It does not keep the
-/// configuration alive; when that is gone, the last settings stay.
+/// configuration alive; once that is destroyed, the last settings stay.
 template <typename Settings>
 class LiveSettings {
 public:
@@ -98,18 +98,19 @@ public:
             throw InvalidSettings(state->problems());
     }
 
-    LiveSettings(const LiveSettings&) = default; // and no moves: there is no empty one
+    LiveSettings(const LiveSettings&) = default; // and no moves: there is no empty state
     LiveSettings& operator=(const LiveSettings&) = default;
 
-    /// @return the settings, which stay as they are. Takes no lock of the configuration.
+    /// @return a snapshot of the settings, which does not change. Takes no lock of the
+    ///         configuration.
     std::shared_ptr<const Settings> snapshot() const { return state->cell.snapshot(); }
 
     /// @return why the newest settings were not taken; empty when they were
     std::vector<OptionProblem> problems() const { return state->problems(); }
 
-    /// Calls the handler with the settings, at once and whenever others are taken. What is said of
-    /// the function onChange holds here, too; a failing handler is reported under the schema's
-    /// prefix. The settings go on while there is such a watch.
+    /// Calls the handler with the settings, at once and whenever new ones are taken. The rules of
+    /// the function onChange apply here too; a failing handler is reported under the schema's
+    /// prefix. The settings are followed for as long as such a watch exists.
     /// @throws std::invalid_argument "An empty handler cannot be called."
     [[nodiscard]] OptionWatch onChange(std::function<void(const Settings&)> handler) const {
         detail::demandHandler(handler != nullptr);

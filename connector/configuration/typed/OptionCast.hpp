@@ -1,4 +1,4 @@
-/// From what a source holds to the type that a program works with.
+/// Converts the value of an option to the type that a program works with.
 ///
 /// The conversions are strict: the whole value converts, exactly and in range, or it does not. They
 /// depend on no locale. docs/typed-options.md has the table of what converts to what.

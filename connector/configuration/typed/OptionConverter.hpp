@@ -1,4 +1,4 @@
-/// How options become values of a type of the application's.
+/// How options are converted to the application's own types.
 #pragma once
 
 namespace connector::configuration {
@@ -8,8 +8,8 @@ namespace connector::configuration {
 ///     static T convert(const OptionValue& value); // any std::exception: it does not convert
 ///     static std::string typeName();              // for messages
 ///
-/// A specialisation goes before every conversion of the library. It must be visible wherever the
-/// type is converted.
+/// A specialisation takes precedence over every conversion of the library. It must be visible
+/// wherever the type is converted.
 template <typename T>
 struct OptionConverter;
 

@@ -11,7 +11,7 @@ namespace connector::configuration {
 ///             {"quiet", Level::Quiet}, {"loud", Level::Loud}};
 ///     };
 ///
-/// ASCII case is ignored in reading. A value may have several names; the first one is written.
+/// ASCII case is ignored when reading. A value may have several names; the first one is written.
 template <typename Enumeration>
 struct OptionNames;
 

@@ -10,8 +10,8 @@
 namespace connector::configuration {
 
 struct OptionProblem {
-    std::string key;    ///< whole; of a rule, the prefix of its schema
-    std::string source; ///< who supplies the value; empty when there is none, and for rules
+    std::string key;    ///< the full key; for a rule, the prefix of its schema
+    std::string source; ///< that supplies the value; empty when there is none, and for rules
     std::string text;   ///< "is required", "must be between 1 and 65535: 0", ...
 
     friend bool operator==(const OptionProblem& left, const OptionProblem& right) {

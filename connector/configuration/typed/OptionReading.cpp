@@ -7,7 +7,7 @@
 namespace connector::configuration::detail {
 
 std::optional<Option> findOption(Configuration& configuration, const std::string& key) {
-    Future<Option> answer = configuration.getOption(key); // what a source throws leaves here
+    Future<Option> answer = configuration.getOption(key); // a source's exception propagates
     try {
         return answer.get();
     } catch (const std::runtime_error& failure) {

@@ -1,7 +1,7 @@
 /// Reading an option as the type that the program works with.
 ///
-/// Each function makes one lookup, so the value and the source that is named when it does not
-/// convert belong together. They may be called from any thread, take the configuration's lock
+/// Each function makes one lookup, so a value that does not convert and the source named in the
+/// message belong together. They may be called from any thread, take the configuration's lock
 /// during the lookup, and call back only into an OptionConverter, after it.
 #pragma once
 
@@ -18,7 +18,7 @@ namespace connector::configuration {
 
 namespace detail {
 
-/// @return the option; nothing when there is no such option. What a source throws passes.
+/// @return the option; nothing when there is no such option. Exceptions of a source propagate.
 CONNECTOR_EXPORT std::optional<Option> findOption(Configuration& configuration,
                                                   const std::string& key);
 
@@ -55,7 +55,7 @@ std::optional<T> findAs(Configuration& configuration, const std::string& key) {
 }
 
 /// @return the option's value; the fallback only when there is no such option
-/// @throws InvalidOption as above: a value that does not convert is a mistake, not a missing option
+/// @throws InvalidOption as above: a value that does not convert is an error, not a missing option
 /// @throws what a source throws
 template <typename T>
 T getOr(Configuration& configuration, const std::string& key, T fallback) {

@@ -25,18 +25,18 @@
 
 namespace connector::configuration {
 
-/// A schema that is finished may be used by several threads at once.
-/// @tparam Settings  default-made objects have the defaults
+/// Several threads may use a finished schema at once.
+/// @tparam Settings  default-constructed objects have the defaults
 template <typename Settings>
 class OptionSchema {
 public:
-    /// @param prefix  of all keys; a "." is put behind it if it has none. Empty: none.
+    /// @param prefix  of all keys; a "." is appended if it has none. Empty: no prefix.
     explicit OptionSchema(const std::string& prefix = {}) : schema(prefix) {}
 
     /// Declares an option whose default is the member's own initial value.
-    /// @param checks  inRange, oneOf, notEmpty, or a callable that takes the value and answers
-    ///                what is wrong, or an empty string. They see the value that an option has,
-    ///                not its default; of several that fail, the first one is told.
+    /// @param checks  inRange, oneOf, notEmpty, or a callable that takes the value and returns the
+    ///                problem, or an empty string. They receive the value that an option has, not
+    ///                its default; if several fail, the first one is reported.
     /// @throws std::invalid_argument "Option declared twice: NAME",
     ///         "A declared option needs a name."
     template <typename Member, typename Owner, typename... Checks>
@@ -45,7 +45,7 @@ public:
         return declare<Member>(name, place(member), description, false, checks...);
     }
 
-    /// Declares an option that must be there.
+    /// Declares a required option.
     template <typename Member, typename Owner, typename... Checks>
     OptionSchema& required(const std::string& name, Member Owner::*member,
                            const std::string& description, const Checks&... checks) {
@@ -63,8 +63,8 @@ public:
         return *this;
     }
 
-    /// What several members must keep together. Rules run when all options are good.
-    /// @param rule  takes the settings and answers what is wrong, or an empty string
+    /// Adds a constraint across several members. Rules run when all options are good.
+    /// @param rule  takes the settings and returns the problem, or an empty string
     OptionSchema& rule(std::function<std::string(const Settings&)> rule) {
         schema.addRule([rule = std::move(rule)](const void* settings) {
             return rule(*static_cast<const Settings*>(settings));
@@ -72,9 +72,9 @@ public:
         return *this;
     }
 
-    /// Reads all declared options. Of a ConfigurationImpl that is one moment's truth: no set comes
-    /// in between. Any other Configuration is asked for one option after the other. Takes the
-    /// configuration's lock; checks and rules run without it.
+    /// Reads all declared options. From a ConfigurationImpl they are read at one moment: no set
+    /// comes in between. Any other Configuration is queried for one option after the other. Takes
+    /// the configuration's lock; checks and rules run without it.
     /// @throws InvalidSettings with all problems at once
     /// @throws what a source, a check or a rule throws
     Settings read(Configuration& configuration,
@@ -86,7 +86,7 @@ public:
         return settings;
     }
 
-    /// @return the problems of which read would throw, in the order of declaration, then those of
+    /// @return the problems that read would throw, in the order of declaration, then those of
     ///         rules, then unknown keys, sorted
     /// @throws what a source, a check or a rule throws
     std::vector<OptionProblem> check(Configuration& configuration,
@@ -95,20 +95,20 @@ public:
         return readInto(settings, configuration, unknownKeys);
     }
 
-    /// @return a line for each option: key, type, default, description; aligned
+    /// @return one line per option: key, type, default, description; aligned
     std::string helpText() const {
         Settings settings{};
         return schema.helpText(&settings);
     }
 
     /// @return a property file with descriptions and defaults that reads back to the same settings.
-    ///         Required options, and defaults that no text can carry, stand as comments.
+    ///         Required options, and defaults that cannot be written as text, are commented out.
     std::string sampleProperties() const {
         Settings settings{};
         return schema.sampleProperties(&settings);
     }
 
-    /// @return a JSON Schema, draft 2020-12, of an object with the whole keys as names
+    /// @return a JSON Schema, draft 2020-12, of an object with the full keys as names
     std::string jsonSchema() const {
         Settings settings{};
         return schema.jsonSchema(&settings);

@@ -15,16 +15,17 @@
 
 namespace connector::configuration {
 
-/// Owns a watch, and ends it when it goes. Each object belongs to one thread at a time.
+/// Owns a watch, and ends it when destroyed. Each object belongs to one thread at a time.
 ///
-/// When the destructor has returned, the handler neither runs nor will run: it waits for a call
-/// that is running on another thread. Inside a handler, the watch's own or any other, it does not
-/// wait, and no new call begins. It takes the configuration's lock while the configuration lives.
-/// Whoever holds that lock in another way, as the subscriber of a plain stream does during a set,
-/// must not destroy a watch whose handler may call the configuration on another thread.
+/// Once the destructor has returned, the handler is not running and will not run: the destructor
+/// waits for a call that is running on another thread. Inside a handler, the watch's own or any
+/// other, it does not wait, and no new call begins. It takes the configuration's lock while the
+/// configuration lives. Code that holds that lock by other means, such as the subscriber of a plain
+/// stream during a set, must not destroy a watch whose handler may call the configuration on
+/// another thread.
 class CONNECTOR_EXPORT OptionWatch {
 public:
-    /// A watch of nothing.
+    /// An empty watch.
     OptionWatch() noexcept;
     explicit OptionWatch(std::shared_ptr<detail::Follower> newFollower) noexcept;
     OptionWatch(OptionWatch&& other) noexcept;
@@ -33,7 +34,7 @@ public:
     ~OptionWatch();
 
 private:
-    std::shared_ptr<detail::Follower> follower; // null for a watch of nothing
+    std::shared_ptr<detail::Follower> follower; // null for an empty watch
 };
 
 namespace detail {
@@ -53,8 +54,7 @@ public:
           handler(std::move(newHandler)), onInvalid(std::move(newOnInvalid)) {}
 
 private:
-    // What is not told changes nothing here, so that what is told differs from what was told
-    // before it.
+    // An option that is not reported changes nothing here, so consecutive reports differ.
     bool take(Option&& option) override {
         std::optional<T> value = convertOrMove<T>(option.value);
         if (!value)
@@ -82,29 +82,30 @@ private:
     const bool tellsInvalid;
     Handler handler;
     InvalidHandler onInvalid;
-    std::optional<T> newest; // touched by the thread that runs only
+    std::optional<T> newest; // used by the running thread only
 };
 
 } // namespace detail
 
 /// Calls the handler with the value of the option, at once if there is one, and after every change
-/// that a stream of the option would tell. The calls come on the thread that made the change, and
-/// on this one for the first; while it holds the configuration's lock, if set made the change. A
-/// handler must not wait for another thread that calls the configuration.
+/// that a stream of the option would report. The call for the present value comes on this thread,
+/// the others on the thread that made the change; if set made the change, that thread holds the
+/// configuration's lock. A handler must not wait for another thread that calls the configuration.
 ///
-/// - Calls never overlap. A change during a call is told afterwards, once, with the newest value;
-///   the set that made it may return before.
-/// - When all changes that are told are over, the last call had what getAs<T> answers. That holds
-///   for nested and concurrent changes, too.
-/// - The same value is not told twice in a row, where T has ==.
+/// - Calls never overlap. Changes during a call are reported after it, once, with the newest value;
+///   the set that made such a change may return before.
+/// - Once all reported changes are complete, the last call had the value that getAs<T> returns.
+///   That holds for nested and concurrent changes, too.
+/// - The same value is not reported twice in a row, if T has ==.
 /// - A handler may change options, and make and end watches, its own included.
-/// - What a handler throws is reported, like that of every subscriber, by a line on standard error:
-///   "Error in configuration value subscriber: KEY".
-/// - The watch does not keep the configuration alive; when it is gone, nothing is called any more.
+/// - An exception thrown by a handler is reported, like that of every subscriber, by a line on
+///   standard error: "Error in configuration value subscriber: KEY".
+/// - The watch does not keep the configuration alive; once that is destroyed, there are no more
+///   calls.
 ///
-/// @param onInvalid  called instead for a value that does not convert, at once, too, and not twice
+/// @param onInvalid  called instead for a value that does not convert, also at once, and not twice
 ///                   in a row for the same value of the same source
-/// @return what ends the watch
+/// @return the watch; destroying it ends the calls
 /// @throws std::invalid_argument "A null configuration cannot be followed."
 ///         "An empty handler cannot be called."
 /// @throws what a source throws during the first lookup

@@ -12,7 +12,7 @@ NotificationPass::NotificationPass(OptionStreams& newStreams, const std::string&
 }
 
 NotificationPass::~NotificationPass() {
-    // The destructors of publishers can call anything, so nobody may find this pass any more.
+    // The destructors of publishers can call anything, so this pass must already be off the list.
     streams.passes.erase(std::find(streams.passes.begin(), streams.passes.end(), this));
     while (!removed.empty())
         streams.release(removed.extract(removed.begin()));

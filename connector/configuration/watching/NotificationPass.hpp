@@ -9,13 +9,13 @@
 
 namespace connector::configuration::detail {
 
-/// A pass over the streams of one key, in the order in which they were added. What it serves is
-/// fixed when it begins.
+/// A pass over the streams of one key, in the order in which they were added. The set of streams
+/// that it serves is fixed when it begins.
 ///
-/// While it lives it keeps every publisher of that moment alive, those of other keys included, even
-/// if their streams are removed meanwhile. It counts no references for that, which would make a
-/// change of an int with 1,000 watchers half as long again: a stream that is removed is handed to a
-/// pass that began before.
+/// While it lives, it keeps every publisher of that moment alive, including those of other keys,
+/// even if their streams are removed in the meantime. It does so without reference counts, which
+/// would make a change of an int with 1,000 watchers take half as long again: a removed stream is
+/// instead handed to a pass that began before its removal.
 ///
 /// It is made and destroyed under the configuration's mutex, which is released in between. Several
 /// passes can run at a time, on several threads or nested.
@@ -39,7 +39,7 @@ private:
     bool keeps(std::uint64_t id) const { return id < end; }
 
     OptionStreams& streams;
-    const std::uint64_t end; // greater than the ids of all streams that were there
+    const std::uint64_t end; // greater than the ids of all streams that existed then
     const std::vector<OptionPublisher*> served;
     OptionStreams::Streams removed;
 };

@@ -8,7 +8,7 @@
 namespace connector::configuration::detail {
 
 OptionStreams::~OptionStreams() {
-    watchersByKey.clear(); // they refer to what goes now
+    watchersByKey.clear(); // they refer to the streams that are destroyed next
     while (!streams.empty())
         streams.erase(streams.begin());
 }
@@ -45,8 +45,8 @@ OptionStreams::Publisher OptionStreams::release(Streams::node_type stream) {
     return nullptr;
 }
 
-/// Only marks the watcher, and erases the marked ones when they are more than half: to close the
-/// gap each time would make it quadratic to remove all of them from the oldest to the newest.
+/// Only marks the watcher, and erases the marked ones when they are more than half. Closing the gap
+/// each time would make removing all of them from the oldest to the newest quadratic.
 void OptionStreams::removeWatcher(const std::string& key, std::uint64_t id) {
     const auto ofKey = watchersByKey.find(key);
     auto& [all, removed] = ofKey->second;

@@ -36,7 +36,7 @@ public:
     /// @param id  greater than that of every stream added before
     void add(std::uint64_t id, const std::string& key, Publisher publisher);
 
-    /// @return whether there is no stream at all
+    /// @return whether there are no streams
     bool isEmpty() const { return streams.empty(); }
 
     bool hasWatchers(const std::string& key) const { return watchersByKey.count(key) != 0; }
@@ -69,7 +69,7 @@ private:
     Publisher release(Streams::node_type stream);
 
     Streams streams;
-    std::vector<NotificationPass*> passes;                   // those that run, on whatever thread
+    std::vector<NotificationPass*> passes;                   // those that run, on any thread
     std::unordered_map<std::string, Watchers> watchersByKey; // no empty ones
 };
 

@@ -1,5 +1,5 @@
-/// Tables of conversions. Every row is tried as it stands, from UTF-16 text, as the one element of
-/// a list and as the one item of a text.
+/// Tables of conversions. Every row is tried as written, from UTF-16 text, as the one element of a
+/// list and as the one item of a text.
 #pragma once
 
 #include "support/Expect.hpp"

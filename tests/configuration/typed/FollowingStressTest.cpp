@@ -28,7 +28,7 @@ constexpr std::chrono::seconds duration{2};
 
 const std::array<std::string, 3> keys{"a", "b", "c"};
 
-/// Remembers the last value that it was told, and that nobody interrupted.
+/// Remembers the last value that was reported, and that no call overlapped.
 class Listener {
 public:
     void hear(int value) {
@@ -69,7 +69,7 @@ public:
         }
     }
 
-    /// Does something, again and again.
+    /// Makes random changes, repeatedly.
     void run(std::uint64_t seed, Clock::time_point end) {
         std::mt19937_64 random(seed);
         while (Clock::now() < end) {
@@ -116,7 +116,7 @@ private:
         EXPECT_NE("fallback", live.get());
     }
 
-    /// Changes outside of set: the configuration's mutex is free while they are told.
+    /// Changes outside of set: the configuration's mutex is free while they are reported.
     void toggleSource(const std::string& key, int value) {
         const std::lock_guard<std::mutex> lock(sourceMutex);
         if (!configuration->removeSource("source").get())

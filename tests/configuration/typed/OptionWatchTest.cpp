@@ -27,13 +27,13 @@ struct Opaque {
     int number;
 };
 
-/// Whose conversion does as it is told.
+/// Its conversion does what the test sets.
 struct Hooked {
     int number;
     inline static std::function<void(int)> onConvert;
 };
 
-/// A plain subscriber that does as it is told.
+/// A plain subscriber that does what the test sets.
 class Plain : public Subscriber<OptionValue> {
 public:
     explicit Plain(std::function<void(const OptionValue&)> newOnValue)

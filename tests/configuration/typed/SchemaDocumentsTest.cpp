@@ -1,4 +1,4 @@
-/// What a schema says of itself: help, sample file, JSON Schema.
+/// The documents of a schema: help, sample file, JSON Schema.
 #include "Net.hpp"
 #include "support/Expect.hpp"
 #include "support/TemporaryDirectory.hpp"

@@ -10,7 +10,7 @@ namespace {
 thread_local LookupScope* outermost = nullptr;
 thread_local std::uint64_t lastNumber = 0;
 
-/// @return the first number of a thread; more follow it than a thread can use
+/// @return the first number of a thread; each thread has more numbers than it can use up
 std::uint64_t firstNumber() {
     static std::atomic<std::uint64_t> threads{0};
     return (threads.fetch_add(1, std::memory_order_relaxed) << 40) + 1;
@@ -20,7 +20,7 @@ std::uint64_t firstNumber() {
 
 LookupScope::~LookupScope() {
     if (isOutermost)
-        outermost = nullptr; // before the tables go: whatever that calls is in no lookup
+        outermost = nullptr; // first: destroying the tables may make calls outside of the lookup
 }
 
 std::uint64_t LookupScope::enterNow() {

@@ -9,11 +9,11 @@
 
 namespace connector::configuration::detail {
 
-/// Stands on the stack of whoever asks several questions whose answers must agree. Once it is
-/// entered, every SnapshotSource that is asked on this thread answers from the table that it had
-/// when it was asked first, until the scope ends, also when the question comes through sources of
-/// the application's or through other configurations. A scope inside of an entered one joins it. A
-/// thread keeps nothing but a pointer to the scope and a number.
+/// Created on the stack by callers that make several queries whose answers must agree. Once it is
+/// entered, every SnapshotSource that is queried on this thread answers from the table that it had
+/// at its first query, until the scope ends, even when the query comes through the application's
+/// sources or through other configurations. A scope inside an entered one joins it. A thread keeps
+/// only a pointer to the scope and a number.
 class LookupScope {
 public:
     LookupScope() = default;
@@ -21,9 +21,9 @@ public:
     LookupScope(const LookupScope&) = delete;
     LookupScope& operator=(const LookupScope&) = delete;
 
-    /// Begins the lookup, or joins the one that is going on. To be called before the first source
-    /// is asked whose answer could change, once or more often.
-    /// @return the number of the lookup: that of no other lookup on any thread; not 0
+    /// Begins the lookup, or joins the current one. Must be called before the first query to a
+    /// source whose answer could change; it may be called more than once.
+    /// @return the number of the lookup: unique among all lookups on all threads; not 0
     std::uint64_t enter() { return number != 0 ? number : enterNow(); }
 
     /// @return the scope that this thread has entered; null outside of lookups
@@ -39,7 +39,7 @@ private:
 
     std::uint64_t number = 0; // 0: not entered
     bool isOutermost = false;
-    std::vector<Kept> kept; // few: those that were asked through has, get or keys
+    std::vector<Kept> kept; // few: those that were queried through has, get or keys
 };
 
 } // namespace connector::configuration::detail

@@ -1,4 +1,4 @@
-/// The tables behind the library's own sources.
+/// The tables of the library's own sources.
 #pragma once
 
 #include <connector/configuration/OptionValue.hpp>
@@ -18,19 +18,19 @@ namespace detail {
 class LookupScope;
 class SnapshotSource;
 
-/// Sees through a source of the library's own, so that a lookup need not call it. The
-/// configuration's mutex guards it.
+/// Gives a lookup the table of one of the library's own sources, so that it need not call the
+/// source. The configuration's mutex guards it.
 ///
-/// The table of a SnapshotSource can be exchanged at any time. The one of now is held here, and
-/// taken anew at most once in a lookup: so all of the lookup's questions are answered from one
-/// table, and a lookup that finds it unchanged costs one load more than one in a table that stays.
+/// The table of a SnapshotSource can be exchanged at any time. The current one is held here, and
+/// updated at most once in a lookup, so one table answers all queries of the lookup. If the table
+/// is unchanged, the lookup costs one load more than with a table that cannot be exchanged.
 class OwnTable {
 public:
     using Table = std::unordered_map<std::string, OptionValue>;
 
-    /// Finds the table of an InMemorySource or a PropertyFileSource, whose has and get do nothing
-    /// but look there, or of a SnapshotSource, which cannot override them. Every other class may
-    /// answer for itself, those derived from the first two included.
+    /// Finds the table of an InMemorySource or a PropertyFileSource, whose has and get only read
+    /// that table, or of a SnapshotSource, which cannot override them. Every other class may answer
+    /// by other means, including classes derived from the first two.
     /// @param source  outlives this object
     explicit OwnTable(const ConfigurationSource& source);
 
@@ -38,13 +38,14 @@ public:
     bool isKnown() const { return table != nullptr; }
 
     /// @return the table that answers this lookup, valid until it ends or the lock is released;
-    ///         null when the source must be asked
+    ///         null when the source must be queried
     const Table* in(LookupScope& lookup) { return exchangeable ? exchangeableIn(lookup) : table; }
 
-    /// @return the table of the last lookup, to be kept, where it can be exchanged; otherwise null
+    /// @return the table of the last lookup, to be kept alive, if it can be exchanged; otherwise
+    ///         null
     const std::shared_ptr<const Table>& snapshot() const { return held; }
 
-    /// @return whether the source has another table by now than the one held here
+    /// @return whether the source now has another table than the one held here
     bool isExchanged() const;
 
     /// Releases a table that has been exchanged, unless a lookup of this thread uses it.
@@ -58,9 +59,9 @@ private:
     void takeNewest();
 
     const SnapshotSource* exchangeable = nullptr; // the source, where its table can be exchanged
-    std::shared_ptr<const Table> held;            // the same as `table` then
+    std::shared_ptr<const Table> held;            // then the same as `table`
     const Table* table = nullptr;
-    std::uint64_t lastLookup = 0; // that took the newest table
+    std::uint64_t lastLookup = 0; // the one that took the newest table
 };
 
 } // namespace detail

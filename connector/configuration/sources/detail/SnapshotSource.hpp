@@ -1,4 +1,4 @@
-/// What the configuration knows of sources whose table is replaced as a whole.
+/// The interface of sources whose table is replaced as a whole.
 #pragma once
 
 #include <connector/configuration/sources/ConfigurationSource.hpp>
@@ -15,10 +15,10 @@ namespace connector::configuration::detail {
 /// A source that answers from an immutable table, which can be exchanged at any time, from any
 /// thread.
 ///
-/// A lookup of a configuration asks has and get one after the other, several times. All of them
-/// must be answered from one table, whatever is exchanged in between. So the first question of a
-/// lookup keeps the table of that moment in the lookup's LookupScope, and the others use it.
-/// Outside of a lookup every question is answered from the newest table.
+/// A lookup of a configuration calls has and get one after the other, several times. One table must
+/// answer all of these calls, even if the table is exchanged in between. So the first call of a
+/// lookup keeps the current table in the lookup's LookupScope, and the later calls use it. Outside
+/// of a lookup every call is answered from the newest table.
 ///
 /// has, get and keys are final: the configuration may look into the table instead of calling them.
 class CONNECTOR_EXPORT SnapshotSource : public ConfigurationSource {
@@ -44,7 +44,7 @@ protected:
     Snapshot newest() const;
 
     /// Makes a table the newest. Takes only the mutex below, for a moment.
-    /// @return the one before
+    /// @return the previous table
     Snapshot exchange(Snapshot table);
 
 private:

@@ -1,4 +1,4 @@
-/// What a declared option must keep to.
+/// The constraints of a declared option.
 #pragma once
 
 #include <connector/configuration/typed/detail/Facets.hpp>
@@ -14,7 +14,7 @@
 
 namespace connector::configuration::detail {
 
-/// The payload of a value as messages show it, written only when one does.
+/// The payload of a value as messages show it; only written when a message needs it.
 class ShownValue {
 public:
     ShownValue(const std::string& newKey, const OptionValue& newValue)
@@ -27,12 +27,12 @@ private:
     const OptionValue& value;
 };
 
-/// A check for a member of one type, whose type is forgotten.
+/// A check for a member of one type, with the type erased.
 struct Check {
     /// @param member  points to the value
-    /// @return what is wrong; empty when nothing is
+    /// @return the problem; empty when there is none
     std::function<std::string(const void* member, const ShownValue& shown)> problem;
-    Facets facets; ///< what a JSON Schema can say of it
+    Facets facets; ///< the part that a JSON Schema can express
 };
 
 /// A bound or a choice as messages have it: numbers and text bare, the rest as in a file.
@@ -147,7 +147,7 @@ struct HasCheck<T, Candidate,
                 std::void_t<decltype(std::declval<const Candidate&>().template checkFor<T>())>>
     : std::true_type {};
 
-/// @param candidate  one of those above, or a callable that answers what is wrong with a T
+/// @param candidate  one of those above, or a callable that returns the problem of a T
 template <typename T, typename Candidate>
 Check makeCheck(const Candidate& candidate) {
     if constexpr (HasCheck<T, Candidate>::value) {

@@ -1,4 +1,4 @@
-/// The conversion for each type: thin covers for Scalars.hpp.
+/// The conversion for each type: thin wrappers for Scalars.hpp.
 ///
 /// Conversion<T> has `static std::optional<T> from(const OptionValue&)`, empty for a value that
 /// does not convert, and `static std::string typeName()`.
@@ -39,7 +39,7 @@ inline constexpr bool isAlternative =
             std::vector<int>, std::vector<unsigned int>, std::vector<double>,
             std::vector<std::string>, std::vector<std::u16string>>;
 
-/// Whether the application brings its own conversion.
+/// Whether the application provides its own conversion.
 template <typename T, typename = void>
 struct HasConverter : std::false_type {};
 template <typename T>
@@ -248,12 +248,12 @@ constexpr int indexAmong(boost::variant<Candidates...>*) {
     return index;
 }
 
-/// Converts a value that nobody needs afterwards: what is of the type already is moved.
+/// Converts a value that is not needed afterwards: one that has the type already is moved.
 template <typename T>
 std::optional<T> convertOrMove(OptionValue& value) {
     if constexpr (isAlternative<T> && !HasConverter<T>::value) {
         constexpr int index = indexAmong<T>(static_cast<OptionValue*>(nullptr));
-        if (value.which() == index) // costs less than to get a pointer that is null
+        if (value.which() == index) // faster than getting a null pointer
             return std::move(boost::get<T>(value));
     }
     return Conversion<T>::from(value);

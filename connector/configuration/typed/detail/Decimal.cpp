@@ -71,7 +71,7 @@ std::optional<Decimal> readDecimal(std::string_view text) {
 std::optional<std::uint64_t> wholeQuotient(Decimal value, Wide factor, Wide divisor) {
     if (value.digits == 0)
         return 0;
-    // A whole number comes out exactly when every prime factor below the line is found above it.
+    // The result is whole only if every prime factor of the denominator is found in the numerator.
     for (std::size_t tens = 0; tens < value.scale; ++tens) {
         if (!divideOne(value.digits, factor, 2) || !divideOne(value.digits, factor, 5))
             return std::nullopt;

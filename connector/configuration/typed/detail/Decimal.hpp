@@ -1,4 +1,4 @@
-/// Exact arithmetic with what a person writes: digits, perhaps a point, perhaps more digits.
+/// Exact arithmetic with decimal numbers as text: digits, with an optional fraction.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace connector::configuration::detail {
 
 __extension__ using Wide = unsigned __int128;
 
-/// digits / 10^scale. Without trailing zeros behind the point.
+/// digits / 10^scale. Without trailing zeros after the point.
 struct Decimal {
     Wide digits = 0;
     std::size_t scale = 0;

@@ -118,7 +118,7 @@ std::string digitsOf(Wide number) {
     return digits;
 }
 
-/// @return the digits of rest / divisor behind the point; nothing when they never end
+/// @return the digits of rest / divisor after the point; nothing when they never end
 std::optional<std::string> fractionDigits(Wide rest, Wide divisor) {
     constexpr std::size_t most = 64; // a power of two of 64 bits ends by then
     std::string digits;
@@ -206,7 +206,7 @@ std::string writeRoundedTicks(double count, std::uintmax_t numerator, std::uintm
             written = count;
         }
     }
-    std::array<char, 1100> buffer{}; // the least double has 1,074 digits behind the point
+    std::array<char, 1100> buffer{}; // the least double has 1,074 digits after the point
     const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), written,
                                             std::chars_format::fixed);
     return std::string(buffer.data(), error == std::errc{} ? end : buffer.data()).append(unitName);

@@ -14,7 +14,7 @@ struct HasOperator<T, std::enable_if_t<std::is_convertible_v<
                           decltype(std::declval<const T&>() == std::declval<const T&>()), bool>>>
     : std::true_type {};
 
-/// The == of a list is declared for any type of elements, so those are asked.
+/// The == of a list is declared for any type of elements, so the element type is tested.
 template <typename T>
 struct HasEquality : HasOperator<T> {};
 template <typename T>

@@ -9,7 +9,7 @@
 
 namespace connector::configuration::detail {
 
-/// Names and JSON texts, in the order in which they came. Each name stands once.
+/// Names and JSON texts, in the order in which they were set. Each name appears once.
 class CONNECTOR_EXPORT Facets {
 public:
     Facets() = default;

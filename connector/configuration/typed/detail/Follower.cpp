@@ -70,8 +70,7 @@ void Follower::run(bool hasNews) noexcept {
         lock.lock();
     }
     state = State::Idle;
-    // An end that did not wait, because it came from inside of a listener, leaves this to the last
-    // call.
+    // If end did not wait, because it was called inside a listener, the last call releases instead.
     const bool isLast = ended && !awaited && !std::exchange(released, true);
     lock.unlock();
     if (isLast)

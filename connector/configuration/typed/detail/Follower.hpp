@@ -1,8 +1,8 @@
-/// Brings the newest state of something to a listener, whatever threads change it.
+/// Reports the newest state of something to a listener, whichever threads change it.
 ///
-/// What is brought is always read anew: the hint that something changed carries no value. So it
-/// does not matter in which order hints come, nor how late: the last thing that is read after the
-/// last hint is the present state.
+/// The state is always read anew: the hint that something changed carries no value. So the order
+/// and the delay of hints do not matter: the last reading after the last hint has the present
+/// state.
 ///
 ///              hint                    news, not ended
 ///     Idle ------------> Reading -------------------------> Telling
@@ -13,12 +13,12 @@
 ///      '-------------------------------------------------------'
 ///
 /// One thread at a time is in Reading and Telling: the one whose hint found Idle. A hint that finds
-/// another state only sets `again`, and returns; the thread that runs reads once more then. So no
-/// notifying thread ever waits for a listener that runs on another thread. It must not: it may hold
-/// the configuration's mutex, which that listener may need.
+/// another state only sets `again` and returns; the running thread then reads once more. So no
+/// notifying thread ever waits for a listener that runs on another thread. It must not wait: it may
+/// hold the configuration's mutex, which that listener may need.
 ///
-/// A follower begins in Reading, run by the thread that makes it: what happens before start() only
-/// sets `again`.
+/// A follower begins in Reading, run by the thread that makes it: a hint before start() only sets
+/// `again`.
 ///
 /// Locks: `mutex` is the innermost of all. Nothing is called while it is held.
 #pragma once
@@ -37,28 +37,29 @@ public:
     Follower(const Follower&) = delete;
     Follower& operator=(const Follower&) = delete;
 
-    /// Says that something may have changed. From any thread. The caller keeps the follower alive.
+    /// Reports that something may have changed. From any thread. The caller keeps the follower
+    /// alive.
     void hint() noexcept;
 
-    /// Reads for the first time, and tells. Called once, by whoever made the follower.
-    /// @throws what read throws the first time; nothing is told then
+    /// Reads for the first time, and notifies. Called once, by the code that made the follower.
+    /// @throws what read throws the first time; the listener is not notified then
     void start();
 
     /// After this no call of tell begins. Waits for a running one to end, unless this thread is
-    /// inside a call of tell of any follower. A thread that is told can call it.
+    /// inside a call of tell of any follower. May be called by the notified thread.
     void end() noexcept;
 
 protected:
     /// @param newKey  named when tell or read throws
     explicit Follower(std::string newKey);
 
-    /// Reads the present state. @return whether there is something to tell
+    /// Reads the present state. @return whether there is something to report
     virtual bool read() = 0;
 
-    /// Tells the listener what was read. What it throws is reported.
+    /// Notifies the listener of what was read. Its exceptions are reported.
     virtual void tell() = 0;
 
-    /// Lets everything go that tell needs, and the sources of hints. Called at most once, after
+    /// Releases everything that tell needs, and the sources of hints. Called at most once, after
     /// the last call of tell; a call of read may be running on another thread.
     virtual void release() noexcept = 0;
 
@@ -66,7 +67,7 @@ protected:
 
 private:
     enum class State {
-        Idle,    ///< nobody runs
+        Idle,    ///< no thread runs
         Reading, ///< a thread runs, and calls nothing that end must wait for
         Telling, ///< a thread runs the listener
     };

@@ -40,7 +40,7 @@ public:
         return item == emptyItem && text.compare(begin, 2, emptyItem) == 0 ? std::string() : item;
     }
 
-    /// Goes on behind the comma. @return whether there is one
+    /// Moves past the comma. @return whether there is one
     bool skipComma() { return at < text.size() && text[at++] == ','; }
 
 private:

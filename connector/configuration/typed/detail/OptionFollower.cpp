@@ -26,7 +26,7 @@ void OptionFollower::link(Configuration& followed, const std::weak_ptr<Follower>
 
 bool OptionFollower::read() {
     std::optional<Option> option;
-    if (const auto alive = configuration.lock()) // let go before anything is told
+    if (const auto alive = configuration.lock()) // released before the report
         option = findOption(*alive, key);
     return option && take(*std::move(option));
 }

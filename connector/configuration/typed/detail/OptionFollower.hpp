@@ -37,10 +37,10 @@ public:
 protected:
     OptionFollower(const std::weak_ptr<Configuration>& newConfiguration, const std::string& newKey);
 
-    /// Called with the option as it is now. @return whether there is something to tell
+    /// Called with the present option. @return whether there is something to report
     virtual bool take(Option&& option) = 0;
 
-    /// Remembers a value that does not convert. @return whether it is another one than before
+    /// Remembers a value that does not convert. @return whether it differs from the one before
     bool refuse(Option&& option, const std::string& expected);
 
     /// Forgets it. @return whether there was one
@@ -56,7 +56,7 @@ private:
 
     const std::weak_ptr<Configuration> configuration;
     std::optional<StreamLink> stream;
-    std::optional<Option> refused; // touched by the thread that runs only, like the problem
+    std::optional<Option> refused; // used by the running thread only, like the problem
 };
 
 } // namespace connector::configuration::detail

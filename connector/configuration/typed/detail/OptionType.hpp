@@ -1,4 +1,4 @@
-/// The type of a declared option, without its name: what a schema must know of a member.
+/// The type of a declared option, with the type erased: what a schema needs to know of a member.
 #pragma once
 
 #include <connector/Export.hpp>

@@ -37,7 +37,7 @@ std::string propertyKey(const std::string& key) {
 }
 
 std::string propertyValue(const std::string& value) {
-    return escaped(value, "=: \t", 1); // behind the separator they would be part of it
+    return escaped(value, "=: \t", 1); // after the separator they would be part of it
 }
 
 std::string propertyComment(const std::string& text) {

@@ -5,10 +5,10 @@
 
 namespace connector::configuration::detail {
 
-/// @return the key, so that it ends where its separator stands
+/// @return the key, escaped so that it ends at its separator
 std::string propertyKey(const std::string& key);
 
-/// @return a value of any bytes, so that it reads back behind a "=" on a line that ends
+/// @return a value of any bytes, escaped so that it reads back after a "=" on a line that ends
 std::string propertyValue(const std::string& value);
 
 /// @return comment lines, as many as the text has, each with its end

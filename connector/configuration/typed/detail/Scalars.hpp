@@ -1,4 +1,4 @@
-/// The conversions of one value, without templates. Each answers false, and leaves `place` alone,
+/// The conversions of one value, without templates. Each returns false, and leaves `place` alone,
 /// when the value does not convert.
 #pragma once
 
@@ -16,7 +16,7 @@ namespace connector::configuration::detail {
 
 CONNECTOR_EXPORT bool toBool(const OptionValue& value, bool& place);
 
-/// @param least, greatest  of the type of integers that is asked for
+/// @param least, greatest  of the requested integer type
 CONNECTOR_EXPORT bool toSigned(const OptionValue& value, std::int64_t least, std::int64_t greatest,
                                std::int64_t& place);
 CONNECTOR_EXPORT bool toUnsigned(const OptionValue& value, std::uint64_t greatest,

@@ -61,11 +61,11 @@ public:
     ///         PREFIX"
     void addGroup(const std::string& name, const SchemaCore& inner, const Place& place);
 
-    /// Reads all options into settings that have the defaults. @return what is wrong
+    /// Reads all options into settings that have the defaults. @return the problems
     std::vector<OptionProblem> read(Configuration& configuration, UnknownKeys unknownKeys,
                                     void* settings) const;
 
-    /// Converts and checks one value. @return what is wrong; empty when nothing is
+    /// Converts and checks one value. @return the problem; empty when there is none
     std::string readOne(const DeclaredOption& option, const OptionValue& value,
                         void* settings) const;
 

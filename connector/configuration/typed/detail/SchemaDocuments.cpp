@@ -1,4 +1,4 @@
-/// What a schema says of itself.
+/// The documents that a schema writes: help, sample file, JSON Schema.
 #include <connector/configuration/typed/detail/SchemaCore.hpp>
 
 #include <connector/configuration/typed/detail/PropertyText.hpp>

@@ -1,4 +1,4 @@
-/// Reading settings: one moment of the configuration against all that is declared.
+/// Reads settings: all declared options at one moment of the configuration.
 #include <connector/configuration/typed/detail/SchemaCore.hpp>
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t farthestSuggestion = 2;
 
-/// One option after the other: for configurations that cannot tell of one moment.
+/// One option after the other: for configurations that cannot read several at one moment.
 std::vector<Option> optionsOf(Configuration& configuration, const std::vector<std::string>& keys) {
     std::vector<Option> options;
     for (const std::string& key : keys) {
@@ -52,7 +52,7 @@ public:
         }
     }
 
-    /// Takes what is declared out of a list sorted by key, and complains of the rest.
+    /// Takes the declared options out of a list sorted by key, and reports the others.
     void takeAll(std::vector<Option>&& options) {
         std::vector<bool> isKnown(options.size());
         for (const DeclaredOption& declared : schema.declared) {

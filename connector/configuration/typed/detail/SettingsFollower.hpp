@@ -14,7 +14,7 @@
 
 namespace connector::configuration::detail {
 
-/// Reads the settings anew at every hint, keeps the good ones, and hints those who listen.
+/// Reads the settings anew at every hint, keeps the good ones, and hints the listeners.
 class CONNECTOR_EXPORT SettingsFollower : public Follower {
 public:
     ~SettingsFollower() override;
@@ -32,9 +32,9 @@ public:
 protected:
     explicit SettingsFollower(const std::string& prefix);
 
-    /// Reads the settings, and keeps them when nothing is wrong.
-    /// @param isNew  set when they are kept, and are others than before
-    /// @return what is wrong
+    /// Reads the settings, and keeps them when there is no problem.
+    /// @param isNew  set when they are kept, and differ from those before
+    /// @return the problems
     virtual std::vector<OptionProblem> readSettings(Configuration& alive, bool& isNew) = 0;
 
 private:

@@ -23,7 +23,7 @@ public:
         if (const auto alive = follower.lock())
             alive->hint();
     }
-    void onComplete() override {} // the configuration is gone: the last value stays
+    void onComplete() override {} // the configuration is destroyed: the last value stays
     void onError(std::exception_ptr) override {}
 
     void cancel() {

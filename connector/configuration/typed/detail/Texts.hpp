@@ -1,5 +1,5 @@
 /// The texts of everything that typed options throw or report. They are part of the interface: not
-/// one character changes. Where a text begins or ends in a blank, what it is about follows
+/// one character may change. Where a text begins or ends in a blank, the variable part follows
 /// directly.
 #pragma once
 

@@ -27,7 +27,7 @@ public:
     void store(T&& newValue) {
         auto next = std::make_shared<const T>(std::move(newValue));
         const std::lock_guard<std::mutex> lock(mutex);
-        value.swap(next); // the old one goes after the lock
+        value.swap(next); // the old one is destroyed after the lock
     }
 
 private:
@@ -35,7 +35,7 @@ private:
     std::shared_ptr<const T> value;
 };
 
-/// Keeps a small type as bits. Nothing waits; a read is one load.
+/// Keeps a small type as bits. No thread waits; a read is one load.
 template <typename T>
 class AtomicCell {
 public:
