@@ -22,6 +22,8 @@ bool isUtf8(std::string_view text) {
 
 bool isControl(char32_t codePoint) {
     return codePoint < 0x20 || (codePoint >= 0x7F && codePoint <= 0x9F) ||
+           codePoint == 0x061C ||                        // Arabic letter mark
+           codePoint == 0x200E || codePoint == 0x200F || // left-to-right and right-to-left mark
            (codePoint >= 0x2028 && codePoint <= 0x202E) ||
            (codePoint >= 0x2066 && codePoint <= 0x2069);
 }

@@ -27,6 +27,9 @@ TEST(Escaped, HasNoControlCharacters) {
         {__LINE__, "\xf0\x9f\x98\x80", "\xf0\x9f\x98\x80"},
         {__LINE__, "\xe2\x80\xa8\xe2\x80\xa9", "\\u2028\\u2029"}, // line and paragraph separators
         {__LINE__, "\xe2\x80\xae\xe2\x81\xa6", "\\u202e\\u2066"}, // writing direction
+        {__LINE__, "\xe2\x80\x8e\xe2\x80\x8f\xd8\x9c", "\\u200e\\u200f\\u061c"},
+        {__LINE__, "\xe2\x80\x8d\xe2\x80\x90\xd8\x9b\xd8\x9d", // their neighbours
+         "\xe2\x80\x8d\xe2\x80\x90\xd8\x9b\xd8\x9d"},
         {__LINE__, "\xff\xfe", "\\xff\\xfe"},
         {__LINE__, "\xc3", "\\xc3"},                   // truncated
         {__LINE__, "\xe2\x82x", "\\xe2\\x82x"},        // truncated before another character
@@ -48,9 +51,10 @@ TEST(ToValidUtf8, ReplacesBytesThatAreNotUtf8) {
 }
 
 TEST(EscapedJson, EscapesControlCharactersWithoutChangingTheMeaning) {
-    const std::string document = "[\"a\x7f\xc2\x85\xe2\x80\xa8\xc3\xa9\"]";
+    const std::string document =
+        "[\"a\x7f\xc2\x85\xe2\x80\xa8\xe2\x80\x8e\xe2\x80\x8f\xd8\x9c\xc3\xa9\"]";
     const std::string result = escapedJson(document);
-    EXPECT_EQ("[\"a\\u007f\\u0085\\u2028\xc3\xa9\"]", result);
+    EXPECT_EQ("[\"a\\u007f\\u0085\\u2028\\u200e\\u200f\\u061c\xc3\xa9\"]", result);
     EXPECT_EQ(Poco::JSON::Parser().parse(document).toString(),
               Poco::JSON::Parser().parse(result).toString());
 }
