@@ -5,6 +5,8 @@
 #include <connector/service/messages/MessageService.hpp>
 #include <connector/service/text/Secrets.hpp>
 
+#include <connector/configuration/service/AddPropertyFileSource.hpp>
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,9 +14,15 @@
 
 namespace connector::service {
 
-/// In bytes. Loading takes quadratic time if all keys of a file have the same hash value, so
-/// clients must not be able to add files of any size.
-constexpr std::uintmax_t maxPropertyFileSize = 64 * 1024 * 1024;
+/// The default limit of property files, in bytes. Loading takes quadratic time if all keys of a
+/// file have the same hash value, so clients must not be able to add files of any size.
+constexpr std::uintmax_t defaultMaxFileSize = 64 * 1024 * 1024;
+
+/// The order of a file for which the client names none. It is consulted after "override".
+constexpr int defaultFileOrder = 100;
+
+/// Files must not be consulted before "override" (order 0), whose values the user has chosen.
+constexpr int minFileOrder = 1;
 
 /// Immutable. May be used from any thread.
 class Policy {
@@ -23,27 +31,34 @@ public:
     /// @param newPropertyRoot      clients may add the files below this directory; none for no
     ///                             files
     /// @param newSecrets           keys whose values are masked in the reply to a ConfigurationSet
+    /// @param newMaxFileSize       of the files that clients add, in bytes
     Policy(std::vector<std::string> newWritablePrefixes,
-           std::optional<PropertyRoot> newPropertyRoot, Secrets newSecrets)
+           std::optional<PropertyRoot> newPropertyRoot, Secrets newSecrets,
+           std::uintmax_t newMaxFileSize = defaultMaxFileSize)
         : writablePrefixes(std::move(newWritablePrefixes)),
-          propertyRoot(std::move(newPropertyRoot)), secrets(std::move(newSecrets)) {}
+          propertyRoot(std::move(newPropertyRoot)), secrets(std::move(newSecrets)),
+          maxFileSize(newMaxFileSize) {}
 
     /// Where an option would allow a refused message, the refusal names the option.
     ///
     /// The reply to a ConfigurationSet contains the previous value, if there was one. For a secret
     /// key the reply is always masked, so that it does not show whether there was one.
     ///
-    /// In an AddPropertyFileSource that is allowed, the path is replaced by one that leads to the
-    /// checked file even if its name leads elsewhere by the time the file is opened.
+    /// An AddPropertyFileSource that is allowed is changed in two ways. The path is replaced by one
+    /// that leads to the checked file even if its name leads elsewhere by the time the file is
+    /// opened. And the source becomes read-only, because a writable one would be asked to store
+    /// values, which a property file cannot do. The size of a file is its length, also if it is
+    /// sparse.
     Decision authorize(Message& message) const;
 
 private:
     Decision authorizeSet(const std::string& key) const;
-    Decision authorizeFile(std::u16string& path) const;
+    Decision authorizeFile(configuration::AddPropertyFileSource& add) const;
 
     const std::vector<std::string> writablePrefixes;
     const std::optional<PropertyRoot> propertyRoot;
     const Secrets secrets;
+    const std::uintmax_t maxFileSize;
 };
 
 } // namespace connector::service

@@ -6,8 +6,9 @@ HttpService::HttpService(configuration::ConfigurationImpl& configuration, Reques
                          Policy newPolicy, const Secrets& newSecrets,
                          const Poco::Net::ServerSocket& socket, const HttpLimits& limits)
     : guard(std::move(newGuard)), policy(std::move(newPolicy)), secrets(newSecrets),
-      service(configuration.getPtr(),
-              [this](Message& message) { return policy.authorize(message); }),
+      service(
+          configuration.getPtr(), [this](Message& message) { return policy.authorize(message); },
+          defaultFileOrder),
       routes(service, configuration, secrets),
       events(secrets, limits.commentInterval, limits.maxWatchers), context{guard,           routes,
                                                                            configuration,   events,

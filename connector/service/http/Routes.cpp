@@ -55,6 +55,8 @@ Status statusOf(Outcome outcome) {
         return HTTPResponse::HTTP_BAD_REQUEST;
     case Outcome::Refused:
         return HTTPResponse::HTTP_FORBIDDEN;
+    case Outcome::TooLarge:
+        return HTTPResponse::HTTP_REQUEST_ENTITY_TOO_LARGE;
     case Outcome::Failed:
         return HTTPResponse::HTTP_UNPROCESSABLE_ENTITY;
     case Outcome::Stopped:

@@ -1,6 +1,7 @@
 #include <connector/service/messages/MessageService.hpp>
 
 #include <connector/service/messages/ParsedRequest.hpp>
+#include <connector/service/messages/TooManyElements.hpp>
 #include <connector/service/text/Json.hpp>
 #include <connector/service/text/LoadingGroup.hpp>
 #include <connector/service/text/Secrets.hpp>
@@ -23,6 +24,12 @@ namespace {
 std::string addedGroup(const Message& message) {
     const auto* const add = dynamic_cast<const AddPropertyFileSource*>(&message);
     return add == nullptr ? std::string() : add->group;
+}
+
+void addMissingOrder(const Poco::JSON::Object& envelope, int order) {
+    Poco::JSON::Object::Ptr content = envelope.getObject("message");
+    if (!content.isNull() && content->isNull("order"))
+        content->set("order", order);
 }
 
 void maskValue(Message& reply) {
@@ -49,6 +56,8 @@ public:
             return {Outcome::Done, withId(id, execute(text))};
         } catch (const Refusal& refusal) {
             return {outcome, errorJson(refusal.text, id)};
+        } catch (const TooManyElements& error) {
+            return {Outcome::TooLarge, errorJson(error, id)};
         } catch (const std::exception& error) {
             return {outcome, errorJson(error, id)};
         } catch (...) {
@@ -58,9 +67,7 @@ public:
 
 private:
     std::string execute(const std::string& text) {
-        const ParsedRequest request = parseRequest(text);
-        id = request.id;
-        MessagePtr message = service.serializer->deserialize(request.content());
+        MessagePtr message = read(text);
         const Decision decision = authorize(*message);
         const MessagePtr reply = resultOf(dispatch(std::move(message)));
         if (decision.masksValue)
@@ -68,9 +75,20 @@ private:
         return toText(reply);
     }
 
+    /// The objects of the request are gone when this returns.
+    MessagePtr read(const std::string& text) {
+        const ParsedRequest request = parseRequest(text);
+        id = request.id;
+        if (service.missingOrder && !request.object.isNull())
+            addMissingOrder(*request.object, *service.missingOrder);
+        return service.serializer->deserialize(request.content());
+    }
+
     Decision authorize(Message& message) {
         outcome = Outcome::Refused;
-        const Decision decision = service.authorizer ? service.authorizer(message) : Decision{};
+        Decision decision = service.authorizer ? service.authorizer(message) : Decision{};
+        if (decision.isTooLarge)
+            outcome = Outcome::TooLarge;
         if (decision.refusal)
             throw Refusal{*decision.refusal};
         return decision;
@@ -97,6 +115,10 @@ private:
     }
 
     std::string toText(const MessagePtr& reply) const {
+        if (const auto* const response = dynamic_cast<ConfigurationOptionResponse*>(reply.get());
+            response != nullptr && response->option)
+            return R"({"type":"connector/configuration/ConfigurationOptionResponse","message":)" +
+                   optionJson(*response->option) + "}";
         const Poco::JSON::Object::Ptr written = service.serializer->serialize(reply);
         Poco::JSON::Object::Ptr object = makeObject(); // puts the type first, for human readers
         object->set("type", written->get("type"));
@@ -110,10 +132,10 @@ private:
 };
 
 MessageService::MessageService(const std::shared_ptr<configuration::Configuration>& configuration,
-                               Authorizer newAuthorizer)
+                               Authorizer newAuthorizer, std::optional<int> newMissingOrder)
     : serializer(std::make_shared<json::JsonSerializerImpl>()), serialization(serializer),
       provider(std::make_shared<ConfigurationServiceProviderImpl>(configuration)),
-      authorizer(std::move(newAuthorizer)) {
+      authorizer(std::move(newAuthorizer)), missingOrder(newMissingOrder) {
     provider->start();
 }
 

@@ -20,6 +20,7 @@ struct Decision {
     std::optional<std::string> refusal;    ///< the reason if the message is refused
     std::shared_ptr<const void> keepAlive; ///< released only after the message has been executed
     bool masksValue = false;               ///< the reply must not show the option's value
+    bool isTooLarge = false; ///< with a refusal: what the message would load is too large
 };
 
 /// Decides whether a message may be executed. May modify the message, to restrict it to exactly
@@ -30,9 +31,11 @@ using Authorizer = std::function<Decision(Message&)>;
 /// All operations may be called from any thread.
 class MessageService {
 public:
-    /// @param newAuthorizer  asked about every message; without one, everything is allowed
+    /// @param newAuthorizer    asked about every message; without one, everything is allowed
+    /// @param newMissingOrder  the order of an AddPropertyFileSource whose "order" is missing or
+    ///                         null; without one, this is 0
     explicit MessageService(const std::shared_ptr<configuration::Configuration>& configuration,
-                            Authorizer newAuthorizer = {});
+                            Authorizer newAuthorizer = {}, std::optional<int> newMissingOrder = {});
     ~MessageService();
 
     /// Executes a request. Every failure, whatever the request, is reported in the reply.
@@ -48,6 +51,7 @@ private:
     const configuration::ConfigurationJsonSerialization serialization;
     const std::shared_ptr<configuration::ConfigurationServiceProviderImpl> provider;
     const Authorizer authorizer;
+    const std::optional<int> missingOrder;
 };
 
 } // namespace connector::service

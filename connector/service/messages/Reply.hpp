@@ -11,6 +11,7 @@ enum class Outcome {
     Done,           ///< the reply is a message
     InvalidMessage, ///< the request is not a message, or not one that the service accepts
     Refused,        ///< the client is not allowed to do this
+    TooLarge,       ///< the request has too many elements, or would load too much
     Failed,         ///< the configuration threw an exception
     Stopped,        ///< the service has been stopped
 };

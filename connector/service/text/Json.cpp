@@ -7,13 +7,18 @@
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Stringifier.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <sstream>
+#include <vector>
 
 namespace connector::service {
 
 namespace {
 
+using connector::configuration::fromOptionValue;
+using connector::configuration::OptionValue;
 using Poco::Dynamic::Var;
 using Poco::JSON::Array;
 using Poco::JSON::Object;
@@ -46,6 +51,33 @@ Var representableInJson(const Var& value) {
     return value;
 }
 
+/// Writes {"type", "value"}.
+struct ValueWriter : boost::static_visitor<std::string> {
+    template <typename Scalar>
+    std::string operator()(const Scalar& value) const {
+        return jsonText(fromOptionValue(value));
+    }
+
+    /// Builds the objects of some elements at a time.
+    template <typename Element>
+    std::string operator()(const std::vector<Element>& elements) const {
+        constexpr std::size_t elementsAtATime = 256;
+        const OptionValue none = std::vector<Element>();
+        std::string text = "{\"type\":" + jsonText(fromOptionValue(none)->get("type"));
+        text += ",\"value\":[";
+        for (std::size_t done = 0; done < elements.size(); done += elementsAtATime) {
+            const auto first = elements.begin() + static_cast<std::ptrdiff_t>(done);
+            const auto count = std::min(elementsAtATime, elements.size() - done);
+            const OptionValue some =
+                std::vector<Element>(first, first + static_cast<std::ptrdiff_t>(count));
+            const std::string array = jsonText(fromOptionValue(some)->get("value"));
+            text += done == 0 ? "" : ",";
+            text.append(array, 1, array.size() - 2); // without its brackets
+        }
+        return text + "]}";
+    }
+};
+
 } // namespace
 
 Object::Ptr toJson(const connector::configuration::Option& option) {
@@ -54,6 +86,11 @@ Object::Ptr toJson(const connector::configuration::Option& option) {
     object->set("source", option.source);
     object->set("value", connector::configuration::fromOptionValue(option.value));
     return object;
+}
+
+std::string optionJson(const connector::configuration::Option& option) {
+    return "{\"key\":" + jsonText(option.key) + ",\"source\":" + jsonText(option.source) +
+           ",\"value\":" + boost::apply_visitor(ValueWriter(), option.value) + "}";
 }
 
 Object::Ptr makeObject() {

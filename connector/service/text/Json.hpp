@@ -14,6 +14,11 @@ namespace connector::service {
 /// @return {"key", "source", "value": {"type", "value"}}
 Poco::JSON::Object::Ptr toJson(const connector::configuration::Option& option);
 
+/// @return the text of toJson(option), like jsonText. Takes little more memory than the text, which
+///         the objects of an array would exceed many times.
+/// @throws std::runtime_error "Text is not valid UTF-16"
+std::string optionJson(const connector::configuration::Option& option);
+
 /// @return an empty object that keeps its members in the order in which they are set
 Poco::JSON::Object::Ptr makeObject();
 

@@ -144,6 +144,26 @@ TEST_F(HostileRequests, DeepNestingGets400) {
               response.body);
 }
 
+/// @return a request of 1 MiB with a member that holds many empty objects
+std::string manyObjects(const std::string& member) {
+    std::string body =
+        R"({"type":"connector/configuration/ConfigurationGet","message":{"key":"a",)" + member +
+        ":[{}";
+    while (body.size() < maxRequestSize - 10)
+        body += ",{}";
+    return body + "]}}";
+}
+
+TEST_F(HostileRequests, TooManyElementsGet413) {
+    expectAnswer(413, "A request has too many elements: they would take more than 4 MiB of memory",
+                 post(port(), manyObjects("\"source\"")));
+}
+
+TEST_F(HostileRequests, ElementsThatNobodyReadsAreIgnored) {
+    EXPECT_EQ(200, post(port(), manyObjects("\"x\"")).status);
+    EXPECT_EQ(400, post(port(), manyObjects("\"x\"") + "x").status);
+}
+
 TEST_F(HostileRequests, AnInvalidContentLengthGets400) {
     for (const char* length : {"", "x", "-1", "+2", "0x2", "2, 2", "2.0", "1 1"}) {
         SCOPED_TRACE(length);

@@ -160,10 +160,57 @@ TEST_F(AddingFiles, RefusesFilesOutsideTheRoot) {
 
 TEST_F(AddingFiles, RefusesFilesLargerThan64MiB) {
     const ServerProcess server(withRoot());
-    fs::resize_file(inside, 64 * 1024 * 1024 + 1);
-    expectRefusal("Property file is larger than 64 MiB: " + inside,
-                  post(server.port(), addMessage("n", inside)));
+    for (const std::uintmax_t size :
+         {std::uintmax_t(64 * 1024 * 1024 + 1), std::uintmax_t(64) << 30}) {
+        fs::resize_file(inside, size); // sparse, but its length counts
+        const HttpResponse response = post(server.port(), addMessage("n", inside));
+        EXPECT_EQ(413, response.status);
+        EXPECT_EQ("Property file is larger than 64 MiB: " + inside, errorOf(response.body));
+    }
     EXPECT_EQ("[]\n", get(server.port(), "/options").body);
+}
+
+/// @return a message that adds a file as "n", with more members
+std::string addMessageWith(const std::string& members, const std::string& path) {
+    return R"({"type":"connector/configuration/AddPropertyFileSource","message":{"name":"n","path":")" +
+           path + "\"," + members + "}}";
+}
+
+TEST_F(AddingFiles, RefusesOrdersBelowOne) {
+    const ServerProcess server(withRoot(), {"-s", "a=0"});
+    for (const char* order : {"-1", "0", "-2147483648"}) {
+        SCOPED_TRACE(order);
+        expectRefusal(
+            std::string("Order of a file must be at least 1: ") + order,
+            post(server.port(), addMessageWith(std::string("\"order\":") + order, inside)));
+    }
+    expectRefusal("Order of a file must be at least 1: 0", // text that does not convert reads as 0
+                  post(server.port(), addMessageWith(R"("order":"x")", inside)));
+    EXPECT_EQ(200, post(server.port(), addMessageWith(R"("order":1)", inside)).status);
+    EXPECT_NE(std::string::npos, get(server.port(), "/options/a").body.find("override"));
+}
+
+TEST_F(AddingFiles, AMissingOrderIs100) {
+    const std::string after = base.write("rooted/c.properties", "c=1\n").string();
+    base.write("root/a.properties", "b=2\nc=2\n");
+    for (const char* members : {R"("group":"")", R"("order":null)"}) {
+        SCOPED_TRACE(members);
+        const ServerProcess server(withRoot(), {"-f", "path=" + outside + ",name=before,order=99",
+                                                "-f", "path=" + after + ",name=after,order=101"});
+        EXPECT_EQ(200, post(server.port(), addMessageWith(members, inside)).status);
+        EXPECT_NE(std::string::npos, get(server.port(), "/options/b").body.find("\"before\""));
+        EXPECT_NE(std::string::npos, get(server.port(), "/options/c").body.find("\"n\""));
+    }
+}
+
+TEST_F(AddingFiles, AddsThemReadOnlyWhateverTheMessageSays) {
+    std::vector<std::string> arguments = withRoot();
+    arguments.insert(arguments.end(), {"--writable", ""});
+    const ServerProcess server(arguments, {"-s", "b=0"});
+    EXPECT_EQ(200,
+              post(server.port(), addMessageWith(R"("order":1,"readOnly":false)", inside)).status);
+    EXPECT_EQ(200, post(server.port(), setMessage("a", "2")).status);
+    EXPECT_EQ(200, post(server.port(), setMessage("b", "2")).status);
 }
 
 TEST_F(AddingFiles, RefusesAPipeWithoutBlocking) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 namespace {
@@ -36,6 +37,10 @@ TEST(ParsedRequest, RejectsInvalidJson) {
         {__LINE__, "{\"a\":-}"},
         {__LINE__, "{\"a\":099999999999999999999999}"},
         {__LINE__, "{\"a\":1e400x}"},
+        {__LINE__, "{\"a\":12345e}"},
+        {__LINE__, "{\"a\":12345.}"},
+        {__LINE__, "{\"a\":123-456}"},
+        {__LINE__, "{\"a\":1 2}"},
         {__LINE__, "{\"a\":0x10}"},
         {__LINE__, "{\"a\":NaN}"},
         {__LINE__, "{\"a\":Infinity}"},
@@ -87,40 +92,86 @@ TEST(ParsedRequest, IgnoresSurroundingWhitespace) {
     EXPECT_TRUE(parseRequest(" \t\r\n{ }\n ").object->getNames().empty());
 }
 
+/// @return the member "key" of the message in a request where it has this value
+Poco::Dynamic::Var keyOf(const std::string& json) {
+    return parseRequest(R"({"message":{"key":)" + json + "}}")
+        .object->getObject("message")
+        ->get("key");
+}
+
 TEST(ParsedRequest, TheLastMemberOfANameCounts) {
-    EXPECT_EQ(2, parseRequest(R"({"a":1,"a":2})").object->getValue<int>("a"));
+    EXPECT_EQ(2, parseRequest(R"({"type":1,"type":2})").object->getValue<int>("type"));
+    const auto object =
+        parseRequest(R"({"message":{"key":1,"name":2},"message":{"k\u0065y":3}})").object;
+    EXPECT_EQ(3, object->getObject("message")->getValue<int>("key"));
+    EXPECT_FALSE(object->getObject("message")->has("name"));
+    EXPECT_TRUE(
+        parseRequest(R"({"message":{},"message":[]})").object->getObject("message").isNull());
 }
 
 TEST(ParsedRequest, AStringMayContainNul) {
-    EXPECT_EQ(std::string("x\0y", 3),
-              parseRequest(R"({"a":"x\u0000y"})").object->getValue<std::string>("a"));
+    EXPECT_EQ(std::string("x\0y", 3), keyOf(R"("x\u0000y")").convert<std::string>());
 }
 
 TEST(ParsedRequest, ReadsNumbersThatFitNoTypeAsText) {
     for (const std::string number : {"1e400", "-1e400", "1.5E+999", "99999999999999999999",
                                      "-9223372036854775809", "18446744073709551616"}) {
         SCOPED_TRACE(number);
-        const auto object = parseRequest("{\"a\":" + number + ",\"b\":[" + number + "]}").object;
-        EXPECT_EQ(number, object->getValue<std::string>("a"));
-        EXPECT_EQ(number, object->getArray("b")->getElement<std::string>(0));
+        EXPECT_TRUE(keyOf(number).isString());
+        EXPECT_EQ(number, keyOf(number).extract<std::string>());
+        EXPECT_EQ(number, keyOf("[" + number + "]")
+                              .extract<Poco::JSON::Array::Ptr>()
+                              ->getElement<std::string>(0));
     }
 }
 
 TEST(ParsedRequest, ReadsOtherNumbersAsNumbers) {
     for (const char* number : {"0", "-1", "-9223372036854775808", "9223372036854775807",
-                               "9223372036854775808", "18446744073709551615", "1.5", "1e+300"}) {
+                               "9223372036854775808", "18446744073709551615", "1.5", "1e+300",
+                               "-92233720368575809", "0.00001", "123456789.125"}) {
         SCOPED_TRACE(number);
-        const auto object = parseRequest(std::string("{\"a\":") + number + "}").object;
-        EXPECT_EQ(number, object->getValue<std::string>("a"));
-        EXPECT_TRUE(object->get("a").isNumeric());
-        EXPECT_FALSE(object->get("a").isString());
+        EXPECT_EQ(number, keyOf(number).convert<std::string>());
+        EXPECT_TRUE(keyOf(number).isNumeric());
+        EXPECT_FALSE(keyOf(number).isString());
     }
 }
 
 TEST(ParsedRequest, LeavesDigitsInStringsUnchanged) {
-    EXPECT_EQ(
-        "\"1e400 99999999999999999999",
-        parseRequest(R"({"a":"\"1e400 99999999999999999999"})").object->getValue<std::string>("a"));
+    EXPECT_EQ("\"1e400 99999999999999999999",
+              keyOf(R"("\"1e400 99999999999999999999")").convert<std::string>());
+    EXPECT_EQ("\\1234", keyOf(R"("\\1234")").convert<std::string>());
+}
+
+TEST(ParsedRequest, BuildsOnlyWhatMessagesRead) {
+    const struct {
+        int line;
+        const char* request;
+        const char* built;
+    } rows[] = {
+        {__LINE__, R"({"id":{"a":1},"x":[{}],"types":"a"})", "{}"},
+        {__LINE__, R"({"type":{"a":[1]}})", R"({"type":{"a":[1]}})"},
+        {__LINE__, R"({"message":[{"key":1}]})", R"({"message":null})"},
+        {__LINE__, R"({"message":"text"})", R"({"message":null})"},
+        {__LINE__, R"({"message":{"x":{"key":1},"Key":2,"key":{"x":[{}]}}})",
+         R"({"message":{"key":{"x":[{}]}}})"},
+        {__LINE__, R"({"message":{"value":[1]}})", R"({"message":{"value":null}})"},
+        {__LINE__, R"({"message":{"value":{"x":1,"type":"a","value":[[1]]}}})",
+         R"({"message":{"value":{"type":"a","value":[[1]]}}})"},
+        {__LINE__, R"({"message":{"order":"7","readOnly":0}})",
+         R"({"message":{"order":"7","readOnly":0}})"},
+        {__LINE__, R"({"message":{"order":[[1,2],3],"readOnly":{}}})",
+         R"({"message":{"order":[null],"readOnly":[]}})"},
+        {__LINE__, R"({"message":{"readOnly":{"a":{"b":1}},"path":"p"}})",
+         R"({"message":{"path":"p","readOnly":[null]}})"},
+        {__LINE__, R"({"message":{"source":1,"name":2,"group":3,"path":4,"keys":[5]}})",
+         R"({"message":{"group":3,"keys":[5],"name":2,"path":4,"source":1}})"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        std::ostringstream built;
+        parseRequest(row.request).object->stringify(built);
+        EXPECT_EQ(row.built, built.str());
+    }
 }
 
 TEST(ParsedRequest, LimitsNesting) {

@@ -200,6 +200,38 @@ TEST(ServeLines, RepliesToRequestsOfAnyNesting) {
     }
 }
 
+TEST(ServeLines, RefusesTooManyElementsWithTheId) {
+    std::string elements = "{}";
+    for (int i = 0; i < 100000; ++i)
+        elements += ",{}";
+    EXPECT_EQ("{\"id\":7," + errorLine("connector::service::TooManyElements",
+                                       "A request has too many elements: they would take more than "
+                                       "4 MiB of memory")
+                                 .substr(1),
+              replies("{\"type\":[" + elements + "],\"id\":7}"));
+    EXPECT_EQ("{\"id\":1," + std::string(portReply),
+              replies("{\"x\":[" + elements + "]," + std::string(getPort).substr(1),
+                      {"-s", "net.port:int=80"}));
+}
+
+TEST(ServeLines, AddsFilesAsTheMessageSays) {
+    const TemporaryFile file("k=1\n");
+    const auto add = [&file](const std::string& members) {
+        return R"({"type":"connector/configuration/AddPropertyFileSource","message":{"name":"f",)" +
+               members + R"("path":")" + file.path() + "\"}}\n";
+    };
+    const std::string added = R"({"type":"connector/Message","message":{}})"
+                              "\n";
+    const std::string set =
+        R"({"type":"connector/configuration/ConfigurationSet","message":{"key":"k","value":{"type":"int","value":1}}})";
+    EXPECT_EQ(added +
+                  errorLine("std::runtime_error", "PropertyFileSource does not support writing"),
+              replies(add(R"("order":-1,"readOnly":false,)") + set));
+    EXPECT_EQ(added +
+                  errorLine("std::runtime_error", "PropertyFileSource does not support writing"),
+              replies(add(R"("readOnly":false,)") + set, {"-f", file.named("g", ",order=1")}));
+}
+
 TEST(ServeLines, ReadsNumbersOfAnySize) {
     const std::string digits(1000, '9');
     EXPECT_EQ(
