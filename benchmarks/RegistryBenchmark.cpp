@@ -53,9 +53,10 @@ configurationOf(const std::vector<std::pair<std::string, Table>>& tables) {
     auto configuration = std::make_shared<ConfigurationImpl>();
     for (const auto& [group, table] : tables) {
         Table copy = table;
-        configuration->addInMemorySource("source" +
-                                             std::to_string(configuration->keys().get().size()),
-                                         group, 5, true, std::move(copy));
+        configuration
+            ->addInMemorySource("source" + std::to_string(configuration->keys().get().size()),
+                                group, 5, true, std::move(copy))
+            .get();
     }
     return configuration;
 }

@@ -33,12 +33,17 @@ private:
 
 int main() {
     auto configuration = std::make_shared<ConfigurationImpl>();
-    configuration->addPropertyFileSource("site", "", 100, true,
-                                         u"examples/properties/site.properties");
+    configuration
+        ->addPropertyFileSource("site", "", 100, true, u"examples/properties/site.properties")
+        .get();
     configuration->watchOption("net.port")->subscribe(std::make_shared<PortWatcher>());
 
-    configuration->set("net.port", std::string("8080")); // in "override", which hides "site"
-    configuration->set("net.port", std::string("1234"), "default"); // hidden: delivers 8080 again
-    configuration->removeSource("override");                        // the value of "site" again
-    configuration.reset();                                          // completes the stream
+    // In "override", which hides "site".
+    configuration->set("net.port", std::string("8080")).get();
+    // Hidden by "override": delivers 8080 again.
+    configuration->set("net.port", std::string("1234"), "default").get();
+    // Delivers the value of "site" again.
+    configuration->removeSource("override").get();
+    // Completes the stream.
+    configuration.reset();
 }

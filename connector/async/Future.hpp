@@ -12,12 +12,17 @@
 #include <type_traits>
 #include <utility>
 
+/// CONNECTOR_EXPORT together with [[nodiscard]]: GCC 12 accepts the two only as one attribute list.
+#define CONNECTOR_NODISCARD_EXPORT [[nodiscard, gnu::visibility("default")]]
+
 namespace connector {
 
 /// A handle on a result of type T that exists already or will exist. Handles are moved, not copied.
 /// A handle may be used from any thread; two threads must not move the same handle at once.
+/// Functions report their failures through futures. A dropped future hides them, so the compiler
+/// warns about it.
 template <typename T>
-class CONNECTOR_EXPORT Future {
+class CONNECTOR_NODISCARD_EXPORT Future {
 public:
     /// A future without a state: not valid.
     Future() = default;
@@ -151,3 +156,5 @@ extern template class CONNECTOR_EXPORT detail::SharedFutureState<std::set<std::s
 extern template class CONNECTOR_EXPORT Future<std::set<std::string>>;
 
 } // namespace connector
+
+#undef CONNECTOR_NODISCARD_EXPORT

@@ -16,9 +16,9 @@
 namespace connector::configuration {
 
 ConfigurationImpl::ConfigurationImpl() {
-    ConfigurationImpl::addInMemorySource("default", "", std::numeric_limits<std::int32_t>::max(),
-                                         false, {});
-    ConfigurationImpl::addInMemorySource("override", "", 0, false, {});
+    constexpr auto last = std::numeric_limits<std::int32_t>::max();
+    ConfigurationImpl::addInMemorySource("default", "", last, false, {}).get();
+    ConfigurationImpl::addInMemorySource("override", "", 0, false, {}).get();
 }
 
 ConfigurationImpl::~ConfigurationImpl() {

@@ -1,7 +1,11 @@
 /// The files that a FileSource reads.
 #pragma once
 
+#include <connector/sources/Export.hpp>
+
 #include <cstdint>
+#include <filesystem>
+#include <optional>
 
 namespace connector::sources {
 
@@ -13,6 +17,11 @@ enum class FileFormat : std::uint8_t {
     Yaml,        ///< YAML 1.2, core schema
     Toml,        ///< TOML 1.0
 };
+
+/// Does not open the file.
+/// @return the format that the extension of the path names; nothing if it names none
+CONNECTOR_SOURCES_EXPORT std::optional<FileFormat>
+formatByExtension(const std::filesystem::path& path);
 
 /// What the constructor of FileSource does when the file does not exist.
 enum class IfMissing : std::uint8_t {

@@ -3,9 +3,9 @@
 #include <connector/sources/detail/FileReading.hpp>
 #include <connector/sources/detail/FileState.hpp>
 
-#include <cerrno>
+#include <mutex>
+#include <optional>
 #include <stdexcept>
-#include <string>
 #include <system_error>
 #include <utility>
 
@@ -13,26 +13,9 @@ namespace connector::sources {
 
 namespace {
 
-/// @return the extension in lower case, ASCII
-std::string extensionOf(const std::filesystem::path& path) {
-    std::string extension = path.extension().string();
-    for (char& c : extension) {
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c - 'A' + 'a');
-    }
-    return extension;
-}
-
 FileFormat formatOf(const std::filesystem::path& path) {
-    const std::string extension = extensionOf(path);
-    if (extension == ".properties")
-        return FileFormat::Properties;
-    if (extension == ".json")
-        return FileFormat::Json;
-    if (extension == ".yaml" || extension == ".yml")
-        return FileFormat::Yaml;
-    if (extension == ".toml")
-        return FileFormat::Toml;
+    if (const std::optional<FileFormat> format = formatByExtension(path))
+        return *format;
     throw std::invalid_argument("The extension of the file names no format: " + path.string());
 }
 
@@ -53,7 +36,7 @@ FileSource::FileSource(std::filesystem::path path, FileFormat format, IfMissing 
     state->file = madeAbsolute(state->path);
     if (ifMissing == IfMissing::Empty && !detail::exists(state->file))
         return;
-    reload();
+    FileSource::reload();
 }
 
 FileSource::~FileSource() = default;

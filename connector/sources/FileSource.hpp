@@ -32,7 +32,11 @@ public:
     /// @return the differences between the new table and the previous one
     /// @throws FileError when the file cannot be read or parsed; the table stays as it was
     /// @throws the exception of the watcher, after the watcher was called for every key
-    TableChange reload();
+    ///
+    /// A FileWatcher reloads through this function, too. A derived class can override it to act
+    /// before and after every reload; it must call this implementation. The constructor does not
+    /// call the override.
+    virtual TableChange reload();
 
     /// @return the path that was passed to the constructor
     const std::filesystem::path& path() const noexcept;

@@ -40,7 +40,7 @@ TEST(CachedValuePublisherLifecycle, TheCompletionFutureIsReturnedOnce) {
     Stream stream;
     EXPECT_TRUE(stream.publisher->completionFuture().valid());
     expectThrows<std::runtime_error>(futureAlreadyReturned,
-                                     [&] { stream.publisher->completionFuture(); });
+                                     [&] { return stream.publisher->completionFuture(); });
 }
 
 TEST(CachedValuePublisherLifecycle, TheCompletionFutureCanBeRequestedAfterTheEnd) {

@@ -199,9 +199,10 @@ TEST(CachedValuePublisherOutOfMemory, TheDestructorEndsTheStreamWithoutMemory) {
 }
 
 TEST(CachedValuePublisherOutOfMemory, CompletionFutureNeedsNoMemory) {
-    EXPECT_EQ(0u, failEveryAllocation([] { return newStream(); },
-                                      [](auto& stream) { stream->publisher->completionFuture(); },
-                                      nothing, nothing));
+    EXPECT_EQ(
+        0u, failEveryAllocation([] { return newStream(); },
+                                [](auto& stream) { return stream->publisher->completionFuture(); },
+                                nothing, nothing));
 }
 
 } // namespace connector::reactive_streams

@@ -187,9 +187,9 @@ TEST(PromiseOutOfMemory, APromiseIsConstructedOrNot) {
 }
 
 TEST(PromiseOutOfMemory, GetFutureNeedsNoMemory) {
-    EXPECT_EQ(0u,
-              failEveryAllocation([] { return Promise<Text>(); },
-                                  [](auto& promise) { promise.getFuture(); }, nothing, nothing));
+    EXPECT_EQ(0u, failEveryAllocation([] { return Promise<Text>(); },
+                                      [](auto& promise) { return promise.getFuture(); }, nothing,
+                                      nothing));
 }
 
 TEST(SharedFutureStateOutOfMemory, CancellingNeedsNoMemory) {

@@ -11,6 +11,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 
@@ -96,13 +97,13 @@ TEST(Promise, ANullExceptionIsRefused) {
 TEST(Promise, ASecondFutureIsRefused) {
     Promise<int> promise;
     const Future<int> future = promise.getFuture();
-    expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { promise.getFuture(); });
+    expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { return promise.getFuture(); });
 }
 
 TEST(Promise, ASecondFutureIsRefusedAfterTheFirstIsDestroyed) {
     Promise<int> promise;
-    promise.getFuture();
-    expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { promise.getFuture(); });
+    std::ignore = promise.getFuture();
+    expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { return promise.getFuture(); });
 }
 
 TEST(Promise, DestroyingAPendingPromiseFailsItsFuture) {
@@ -139,7 +140,7 @@ TEST(Promise, AMovedFromPromiseIsInvalid) {
     const Promise<int> target = std::move(source);
     expectThrows<std::runtime_error>(promiseNotValid, [&] { source.setValue(1); });
     expectThrows<std::runtime_error>(promiseNotValid, [&] { source.setException(failure("no")); });
-    expectThrows<std::runtime_error>(promiseNotValid, [&] { source.getFuture(); });
+    expectThrows<std::runtime_error>(promiseNotValid, [&] { return source.getFuture(); });
 }
 
 TEST(Promise, ValidityIsCheckedBeforeANullException) {

@@ -124,7 +124,7 @@ TEST(SharedFutureState, GetFutureSucceedsOnce) {
     const auto state = stateWith(5);
     Future<int> future = state->getFuture();
     EXPECT_TRUE(future.valid());
-    expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { state->getFuture(); });
+    expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { return state->getFuture(); });
     EXPECT_EQ(5, future.get());
 }
 
@@ -151,7 +151,7 @@ TEST(SharedFutureState, GetFutureThrowsWithoutASharedPointer) {
 TEST(SharedFutureState, AFailedGetFutureCounts) {
     State state;
     EXPECT_THROW(state.getFuture(), std::bad_weak_ptr);
-    expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { state.getFuture(); });
+    expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { return state.getFuture(); });
 }
 
 TEST(SharedFutureState, AStateWithoutASharedPointerIsResolvedAndRead) {

@@ -91,13 +91,13 @@ TEST(ConfigurationImpl, OnTheStackThrowsFromGetPtr) {
 
 TEST(ConfigurationImpl, OnTheStackCanReadAndWrite) {
     ConfigurationImpl configuration;
-    configuration.set("key", 7);
+    configuration.set("key", 7).get();
     EXPECT_EQ(7, test::intOf(configuration, "key"));
 }
 
 TEST(ConfigurationImpl, IsUsableThroughItsInterface) {
     const std::shared_ptr<Configuration> configuration = std::make_shared<ConfigurationImpl>();
-    ((*configuration).*setAt)("key", 7, "default");
+    ((*configuration).*setAt)("key", 7, "default").get();
     EXPECT_EQ(7, boost::get<int>(((*configuration).*get)("key").get()));
     EXPECT_EQ("default", ((*configuration).*getOption)("key").get().source);
 }

@@ -13,6 +13,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -28,16 +29,19 @@ TEST(ConfigurationThreads, EveryOperationOnTheRegistryTakesTheMutex) {
         int line;
         std::function<void(ConfigurationImpl&)> run;
     } operations[] = {
-        {__LINE__, [](auto& configuration) { configuration.get("x"); }},
-        {__LINE__, [](auto& configuration) { configuration.getOption("x"); }},
-        {__LINE__, [](auto& configuration) { configuration.has("x"); }},
-        {__LINE__, [](auto& configuration) { configuration.keys(); }},
-        {__LINE__, [](auto& configuration) { configuration.set("x", 1); }},
-        {__LINE__, [](auto& configuration) { configuration.set("x", 1, "default"); }},
+        {__LINE__, [](auto& configuration) { std::ignore = configuration.get("x"); }},
+        {__LINE__, [](auto& configuration) { std::ignore = configuration.getOption("x"); }},
+        {__LINE__, [](auto& configuration) { std::ignore = configuration.has("x"); }},
+        {__LINE__, [](auto& configuration) { std::ignore = configuration.keys(); }},
+        {__LINE__, [](auto& configuration) { std::ignore = configuration.set("x", 1); }},
+        {__LINE__, [](auto& configuration) { std::ignore = configuration.set("x", 1, "default"); }},
         {__LINE__, [](auto& configuration) { configuration.watchOption("x"); }},
         {__LINE__,
-         [](auto& configuration) { configuration.addInMemorySource("a", "", 5, false, {}); }},
-        {__LINE__, [](auto& configuration) { configuration.removeSource("unknown"); }},
+         [](auto& configuration) {
+             std::ignore = configuration.addInMemorySource("a", "", 5, false, {});
+         }},
+        {__LINE__,
+         [](auto& configuration) { std::ignore = configuration.removeSource("unknown"); }},
         {__LINE__, [](auto& configuration) { configuration.removeStream(0); }},
         {__LINE__, [](auto& configuration) { configuration.explain("x"); }},
     };
@@ -65,7 +69,7 @@ TEST(ConfigurationThreads, EveryUpdateOfTwoWritersIsDelivered) {
     constexpr int rounds = 200;
     const auto write = [&](int first) {
         for (int i = 0; i < rounds; ++i)
-            configuration->set("x", first + i);
+            configuration->set("x", first + i).get();
     };
     std::thread other(write, rounds);
     write(0);
@@ -103,23 +107,23 @@ private:
     void step() {
         switch (any(10)) {
         case 0:
-            configuration.get(anyKey());
-            configuration.getOption(anyKey());
+            std::ignore = configuration.get(anyKey());
+            std::ignore = configuration.getOption(anyKey());
             break;
         case 1:
-            configuration.keys();
+            std::ignore = configuration.keys();
             configuration.explain(anyKey());
             break;
         case 2:
-            configuration.set(anyKey(), anyNumber(), anyName());
+            std::ignore = configuration.set(anyKey(), anyNumber(), anyName());
             break;
         case 3:
-            configuration.addInMemorySource(anyName(), any(2) == 0 ? "net" : "",
-                                            static_cast<int>(any(9)) - 4, any(3) == 0,
-                                            {{"key1", anyNumber()}, {"key2", anyNumber()}});
+            std::ignore = configuration.addInMemorySource(
+                anyName(), any(2) == 0 ? "net" : "", static_cast<int>(any(9)) - 4, any(3) == 0,
+                {{"key1", anyNumber()}, {"key2", anyNumber()}});
             break;
         case 4:
-            configuration.removeSource(anyName());
+            std::ignore = configuration.removeSource(anyName());
             break;
         case 5:
             startWatching();
@@ -128,7 +132,7 @@ private:
             stopWatching();
             break;
         default:
-            configuration.set(anyKey(), anyNumber());
+            std::ignore = configuration.set(anyKey(), anyNumber());
         }
     }
 
@@ -137,7 +141,7 @@ private:
             return;
         const std::string key = anyKey();
         subscribers.emplace_back(key, watch(configuration, key, [this](int value) {
-                                     configuration.has(value % 2 == 0 ? "key0" : "net.key0");
+                                     configuration.has(value % 2 == 0 ? "key0" : "net.key0").get();
                                  }));
     }
 
@@ -171,10 +175,10 @@ TEST(ConfigurationThreads, RandomOperationsLeaveAWorkingConfiguration) {
         thread.join();
 
     // All threads have ended. One more change must reach every remaining subscriber.
-    configuration->addInMemorySource("last", "", -100, false, {});
+    configuration->addInMemorySource("last", "", -100, false, {}).get();
     for (const auto& actor : actors) {
         for (const auto& [key, subscriber] : actor->subscribers) {
-            configuration->set(key, 5000);
+            configuration->set(key, 5000).get();
             EXPECT_EQ(5000, subscriber->values().back()) << key;
             EXPECT_EQ(0, subscriber->completions());
         }

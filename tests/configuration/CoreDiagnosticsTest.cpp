@@ -16,6 +16,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <typeinfo>
 
 namespace {
@@ -45,7 +46,7 @@ TEST_F(CoreDiagnostics, ConstructionLogsTheBuiltInSources) {
 }
 
 TEST_F(CoreDiagnostics, EveryLineHasAChannelAndASeverity) {
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     ASSERT_EQ(4u, log.records().size());
     for (const test::LogRecord& record : log.records()) {
         EXPECT_EQ("connector::configuration", record.channel);
@@ -54,8 +55,8 @@ TEST_F(CoreDiagnostics, EveryLineHasAChannelAndASeverity) {
 }
 
 TEST_F(CoreDiagnostics, AddSourceLogsTheGroupAsPassed) {
-    configuration->addInMemorySource("a", "net", -5, true, {});
-    configuration->addInMemorySource("b", "net.", 5, false, {});
+    configuration->addInMemorySource("a", "net", -5, true, {}).get();
+    configuration->addInMemorySource("b", "net.", 5, false, {}).get();
     EXPECT_THAT(log.lines(), ElementsAre("addSource: a, net, -5, 1, " + inMemory,
                                          "addSource: b, net., 5, 0, " + inMemory));
 }
@@ -63,7 +64,7 @@ TEST_F(CoreDiagnostics, AddSourceLogsTheGroupAsPassed) {
 TEST_F(CoreDiagnostics, AddSourceLogsItsKeysInOrder) {
     watch(*configuration, "net.port");
     log.clear();
-    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}, {"host", 1}});
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}, {"host", 1}}).get();
     EXPECT_THAT(log.lines(),
                 ElementsAre("addSource: a, net, 5, 0, " + inMemory, "updatePublishers: net.host",
                             "get: net.host from a", "updatePublishers: net.port",
@@ -71,9 +72,9 @@ TEST_F(CoreDiagnostics, AddSourceLogsItsKeysInOrder) {
 }
 
 TEST_F(CoreDiagnostics, AddSourceLogsTheSupplierOfEachKey) {
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     log.clear();
-    configuration->addInMemorySource("a", "", 5, false, {{"x", 2}});
+    configuration->addInMemorySource("a", "", 5, false, {{"x", 2}}).get();
     EXPECT_THAT(log.lines(), ElementsAre("addSource: a, , 5, 0, " + inMemory, "updatePublishers: x",
                                          "get: x from override"));
 }
@@ -81,9 +82,9 @@ TEST_F(CoreDiagnostics, AddSourceLogsTheSupplierOfEachKey) {
 TEST_F(CoreDiagnostics, AddSourceLogsTheDynamicType) {
     test::Journal journal;
     const auto source = std::make_shared<test::ScriptedSource>(journal, "a");
-    configuration->addSource("a", "", 5, false, source);
+    configuration->addSource("a", "", 5, false, source).get();
     EXPECT_THAT(log.lines(), ElementsAre("addSource: a, , 5, 0, N4test14ScriptedSourceE"));
-    configuration->removeSource("a");
+    configuration->removeSource("a").get();
 }
 
 TEST_F(CoreDiagnostics, AddPropertyFileSourceLogsItsType) {
@@ -91,7 +92,7 @@ TEST_F(CoreDiagnostics, AddPropertyFileSourceLogsItsType) {
         std::filesystem::temp_directory_path() /
         ("core-diagnostics-test-" + std::to_string(::getpid()) + ".properties");
     std::ofstream(path) << "port = 80\n";
-    configuration->addPropertyFileSource("file", "", 5, true, path.u16string());
+    configuration->addPropertyFileSource("file", "", 5, true, path.u16string()).get();
     std::filesystem::remove(path);
     EXPECT_THAT(log.lines(), ElementsAre("addSource: file, , 5, 1, "
                                          "N9connector13configuration18PropertyFileSourceE",
@@ -104,48 +105,49 @@ TEST_F(CoreDiagnostics, AFileThatCannotBeOpenedLogsNothing) {
 }
 
 TEST_F(CoreDiagnostics, ANameThatIsTakenLogsOnlyTheFirstLine) {
-    configuration->addInMemorySource("default", "", 5, false, {{"x", 1}});
+    std::ignore = configuration->addInMemorySource("default", "", 5, false, {{"x", 1}});
     EXPECT_THAT(log.lines(), ElementsAre("addSource: default, , 5, 0, " + inMemory));
 }
 
 TEST_F(CoreDiagnostics, AddSourceLogsTheSmallestOrderInDecimal) {
-    configuration->addInMemorySource("a", "", std::numeric_limits<std::int32_t>::min(), false, {});
+    configuration->addInMemorySource("a", "", std::numeric_limits<std::int32_t>::min(), false, {})
+        .get();
     EXPECT_THAT(log.lines(), ElementsAre("addSource: a, , -2147483648, 0, " + inMemory));
 }
 
 TEST_F(CoreDiagnostics, RemoveSourceLogsLocalKeysWithoutTheGroup) {
-    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}, {"host", 1}});
-    configuration->set("port", 1);
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}, {"host", 1}}).get();
+    configuration->set("port", 1).get();
     watch(*configuration, "port");
     log.clear();
-    configuration->removeSource("a");
+    configuration->removeSource("a").get();
     EXPECT_THAT(log.lines(),
                 ElementsAre("removeSource: a", "updatePublishers: host", "updatePublishers: port",
                             "get: port from override", "notifying watcher: port"));
 }
 
 TEST_F(CoreDiagnostics, RemovalOfAnUnknownSourceLogsOneLine) {
-    configuration->removeSource("unknown");
+    configuration->removeSource("unknown").get();
     EXPECT_THAT(log.lines(), ElementsAre("removeSource: unknown"));
 }
 
 TEST_F(CoreDiagnostics, GetLogsTheSupplier) {
-    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}});
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}}).get();
     log.clear();
-    configuration->get("net.port");
+    configuration->get("net.port").get();
     EXPECT_THAT(log.lines(), ElementsAre("get: net.port from a"));
 }
 
 TEST_F(CoreDiagnostics, GetOptionLogsTheSupplier) {
-    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}});
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}}).get();
     log.clear();
-    configuration->getOption("net.port");
+    configuration->getOption("net.port").get();
     EXPECT_THAT(log.lines(), ElementsAre("get option: net.port from a"));
 }
 
 TEST_F(CoreDiagnostics, LookupOfAMissingKeyLogsNothing) {
-    configuration->get("x");
-    configuration->getOption("x");
+    std::ignore = configuration->get("x");
+    std::ignore = configuration->getOption("x");
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
@@ -154,38 +156,38 @@ TEST_F(CoreDiagnostics, SetLogsTheTargetAndThenTheNotifications) {
     watch(*configuration, "x");
     watch(*configuration, "y");
     log.clear();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(log.lines(), ElementsAre("set: x", "set: x@override", "updatePublishers: x",
                                          "get: x from override", "notifying watcher: x",
                                          "notifying watcher: x"));
 }
 
 TEST_F(CoreDiagnostics, SetInANamedSourceLogsItsNameTwice) {
-    configuration->set("x", 1, "default");
+    configuration->set("x", 1, "default").get();
     EXPECT_THAT(log.lines(), ElementsAre("set: x, default", "set: x@default", "updatePublishers: x",
                                          "get: x from default"));
 }
 
 TEST_F(CoreDiagnostics, SetLogsTheKeyWithTheGroup) {
-    configuration->addInMemorySource("a", "net", -1, false, {});
+    configuration->addInMemorySource("a", "net", -1, false, {}).get();
     log.clear();
-    configuration->set("net.port", 80);
+    configuration->set("net.port", 80).get();
     EXPECT_THAT(log.lines(), ElementsAre("set: net.port", "set: net.port@a",
                                          "updatePublishers: net.port", "get: net.port from a"));
 }
 
 TEST_F(CoreDiagnostics, AFailedSetLogsOnlyTheFirstLine) {
-    configuration->set("x", 1, "unknown");
-    configuration->removeSource("override");
-    configuration->removeSource("default");
+    std::ignore = configuration->set("x", 1, "unknown");
+    std::ignore = configuration->removeSource("override");
+    std::ignore = configuration->removeSource("default");
     log.clear();
-    configuration->set("x", 1, "unknown");
-    configuration->set("x", 1);
+    std::ignore = configuration->set("x", 1, "unknown");
+    std::ignore = configuration->set("x", 1);
     EXPECT_THAT(log.lines(), ElementsAre("set: x, unknown", "set: x"));
 }
 
 TEST_F(CoreDiagnostics, WatchOptionLogsTheLookupOfTheCurrentValue) {
-    configuration->set("x", 1, "default");
+    configuration->set("x", 1, "default").get();
     log.clear();
     configuration->watchOption("x");
     configuration->watchOption("y");
@@ -207,21 +209,21 @@ TEST_F(CoreDiagnostics, ANotificationIsLoggedBeforeTheSubscriberIsCalled) {
         log.clear();
     });
     log.clear();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST_F(CoreDiagnostics, AStreamWithoutDemandOrSubscriberIsLoggedToo) {
     watch(*configuration, "x", nullptr, 0);
     configuration->watchOption("x");
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(log.lines(), testing::Contains("notifying watcher: x").Times(2));
 }
 
 TEST_F(CoreDiagnostics, TheOtherOperationsLogNothing) {
-    configuration->addEnvironmentSource("environment", "", 5);
-    configuration->has("x");
-    configuration->keys();
+    configuration->addEnvironmentSource("environment", "", 5).get();
+    configuration->has("x").get();
+    configuration->keys().get();
     configuration->getPtr();
     configuration->explain("x");
     configuration->removeStream(0);
@@ -240,8 +242,8 @@ TEST_F(CoreDiagnostics, CancellationAndDestructionLogNothing) {
 TEST_F(CoreDiagnostics, NothingIsLoggedWhileTheBitIsOff) {
     for (const unsigned mask : {0u, 1u, 7u, 16u, ~8u}) {
         ASSERT_TRUE(set_diagnostic_mask(logger, mask));
-        configuration->set("x", 1);
-        configuration->get("x");
+        configuration->set("x", 1).get();
+        configuration->get("x").get();
     }
     EXPECT_THAT(log.lines(), IsEmpty());
 }
@@ -249,7 +251,7 @@ TEST_F(CoreDiagnostics, NothingIsLoggedWhileTheBitIsOff) {
 TEST_F(CoreDiagnostics, OtherBitsMakeNoDifference) {
     for (const unsigned mask : {8u, 9u, 24u, ~0u}) {
         ASSERT_TRUE(set_diagnostic_mask(logger, mask));
-        configuration->removeSource("unknown");
+        configuration->removeSource("unknown").get();
     }
     EXPECT_EQ(4u, log.lines().size());
 }

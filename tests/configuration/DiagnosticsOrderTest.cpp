@@ -42,30 +42,32 @@ struct Operation {
 };
 
 const Operation writtenBeforeTheMutex[] = {
-    {__LINE__, "set: x", [](auto& configuration) { configuration.set("x", 1); }},
+    {__LINE__, "set: x", [](auto& configuration) { configuration.set("x", 1).get(); }},
     {__LINE__, "set: x, default",
-     [](auto& configuration) { configuration.set("x", 1, "default"); }},
+     [](auto& configuration) { configuration.set("x", 1, "default").get(); }},
     {__LINE__, "addSource: a, , 5, 0, N9connector13configuration14InMemorySourceE",
-     [](auto& configuration) { configuration.addInMemorySource("a", "", 5, false, {}); }},
-    {__LINE__, "removeSource: a", [](auto& configuration) { configuration.removeSource("a"); }},
+     [](auto& configuration) { configuration.addInMemorySource("a", "", 5, false, {}).get(); }},
+    {__LINE__, "removeSource: a",
+     [](auto& configuration) { configuration.removeSource("a").get(); }},
     {__LINE__, "watchOption: x", [](auto& configuration) { configuration.watchOption("x"); }},
 };
 
 const Operation writtenUnderTheMutex[] = {
-    {__LINE__, "get: y from default", [](auto& configuration) { configuration.get("y"); }},
+    {__LINE__, "get: y from default", [](auto& configuration) { configuration.get("y").get(); }},
     {__LINE__, "get option: y from default",
-     [](auto& configuration) { configuration.getOption("y"); }},
-    {__LINE__, "set: x@override", [](auto& configuration) { configuration.set("x", 1); }},
-    {__LINE__, "set: x@default", [](auto& configuration) { configuration.set("x", 1, "default"); }},
+     [](auto& configuration) { configuration.getOption("y").get(); }},
+    {__LINE__, "set: x@override", [](auto& configuration) { configuration.set("x", 1).get(); }},
+    {__LINE__, "set: x@default",
+     [](auto& configuration) { configuration.set("x", 1, "default").get(); }},
     {__LINE__, "updatePublishers: z",
      [](auto& configuration) {
-         configuration.addInMemorySource("a", "", 5, false, {{"z", 1}});
+         configuration.addInMemorySource("a", "", 5, false, {{"z", 1}}).get();
      }},
 };
 
 std::shared_ptr<ConfigurationImpl> withY() {
     auto configuration = makeConfiguration();
-    configuration->set("y", 2, "default");
+    configuration->set("y", 2, "default").get();
     return configuration;
 }
 
@@ -112,7 +114,7 @@ void runWithFailingSink(const std::string& failingLine, const std::function<void
 TEST(FailingSink, PreventsASet) {
     const auto configuration = makeConfiguration();
     for (const std::string line : {"set: x", "set: x@override"}) {
-        runWithFailingSink(line, [&] { configuration->set("x", 1); });
+        runWithFailingSink(line, [&] { configuration->set("x", 1).get(); });
         EXPECT_FALSE(has(*configuration, "x"));
         EXPECT_TRUE(test::mutexIsFree(*configuration));
     }
@@ -121,7 +123,7 @@ TEST(FailingSink, PreventsASet) {
 TEST(FailingSink, PreventsASetInANamedSource) {
     const auto configuration = makeConfiguration();
     for (const std::string line : {"set: x, default", "set: x@default"}) {
-        runWithFailingSink(line, [&] { configuration->set("x", 1, "default"); });
+        runWithFailingSink(line, [&] { configuration->set("x", 1, "default").get(); });
         EXPECT_FALSE(has(*configuration, "x"));
         EXPECT_TRUE(test::mutexIsFree(*configuration));
     }
@@ -130,7 +132,7 @@ TEST(FailingSink, PreventsASetInANamedSource) {
 TEST(FailingSink, DuringTheNotificationLeavesTheValueWritten) {
     const auto configuration = makeConfiguration();
     const auto subscriber = test::watch(*configuration, "x");
-    runWithFailingSink("updatePublishers: x", [&] { configuration->set("x", 1); });
+    runWithFailingSink("updatePublishers: x", [&] { configuration->set("x", 1).get(); });
     EXPECT_EQ(1, intOf(*configuration, "x"));
     EXPECT_THAT(subscriber->values(), ElementsAre());
     EXPECT_TRUE(test::mutexIsFree(*configuration));
@@ -138,8 +140,8 @@ TEST(FailingSink, DuringTheNotificationLeavesTheValueWritten) {
 
 TEST(FailingSink, PreventsALookup) {
     const auto configuration = withY();
-    runWithFailingSink("get: y from default", [&] { configuration->get("y"); });
-    runWithFailingSink("get option: y from default", [&] { configuration->getOption("y"); });
+    runWithFailingSink("get: y from default", [&] { configuration->get("y").get(); });
+    runWithFailingSink("get option: y from default", [&] { configuration->getOption("y").get(); });
     EXPECT_TRUE(test::mutexIsFree(*configuration));
     EXPECT_EQ(2, intOf(*configuration, "y"));
 }
@@ -147,14 +149,14 @@ TEST(FailingSink, PreventsALookup) {
 TEST(FailingSink, PreventsTheAdditionOfASource) {
     const auto configuration = makeConfiguration();
     runWithFailingSink("addSource: a, , 5, 0, N9connector13configuration14InMemorySourceE",
-                       [&] { configuration->addInMemorySource("a", "", 5, false, {}); });
+                       [&] { configuration->addInMemorySource("a", "", 5, false, {}).get(); });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
 }
 
 TEST(FailingSink, DuringTheAdditionOfASourceLeavesItRegistered) {
     const auto configuration = makeConfiguration();
     runWithFailingSink("updatePublishers: x", [&] {
-        configuration->addInMemorySource("a", "", 5, false, {{"x", 1}});
+        configuration->addInMemorySource("a", "", 5, false, {{"x", 1}}).get();
     });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "a", "default"));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
@@ -162,13 +164,15 @@ TEST(FailingSink, DuringTheAdditionOfASourceLeavesItRegistered) {
 
 TEST(FailingSink, PreventsTheRemovalOfASource) {
     const auto configuration = makeConfiguration();
-    runWithFailingSink("removeSource: default", [&] { configuration->removeSource("default"); });
+    runWithFailingSink("removeSource: default",
+                       [&] { configuration->removeSource("default").get(); });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
 }
 
 TEST(FailingSink, DuringTheRemovalOfASourceLeavesItRemoved) {
     const auto configuration = withY();
-    runWithFailingSink("updatePublishers: y", [&] { configuration->removeSource("default"); });
+    runWithFailingSink("updatePublishers: y",
+                       [&] { configuration->removeSource("default").get(); });
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override"));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
@@ -186,7 +190,7 @@ TEST(FailingSink, DuringWatchOptionLeavesTheStreamRegistered) {
     runWithFailingSink("get: y from default", [&] { configuration->watchOption("y"); });
     EXPECT_TRUE(test::mutexIsFree(*configuration));
     test::CoreLog log;
-    configuration->set("y", 3, "default");
+    configuration->set("y", 3, "default").get();
     EXPECT_THAT(log.lines(), ElementsAre("set: y, default", "set: y@default", "updatePublishers: y",
                                          "get: y from default", "notifying watcher: y"));
 }

@@ -59,8 +59,8 @@ TEST_F(LastPointer, ReleasedByASubscriberDuringAddSource) {
 
 TEST_F(LastPointer, ReleasedByASubscriberDuringRemoveSource) {
     subscriber->inOnNext = nullptr;
-    configuration->addInMemorySource("removed", "", 5, false, {{"x", 1}, {"y", 2}});
-    configuration->addInMemorySource("kept", "", 6, false, {{"x", 3}, {"y", 4}});
+    configuration->addInMemorySource("removed", "", 5, false, {{"x", 1}, {"y", 2}}).get();
+    configuration->addInMemorySource("kept", "", 6, false, {{"x", 3}, {"y", 4}}).get();
     subscriber->inOnNext = [this](int) { configuration.reset(); };
     ConfigurationImpl* const called = configuration.get();
     EXPECT_TRUE(called->removeSource("removed").get());
@@ -71,7 +71,7 @@ TEST_F(LastPointer, ReleasedByASubscriberDuringRemoveSource) {
 TEST_F(LastPointer, ReleasedByASubscriberWhileASourceReportsAChange) {
     Journal journal;
     const auto source = std::make_shared<ScriptedSource>(journal, "source");
-    configuration->addSource("source", "", 5, true, source);
+    configuration->addSource("source", "", 5, true, source).get();
     source->change("x", 9);
     EXPECT_TRUE(observer.expired());
     EXPECT_FALSE(source->isWatched());
@@ -82,8 +82,8 @@ TEST(RemovedSource, ThatOutlivesTheConfigurationIsHarmless) {
     Journal journal;
     const auto source = std::make_shared<ScriptedSource>(journal, "source");
     auto configuration = makeConfiguration();
-    configuration->addSource("source", "", 5, true, source);
-    configuration->removeSource("source");
+    configuration->addSource("source", "", 5, true, source).get();
+    configuration->removeSource("source").get();
     configuration.reset();
     journal.clear();
     source->change("x", 1);
@@ -102,7 +102,7 @@ TEST(RemovedSource, MayCallACopyOfItsWatcherAfterTheDestruction) {
     };
     const auto source = std::make_shared<Keeping>();
     auto configuration = makeConfiguration();
-    configuration->addSource("source", "", 5, true, source);
+    configuration->addSource("source", "", 5, true, source).get();
     configuration.reset();
     ASSERT_TRUE(source->copy);
     EXPECT_NO_THROW(source->copy("x"));
@@ -112,8 +112,8 @@ TEST(RemovedSource, OfAConfigurationOnTheStackStillReports) {
     Journal journal;
     const auto source = std::make_shared<ScriptedSource>(journal, "source");
     ConfigurationImpl configuration;
-    configuration.addSource("source", "", 5, true, source);
-    configuration.removeSource("source");
+    configuration.addSource("source", "", 5, true, source).get();
+    configuration.removeSource("source").get();
     test::CoreLog log;
     source->change("x", 1);
     EXPECT_THAT(log.lines(), Contains("updatePublishers: x"));
@@ -133,21 +133,23 @@ protected:
     std::string removing;
     const test::LogCapture log{[this](const test::LogRecord& record) {
         if (record.message == removing)
-            configuration->removeSource("source");
+            configuration->removeSource("source").get();
     }};
 };
 
 TEST_F(RemovingSink, BeforeASourceIsAskedForAValueDoesNotChangeTheResult) {
-    configuration->addSource("source", "group", -1, false,
-                             std::make_shared<ScriptedSource>(
-                                 journal, "source", std::map<std::string, OptionValue>{{"x", 5}}));
+    configuration
+        ->addSource("source", "group", -1, false,
+                    std::make_shared<ScriptedSource>(journal, "source",
+                                                     std::map<std::string, OptionValue>{{"x", 5}}))
+        .get();
     removeAt("get: group.x from source");
     EXPECT_EQ(5, test::intOf(*configuration, "group.x"));
     EXPECT_FALSE(test::has(*configuration, "group.x"));
 }
 
 TEST_F(RemovingSink, BeforeASourceIsAskedForAnOptionDoesNotChangeTheResult) {
-    configuration->addInMemorySource("source", "group", -1, false, {{"x", 5}});
+    configuration->addInMemorySource("source", "group", -1, false, {{"x", 5}}).get();
     removeAt("get option: group.x from source");
     EXPECT_EQ("source", test::supplierOf(*configuration, "group.x"));
     EXPECT_FALSE(test::has(*configuration, "group.x"));
@@ -156,7 +158,7 @@ TEST_F(RemovingSink, BeforeASourceIsAskedForAnOptionDoesNotChangeTheResult) {
 TEST_F(RemovingSink, BeforeAWriteDoesNotPreventIt) {
     const auto source =
         std::make_shared<InMemorySource>(std::unordered_map<std::string, OptionValue>{});
-    configuration->addSource("source", "group", -1, false, source);
+    configuration->addSource("source", "group", -1, false, source).get();
     removeAt("set: group.x@source");
     EXPECT_EQ(5, test::intIn(configuration->set("group.x", 5)));
     EXPECT_TRUE(source->has("x"));
@@ -167,7 +169,7 @@ TEST(KeysOfASource, MayRemoveTheSource) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "source");
-    configuration->addSource("source", "", 5, true, source);
+    configuration->addSource("source", "", 5, true, source).get();
     bool isNested = false;
     source->onKeys = [&](const std::string&) {
         if (std::exchange(isNested, true))
@@ -182,13 +184,13 @@ TEST(KeysOfASource, MayReplaceTheSource) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "source");
-    configuration->addSource("source", "", 5, true, source);
+    configuration->addSource("source", "", 5, true, source).get();
     bool isNested = false;
     source->onKeys = [&](const std::string&) {
         if (std::exchange(isNested, true))
             return;
-        configuration->removeSource("source");
-        configuration->addInMemorySource("source", "", 6, true, {{"x", 1}});
+        configuration->removeSource("source").get();
+        configuration->addInMemorySource("source", "", 6, true, {{"x", 1}}).get();
     };
     EXPECT_FALSE(configuration->removeSource("source").get());
     EXPECT_EQ("source", test::supplierOf(*configuration, "x"));

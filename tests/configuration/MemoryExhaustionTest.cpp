@@ -12,6 +12,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 
 namespace {
@@ -36,7 +37,7 @@ using Subject = std::shared_ptr<ConfigurationImpl>;
 /// "group" supplies the key; "override" could take a write.
 Subject makeSubject() {
     auto configuration = makeConfiguration();
-    configuration->addInMemorySource("group", "group", 5, true, {{localKey, text}});
+    configuration->addInMemorySource("group", "group", 5, true, {{localKey, text}}).get();
     return configuration;
 }
 
@@ -58,32 +59,35 @@ void expectHarmless(Operation operation) {
 }
 
 TEST(MemoryExhaustion, DuringALookupChangesNothing) {
-    expectHarmless([](const Subject& configuration) { configuration->get(key); });
-    expectHarmless([](const Subject& configuration) { configuration->getOption(key); });
-    expectHarmless([](const Subject& configuration) { configuration->has(key); });
-    expectHarmless([](const Subject& configuration) { configuration->keys(); });
+    expectHarmless([](const Subject& configuration) { configuration->get(key).get(); });
+    expectHarmless([](const Subject& configuration) { configuration->getOption(key).get(); });
+    expectHarmless([](const Subject& configuration) { configuration->has(key).get(); });
+    expectHarmless([](const Subject& configuration) { configuration->keys().get(); });
     expectHarmless([](const Subject& configuration) { configuration->explain(key); });
 }
 
 TEST(MemoryExhaustion, DuringALookupOfAMissingKeyChangesNothing) {
     const std::string missing = key + ".missing";
-    expectHarmless([&](const Subject& configuration) { configuration->get(missing); });
-    expectHarmless([&](const Subject& configuration) { configuration->getOption(missing); });
+    expectHarmless(
+        [&](const Subject& configuration) { std::ignore = configuration->get(missing); });
+    expectHarmless(
+        [&](const Subject& configuration) { std::ignore = configuration->getOption(missing); });
 }
 
 TEST(MemoryExhaustion, DuringSetThatFailsAnywayChangesNothing) {
-    expectHarmless(
-        [](const Subject& configuration) { configuration->set(key, OptionValue(), "group"); });
+    expectHarmless([](const Subject& configuration) {
+        std::ignore = configuration->set(key, OptionValue(), "group");
+    });
 }
 
 TEST(MemoryExhaustion, DuringSetLeavesTheOldValueOrTheNewOne) {
     failEveryAllocation(
         makeSubject,
-        [](const Subject& configuration) { configuration->set(key, std::string(otherText)); },
+        [](const Subject& configuration) { configuration->set(key, std::string(otherText)).get(); },
         [](const Subject& configuration) {
             EXPECT_THAT((std::vector<std::string>{text, otherText}),
                         Contains(textOf(*configuration)));
-            configuration->set(key, std::string(otherText));
+            configuration->set(key, std::string(otherText)).get();
             EXPECT_EQ(otherText, textOf(*configuration));
         },
         [](const Subject& configuration) { EXPECT_EQ(otherText, textOf(*configuration)); });
@@ -91,7 +95,7 @@ TEST(MemoryExhaustion, DuringSetLeavesTheOldValueOrTheNewOne) {
 
 TEST(MemoryExhaustion, AfterAValueIsStoredDoesNotFailASetWithoutSubscribers) {
     failEveryAllocation(
-        makeSubject, [](const Subject& configuration) { configuration->set("x", 1); },
+        makeSubject, [](const Subject& configuration) { configuration->set("x", 1).get(); },
         [](const Subject& configuration) { EXPECT_FALSE(test::has(*configuration, "x")); },
         [](const Subject& configuration) { EXPECT_EQ(1, test::intOf(*configuration, "x")); });
 }
@@ -113,7 +117,8 @@ TEST(MemoryExhaustion, DuringAddSourceRegistersTheSourceOrNot) {
 
 TEST(MemoryExhaustion, DuringRemoveSourceRemovesTheSourceOrNot) {
     failEveryAllocation(
-        makeSubject, [](const Subject& configuration) { configuration->removeSource("group"); },
+        makeSubject,
+        [](const Subject& configuration) { configuration->removeSource("group").get(); },
         expectUnchanged,
         [](const Subject& configuration) {
             EXPECT_THAT(test::sourcesOf(*configuration), Not(Contains("group")));
@@ -125,7 +130,7 @@ TEST(MemoryExhaustion, DuringWatchOptionLeavesNoStream) {
         makeSubject, [](const Subject& configuration) { configuration->watchOption(key); },
         [](const Subject& configuration) {
             const test::CoreLog log;
-            configuration->set(key, std::string(otherText), "override");
+            configuration->set(key, std::string(otherText), "override").get();
             EXPECT_THAT(log.lines(), Not(Contains("notifying watcher: " + key)));
         },
         expectUnchanged);
@@ -138,12 +143,12 @@ TEST(MemoryExhaustion, WhileSubscribersAreNotifiedLosesNoLaterValue) {
         std::shared_ptr<RecordingSubscriber> second = test::watch(*configuration, "x");
     };
     const auto expectServed = [](const Watched& watched) {
-        watched.configuration->set("x", 2);
+        watched.configuration->set("x", 2).get();
         EXPECT_EQ(2, watched.first->values().back());
         EXPECT_EQ(2, watched.second->values().back());
     };
     failEveryAllocation([] { return Watched(); },
-                        [](const Watched& watched) { watched.configuration->set("x", 1); },
+                        [](const Watched& watched) { watched.configuration->set("x", 1).get(); },
                         expectServed, expectServed);
 }
 

@@ -28,7 +28,7 @@ public:
         };
         configuration.addSource("holder", "holder", std::numeric_limits<int>::min(), true, source)
             .get();
-        thread = std::thread([this] { configuration.has("holder.key"); });
+        thread = std::thread([this] { configuration.has("holder.key").get(); });
         entered.get_future().wait();
     }
 
@@ -42,7 +42,7 @@ public:
         released.set_value();
         thread.join();
         source->onHas = nullptr;
-        configuration.removeSource("holder");
+        configuration.removeSource("holder").get();
     }
 
 private:

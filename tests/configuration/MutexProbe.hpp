@@ -21,7 +21,7 @@ public:
 
     /// @return whether another thread has to wait for the mutex. May be called once.
     bool isHeld() {
-        lookup = std::make_unique<ObservedThread>([this] { configuration.has("some key"); });
+        lookup = std::make_unique<ObservedThread>([this] { configuration.has("some key").get(); });
         return lookup->blocksOn(configuration);
     }
 

@@ -36,14 +36,14 @@ public:
 
     void onSubscribe(std::weak_ptr<Subscription> newSubscription) override {
         subscription = std::move(newSubscription);
-        configuration.has("x");
+        configuration.has("x").get();
     }
     void onNext(const OptionValue&) override {
-        configuration.get("x");
+        configuration.get("x").get();
         ++values;
     }
     void onComplete() override {
-        configuration.keys();
+        configuration.keys().get();
         ++completions;
     }
     void onError(std::exception_ptr) override {}
@@ -69,7 +69,7 @@ using Publisher = ConfigurationImpl::OptionPublisher;
 
 class LockOrder : public testing::Test {
 protected:
-    LockOrder() { configuration->set("x", 0); }
+    LockOrder() { configuration->set("x", 0).get(); }
 
     /// Runs an action of the publisher until it blocks on the configuration's mutex, which another
     /// thread holds as a change does. Then offers a value to the publisher, as that change does
@@ -113,7 +113,7 @@ TEST_F(LockOrder, APublisherIsNotLockedWhileAContinuationOfItsCompletionRuns) {
     publisher->subscribe(subscriber);
     bool completed = true;
     publisher->completionFuture().then([&](connector::Future<bool>& completion) {
-        configuration->has("x");
+        configuration->has("x").get();
         completed = completion.get();
     });
     EXPECT_FALSE(publisherIsLockedDuring([this] { subscriber->cancel(); }));
@@ -126,7 +126,7 @@ class LockOrderUnderChanges : public testing::Test {
 protected:
     using Action = std::function<void(Publisher&, EnteringSubscriber&)>;
 
-    LockOrderUnderChanges() { configuration->set("x", 0); }
+    LockOrderUnderChanges() { configuration->set("x", 0).get(); }
 
     /// Changes the option on one thread, while this thread creates one stream after the other.
     void run(const Action& action) {
@@ -134,7 +134,7 @@ protected:
         std::atomic<int> changes{0};
         std::thread changing([this, &isOver, &changes] {
             while (!isOver)
-                configuration->set("x", ++changes);
+                configuration->set("x", ++changes).get();
         });
         for (; streams < rounds || changes < rounds; ++streams) {
             const auto subscriber = std::make_shared<EnteringSubscriber>(*configuration);
@@ -165,7 +165,7 @@ TEST_F(LockOrderUnderChanges, EveryCancellationRunsItsContinuationOnceAndComplet
     std::atomic<std::uint64_t> continuations{0};
     run([&](Publisher& publisher, EnteringSubscriber& subscriber) {
         publisher.completionFuture().then([&](connector::Future<bool>&) {
-            configuration->has("x");
+            configuration->has("x").get();
             ++continuations;
         });
         subscriber.cancel();

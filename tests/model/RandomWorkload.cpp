@@ -3,6 +3,7 @@
 #include <boost/variant/get.hpp>
 
 #include <algorithm>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -122,7 +123,7 @@ void RandomWorkload::quiesce() {
         slot.subscriber.reset();
     }
     for (const std::string& name : names)
-        configuration->removeSource(name);
+        std::ignore = configuration->removeSource(name);
 }
 
 std::vector<RandomWorkload::Stream> RandomWorkload::takeStreams() {
@@ -131,27 +132,28 @@ std::vector<RandomWorkload::Stream> RandomWorkload::takeStreams() {
 }
 
 void RandomWorkload::set() {
-    configuration->set(oneOf(keys()), ++lastValue);
+    std::ignore = configuration->set(oneOf(keys()), ++lastValue);
 }
 
 void RandomWorkload::setInSource() {
-    configuration->set(oneOf(keys()), ++lastValue, below(3) == 0 ? "default" : anyName());
+    std::ignore =
+        configuration->set(oneOf(keys()), ++lastValue, below(3) == 0 ? "default" : anyName());
 }
 
 void RandomWorkload::read() {
     const std::string& key = oneOf(keys());
     switch (below(4)) {
     case 0:
-        configuration->has(key);
+        std::ignore = configuration->has(key);
         break;
     case 1:
-        configuration->getOption(key);
+        std::ignore = configuration->getOption(key);
         break;
     case 2:
-        configuration->keys();
+        std::ignore = configuration->keys();
         break;
     default:
-        configuration->get(key);
+        std::ignore = configuration->get(key);
     }
 }
 
@@ -161,12 +163,13 @@ void RandomWorkload::addSource() {
     std::unordered_map<std::string, OptionValue> entries;
     for (std::size_t count = below(3); count > 0; --count)
         entries.emplace(oneOf(localKeys), ++lastValue);
-    configuration->addInMemorySource(anyName(), oneOf(groups), static_cast<int>(below(4)) - 2,
-                                     below(4) == 0, std::move(entries));
+    std::ignore =
+        configuration->addInMemorySource(anyName(), oneOf(groups), static_cast<int>(below(4)) - 2,
+                                         below(4) == 0, std::move(entries));
 }
 
 void RandomWorkload::removeSource() {
-    configuration->removeSource(anyName());
+    std::ignore = configuration->removeSource(anyName());
 }
 
 /// Replaces the content of a slot. The old stream exists for as long as the configuration keeps it.

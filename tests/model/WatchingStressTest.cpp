@@ -102,7 +102,7 @@ void expectChangeToArrive(RandomWorkload& workload, const std::string& key,
     std::vector<std::uint64_t> demands;
     for (const RandomWorkload::Stream& stream : streams)
         demands.push_back(stream.subscriber->demand());
-    workload.configuration->set(key, value);
+    workload.configuration->set(key, value).get();
     for (std::size_t i = 0; i < streams.size(); ++i) {
         RandomSubscriber& subscriber = *streams[i].subscriber;
         if (subscriber.key != key)
@@ -117,7 +117,7 @@ void expectChangeToArrive(RandomWorkload& workload, const std::string& key,
 std::vector<std::string> linesOfOneMoreChange(RandomWorkload& workload) {
     const test::CoreLog log;
     for (const std::string& key : RandomWorkload::keys())
-        workload.configuration->set(key, 0);
+        workload.configuration->set(key, 0).get();
     return log.lines();
 }
 

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <thread>
 #include <unistd.h>
 
@@ -19,6 +20,7 @@ using connector::configuration::OptionValue;
 using connector::sources::FileError;
 using connector::sources::FileFormat;
 using connector::sources::FileSource;
+using connector::sources::formatByExtension;
 using connector::sources::IfMissing;
 using connector::sources::Table;
 using connector::sources::TableChange;
@@ -40,6 +42,16 @@ TEST_F(FileSourceTest, TheExtensionNamesTheFormat) {
     EXPECT_EQ(OptionValue(1), FileSource(directory.write("a.yml", "a: 1")).get("a"));
     EXPECT_EQ(OptionValue(1), FileSource(directory.write("a.toml", "a = 1")).get("a"));
     EXPECT_EQ(OptionValue(1), FileSource(directory.write("a.JSON", "{\"a\":1}")).get("a"));
+}
+
+TEST_F(FileSourceTest, TheFormatOfAPathIsKnownWithoutItsFile) {
+    EXPECT_EQ(FileFormat::Properties, formatByExtension("no/such/a.b.properties"));
+    EXPECT_EQ(FileFormat::Json, formatByExtension("a.JSON"));
+    EXPECT_EQ(FileFormat::Yaml, formatByExtension("a.yaml"));
+    EXPECT_EQ(FileFormat::Yaml, formatByExtension("a.yml"));
+    EXPECT_EQ(FileFormat::Toml, formatByExtension("a.toml"));
+    for (const char* path : {"", "a", "json", ".json", "a.txt", "a.json/b", "a.json."})
+        EXPECT_EQ(std::nullopt, formatByExtension(path)) << path;
 }
 
 TEST_F(FileSourceTest, TheFormatWinsOverTheExtension) {

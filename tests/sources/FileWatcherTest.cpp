@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <condition_variable>
 #include <fstream>
 #include <mutex>
@@ -112,6 +113,28 @@ TEST_F(FileWatcherTest, AFileThatIsWrittenIsReloaded) {
     directory.write("a.json", R"({"a": 7, "c": 3})");
     EXPECT_EQ(Texts{"a.json +c ~a -b"}, reports.atLeast(1));
     EXPECT_EQ(OptionValue(7), a->get("a"));
+}
+
+/// Counts its reloads.
+class CountingSource : public FileSource {
+public:
+    using FileSource::FileSource;
+
+    TableChange reload() override {
+        ++reloads;
+        return FileSource::reload();
+    }
+
+    std::atomic<int> reloads{0};
+};
+
+TEST_F(FileWatcherTest, TheReloadOfADerivedClassIsCalledButNotByItsConstructor) {
+    const auto a = std::make_shared<CountingSource>(directory.write("a.json", R"({"a": 1})"));
+    EXPECT_EQ(0, a->reloads);
+    watch({a});
+    directory.write("a.json", R"({"a": 7})");
+    EXPECT_EQ(Texts{"a.json ~a"}, reports.atLeast(1));
+    EXPECT_LE(1, a->reloads);
 }
 
 TEST_F(FileWatcherTest, AFileThatIsReplacedIsReloadedEachTime) {

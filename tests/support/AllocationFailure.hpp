@@ -45,7 +45,7 @@ std::size_t failEveryAllocation(MakeSubject makeSubject, Operation operation,
         {
             const AllocationFailure failure(failures + 1);
             try {
-                operation(subject);
+                static_cast<void>(operation(subject));
             } catch (const std::bad_alloc&) {
                 hasThrown = true;
             }

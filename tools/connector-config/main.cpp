@@ -4,6 +4,8 @@
 #include "arguments/Arguments.hpp"
 #include "arguments/Help.hpp"
 #include "commands/Commands.hpp"
+#include "commands/FileReloading.hpp"
+#include "commands/HangupThread.hpp"
 #include "commands/ServeHttp.hpp"
 #include "commands/ServeStandardInput.hpp"
 #include "commands/Sources.hpp"
@@ -19,39 +21,61 @@ using connector::service::Secrets;
 
 namespace {
 
-void runCommand(ConfigurationImpl& configuration, const Arguments& arguments) {
-    switch (arguments.command) {
-    case Command::Get:
-        return writeOutput(get(configuration, arguments));
-    case Command::Keys:
-        return writeOutput(keys(configuration, arguments));
-    case Command::Show:
-        return writeOutput(show(configuration, arguments, terminalOfOutput()));
-    case Command::Explain:
-        return writeOutput(explain(configuration, arguments, terminalOfOutput()));
-    case Command::Watch:
-        return watch(configuration, arguments);
-    case Command::Serve:
-        if (arguments.http)
-            return serveHttp(configuration, *arguments.http, Secrets(arguments.secrets));
-        return serveStandardInput(configuration.getPtr());
-    }
+ExitStatus report(const GetResult& result) {
+    writeOutput(result.output);
+    for (const std::string& failure : result.failures)
+        printError(failure);
+    return result.failures.empty() ? Success : Failure;
 }
 
-void run(const Arguments& arguments) {
-    if (!arguments.information.empty())
-        return writeOutput(arguments.information);
+void serve(ConfigurationImpl& configuration, const Arguments& arguments, const NamedFiles& files) {
+    if (arguments.http)
+        return serveHttp(configuration, arguments, files);
+    const FileReloading reloading(files, arguments.followsFiles);
+    serveStandardInput(configuration.getPtr());
+}
+
+ExitStatus runCommand(ConfigurationImpl& configuration, const Arguments& arguments,
+                      const NamedFiles& files) {
+    switch (arguments.command) {
+    case Command::Get:
+        return report(get(configuration, arguments));
+    case Command::Keys:
+        writeOutput(keys(configuration, arguments));
+        break;
+    case Command::Show:
+        writeOutput(show(configuration, arguments, terminalOfOutput()));
+        break;
+    case Command::Explain:
+        writeOutput(explain(configuration, arguments, terminalOfOutput()));
+        break;
+    case Command::Watch:
+        watch(configuration, arguments, files);
+        break;
+    case Command::Serve:
+        serve(configuration, arguments, files);
+        break;
+    }
+    return Success;
+}
+
+ExitStatus run(const Arguments& arguments) {
+    if (!arguments.information.empty()) {
+        writeOutput(arguments.information);
+        return Success;
+    }
+    if (arguments.command == Command::Watch || arguments.command == Command::Serve)
+        blockHangup(); // before the files are read, so that no signal ends the program
     const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
                                                        : nullptr);
     const auto configuration = std::make_shared<ConfigurationImpl>();
-    addSources(*configuration, arguments.sources);
-    runCommand(*configuration, arguments);
+    const NamedFiles files = addSources(*configuration, arguments.sources);
+    return runCommand(*configuration, arguments, files);
 }
 
 ExitStatus runReportingFailure(int argc, const char* const argv[]) {
     try {
-        run(parseArguments(argc, argv));
-        return Success;
+        return run(parseArguments(argc, argv));
     } catch (const WrongArguments& error) {
         printError(error.what());
         std::cerr << usageLine() << "Try connector-config --help\n" << std::flush;

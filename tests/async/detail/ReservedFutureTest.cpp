@@ -76,7 +76,7 @@ TEST(ReservedFuture, ReservingFailsWithoutLeaks) {
 TEST(ReservedFuture, TheResultIsDestroyedWithTheFuture) {
     { const ReservedFuture<Counted> unused; }
     EXPECT_EQ(0, Counted::alive);
-    ReservedFuture<Counted>().resolve(Counted());
+    ReservedFuture<Counted>().resolve(Counted()).get();
     EXPECT_EQ(0, Counted::alive);
 }
 

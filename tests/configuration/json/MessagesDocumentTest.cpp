@@ -112,8 +112,9 @@ TEST_F(MessagesDocument, ShowsEveryMessage) {
 /// Sends the requests of the page, in order, to a service that has the options of the page.
 TEST_F(MessagesDocument, ShowsTheReplyToEachRequest) {
     const auto configuration = std::make_shared<ConfigurationImpl>();
-    configuration->addInMemorySource("site", "net", 100, true, {{"port", 8080}});
-    configuration->addInMemorySource("user", "", 50, false, {{"net.host", std::string("::1")}});
+    configuration->addInMemorySource("site", "net", 100, true, {{"port", 8080}}).get();
+    configuration->addInMemorySource("user", "", 50, false, {{"net.host", std::string("::1")}})
+        .get();
     const auto service = std::make_shared<ConfigurationServiceProviderImpl>(configuration);
     service->start();
     std::vector<std::string> expected;

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <unordered_map>
 
 namespace {
@@ -52,14 +53,14 @@ TEST(AddInMemorySource, RegistersATable) {
 TEST(AddInMemorySource, EmptiesTheCallersTable) {
     const auto configuration = makeConfiguration();
     std::unordered_map<std::string, OptionValue> values{{"port", 80}};
-    configuration->addInMemorySource("table", "", 5, true, std::move(values));
+    configuration->addInMemorySource("table", "", 5, true, std::move(values)).get();
     EXPECT_TRUE(values.empty());
 }
 
 TEST(AddInMemorySource, EmptiesTheCallersTableEvenWhenTheNameIsTaken) {
     const auto configuration = makeConfiguration();
     std::unordered_map<std::string, OptionValue> values{{"port", 80}};
-    configuration->addInMemorySource("default", "", 5, true, std::move(values));
+    std::ignore = configuration->addInMemorySource("default", "", 5, true, std::move(values));
     EXPECT_TRUE(values.empty());
 }
 
@@ -90,7 +91,7 @@ TEST(AddPropertyFileSource, ThrowsForAFileThatCannotBeOpened) {
     const auto configuration = makeConfiguration();
     expectThrows<std::runtime_error>(
         "Property file could not be opened: /no-such-directory/a.properties",
-        [&] { configuration->addPropertyFileSource("file", "", 5, true, missingFile); });
+        [&] { configuration->addPropertyFileSource("file", "", 5, true, missingFile).get(); });
 }
 
 TEST(AddPropertyFileSource, LeavesTheNameFreeAfterAFailure) {
@@ -104,7 +105,7 @@ TEST(AddPropertyFileSource, OpensTheFileBeforeItChecksTheName) {
     const auto configuration = makeConfiguration();
     expectThrows<std::runtime_error>(
         "Property file could not be opened: /no-such-directory/a.properties",
-        [&] { configuration->addPropertyFileSource("default", "", 5, true, missingFile); });
+        [&] { configuration->addPropertyFileSource("default", "", 5, true, missingFile).get(); });
 }
 
 TEST(AddPropertyFileSource, OpensTheFileWithoutTheMutex) {
@@ -124,13 +125,13 @@ TEST(AddEnvironmentSource, AddsNothing) {
 TEST(AddEnvironmentSource, ReadsNoEnvironmentVariable) {
     ASSERT_EQ(0, ::setenv("BUILT_SOURCE_TEST", "set", 1));
     const auto configuration = makeConfiguration();
-    configuration->addEnvironmentSource("environment", "", 5);
+    configuration->addEnvironmentSource("environment", "", 5).get();
     EXPECT_FALSE(has(*configuration, "BUILT_SOURCE_TEST"));
 }
 
 TEST(AddEnvironmentSource, LeavesTheNameFree) {
     const auto configuration = makeConfiguration();
-    configuration->addEnvironmentSource("environment", "", 5);
+    configuration->addEnvironmentSource("environment", "", 5).get();
     EXPECT_TRUE(configuration->addInMemorySource("environment", "", 5, false, {}).get());
 }
 
@@ -141,7 +142,7 @@ TEST(AddEnvironmentSource, AcceptsANameThatIsTaken) {
 TEST(AddEnvironmentSource, TakesNoMutex) {
     const auto configuration = makeConfiguration();
     EXPECT_FALSE(test::waitsForMutex(
-        *configuration, [&] { configuration->addEnvironmentSource("environment", "", 5); }));
+        *configuration, [&] { configuration->addEnvironmentSource("environment", "", 5).get(); }));
 }
 
 } // namespace

@@ -35,7 +35,7 @@ protected:
 TEST_F(ChangingSource, MakesGetThrow) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",
-                                     [&] { configuration->get("net.x"); });
+                                     [&] { configuration->get("net.x").get(); });
     EXPECT_THAT(journal, ElementsAre("changing has x", "changing has x"));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
@@ -43,7 +43,7 @@ TEST_F(ChangingSource, MakesGetThrow) {
 TEST_F(ChangingSource, MakesGetOptionThrow) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option for key: net.x",
-                                     [&] { configuration->getOption("net.x"); });
+                                     [&] { configuration->getOption("net.x").get(); });
     EXPECT_THAT(journal, ElementsAre("changing has x", "changing has x"));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
@@ -57,7 +57,7 @@ TEST_F(ChangingSource, ThatDeniesTheKeyAtFirstIsNotAskedAgain) {
 }
 
 TEST_F(ChangingSource, ThatDeniesTheKeyLaterLeavesItToTheNextSource) {
-    configuration->set("net.x", 2, "default");
+    configuration->set("net.x", 2, "default").get();
     source->answersOfHas = {true, false};
     EXPECT_EQ(2, test::intOf(*configuration, "net.x"));
     source->answersOfHas = {true, false};
@@ -65,7 +65,7 @@ TEST_F(ChangingSource, ThatDeniesTheKeyLaterLeavesItToTheNextSource) {
 }
 
 TEST_F(ChangingSource, SuppliesTheValueWhenItHasTheKeyAtTheSecondCall) {
-    configuration->set("net.x", 2, "default");
+    configuration->set("net.x", 2, "default").get();
     source->answersOfHas = {false, true};
     EXPECT_EQ(1, test::intOf(*configuration, "net.x"));
 }
@@ -90,7 +90,7 @@ TEST_F(ChangingSource, MakesWatchOptionThrowAndLeavesTheStreamRegistered) {
 TEST_F(ChangingSource, MakesSetThrowAfterTheValueWasWritten) {
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",
-                                     [&] { configuration->set("net.x", 5, "changing"); });
+                                     [&] { configuration->set("net.x", 5, "changing").get(); });
     EXPECT_EQ(5, test::intOf(*configuration, "net.x"));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
@@ -103,10 +103,10 @@ TEST_F(ChangingSource, MakesItsWatcherThrow) {
 }
 
 TEST_F(ChangingSource, MakesTheRemovalOfAnotherSourceThrowAfterwards) {
-    configuration->addInMemorySource("other", "", 5, false, {{"net.x", 3}});
+    configuration->addInMemorySource("other", "", 5, false, {{"net.x", 3}}).get();
     source->answersOfHas = {true, false};
     expectThrows<std::runtime_error>("No option value for key: net.x",
-                                     [&] { configuration->removeSource("other"); });
+                                     [&] { configuration->removeSource("other").get(); });
     EXPECT_FALSE(configuration->removeSource("other").get());
 }
 

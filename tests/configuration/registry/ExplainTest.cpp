@@ -25,15 +25,15 @@ using testing::IsEmpty;
 
 TEST(Explain, NamesAllSourcesInTheOrderOfConsultation) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("a", "", 5, false, {});
-    configuration->addInMemorySource("b", "net", 5, false, {});
-    configuration->addInMemorySource("c", "", -1, false, {});
+    configuration->addInMemorySource("a", "", 5, false, {}).get();
+    configuration->addInMemorySource("b", "net", 5, false, {}).get();
+    configuration->addInMemorySource("c", "", -1, false, {}).get();
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("c", "override", "b", "a", "default"));
 }
 
 TEST(Explain, DescribesASource) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("a", "net", 5, true, {{"port", 80}});
+    configuration->addInMemorySource("a", "net", 5, true, {{"port", 80}}).get();
     const SourceAnswer answer = configuration->explain("net.port")[1];
     EXPECT_EQ("a", answer.name);
     EXPECT_EQ("net.", answer.group);
@@ -46,7 +46,7 @@ TEST(Explain, DescribesASource) {
 
 TEST(Explain, IncludesASourceWhoseGroupDoesNotMatch) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}});
+    configuration->addInMemorySource("a", "net", 5, false, {{"port", 80}}).get();
     const SourceAnswer answer = configuration->explain("port")[1];
     EXPECT_EQ("a", answer.name);
     EXPECT_FALSE(answer.servesKey);
@@ -55,7 +55,7 @@ TEST(Explain, IncludesASourceWhoseGroupDoesNotMatch) {
 
 TEST(Explain, DistinguishesServingAKeyFromHavingIt) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto answers = configuration->explain("x");
     EXPECT_TRUE(answers[0].servesKey);
     EXPECT_TRUE(answers[0].value.has_value());
@@ -65,8 +65,8 @@ TEST(Explain, DistinguishesServingAKeyFromHavingIt) {
 
 TEST(Explain, ShowsHiddenValues) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
-    configuration->set("x", 2, "default");
+    configuration->set("x", 1).get();
+    configuration->set("x", 2, "default").get();
     const auto answers = configuration->explain("x");
     EXPECT_EQ(1, boost::get<int>(*answers[0].value));
     EXPECT_EQ(2, boost::get<int>(*answers[1].value));
@@ -74,8 +74,8 @@ TEST(Explain, ShowsHiddenValues) {
 
 TEST(Explain, PutsTheEffectiveValueFirst) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 2, "default");
-    configuration->addInMemorySource("a", "", 5, true, {{"x", 1}});
+    configuration->set("x", 2, "default").get();
+    configuration->addInMemorySource("a", "", 5, true, {{"x", 1}}).get();
     const auto answers = configuration->explain("x");
     const auto first = std::find_if(answers.begin(), answers.end(),
                                     [](const SourceAnswer& answer) { return answer.value; });
@@ -93,8 +93,8 @@ TEST(Explain, ShowsNoValueForAMissingKey) {
 
 TEST(Explain, WithoutSourcesIsEmpty) {
     const auto configuration = makeConfiguration();
-    configuration->removeSource("override");
-    configuration->removeSource("default");
+    configuration->removeSource("override").get();
+    configuration->removeSource("default").get();
     EXPECT_THAT(configuration->explain("x"), IsEmpty());
 }
 
@@ -105,9 +105,9 @@ TEST(Explain, AsksEachServingSourceForItsLocalKey) {
         journal, "net", std::map<std::string, OptionValue>{{"port", 1}});
     const auto other = std::make_shared<ScriptedSource>(journal, "other");
     const auto all = std::make_shared<ScriptedSource>(journal, "all");
-    configuration->addSource("net", "net", -3, false, net);
-    configuration->addSource("other", "other", -2, false, other);
-    configuration->addSource("all", "", -1, false, all);
+    configuration->addSource("net", "net", -3, false, net).get();
+    configuration->addSource("other", "other", -2, false, other).get();
+    configuration->addSource("all", "", -1, false, all).get();
     journal.clear();
     configuration->explain("net.port");
     EXPECT_THAT(journal, ElementsAre("net has port", "net get port", "all has net.port"));
@@ -117,7 +117,7 @@ TEST(Explain, ThrowsWhatASourceThrows) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "a");
-    configuration->addSource("a", "", -1, false, source);
+    configuration->addSource("a", "", -1, false, source).get();
     source->onHas = [](const std::string&) { throw std::range_error("no answer"); };
     EXPECT_THROW(configuration->explain("x"), std::range_error);
     source->onHas = nullptr;
@@ -126,7 +126,7 @@ TEST(Explain, ThrowsWhatASourceThrows) {
 
 TEST(Explain, ChangesNothingAndLogsNothing) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const test::CoreLog log;
     configuration->explain("x");
     EXPECT_THAT(log.lines(), IsEmpty());

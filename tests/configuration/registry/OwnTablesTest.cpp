@@ -60,8 +60,10 @@ std::unordered_map<std::string, OptionValue> table(const std::string& key, int v
 class DerivedSource : public testing::Test {
 protected:
     void add(const std::string& group = "") {
-        configuration->addSource("derived", group, 5, false,
-                                 std::make_shared<Derived<InMemorySource>>(journal, table("x", 1)));
+        configuration
+            ->addSource("derived", group, 5, false,
+                        std::make_shared<Derived<InMemorySource>>(journal, table("x", 1)))
+            .get();
         journal.clear();
     }
 
@@ -101,7 +103,7 @@ TEST_F(DerivedSource, IsAskedForTheKeyWithoutItsGroup) {
 
 TEST_F(DerivedSource, IsNotAskedForAKeyOfAnotherGroup) {
     add("net");
-    configuration->set("other.x", 2, "default");
+    configuration->set("other.x", 2, "default").get();
     journal.clear();
     EXPECT_EQ(2, intOf(*configuration, "other.x"));
     EXPECT_THAT(journal, IsEmpty());
@@ -109,7 +111,7 @@ TEST_F(DerivedSource, IsNotAskedForAKeyOfAnotherGroup) {
 
 TEST_F(DerivedSource, IsNotAskedWhenATableBeforeItHasTheKey) {
     add();
-    configuration->set("x", 2, "override");
+    configuration->set("x", 2, "override").get();
     journal.clear();
     EXPECT_EQ(2, intOf(*configuration, "x"));
     EXPECT_THAT(journal, IsEmpty());
@@ -117,7 +119,7 @@ TEST_F(DerivedSource, IsNotAskedWhenATableBeforeItHasTheKey) {
 
 TEST_F(DerivedSource, IsAskedTwiceWhenOnlyATableAfterItHasTheKey) {
     add();
-    configuration->set("y", 2, "default");
+    configuration->set("y", 2, "default").get();
     journal.clear();
     EXPECT_EQ(2, intOf(*configuration, "y"));
     EXPECT_THAT(journal, ElementsAre("has y", "has y"));
@@ -134,7 +136,7 @@ TEST_F(DerivedSource, IsAskedForSubscribersInTheSameWay) {
     const auto subscriber = test::watch(*configuration, "x");
     EXPECT_THAT(journal, ElementsAre("has x", "has x", "get x"));
     journal.clear();
-    configuration->set("x", 3, "derived");
+    configuration->set("x", 3, "derived").get();
     EXPECT_THAT(journal, ElementsAre("has x", "has x", "get x"));
     EXPECT_THAT(subscriber->values(), ElementsAre(7, 7));
 }
@@ -142,9 +144,11 @@ TEST_F(DerivedSource, IsAskedForSubscribersInTheSameWay) {
 TEST_F(DerivedSource, OfAPropertyFileIsAskedInTheSameWay) {
     const std::string path = testing::TempDir() + "own-tables.properties";
     std::ofstream(path) << "x=1\n";
-    configuration->addSource("derived", "", 5, true,
-                             std::make_shared<Derived<PropertyFileSource>>(
-                                 journal, std::u16string(path.begin(), path.end())));
+    configuration
+        ->addSource("derived", "", 5, true,
+                    std::make_shared<Derived<PropertyFileSource>>(
+                        journal, std::u16string(path.begin(), path.end())))
+        .get();
     std::remove(path.c_str());
     journal.clear();
     EXPECT_EQ(7, intOf(*configuration, "x"));
@@ -156,11 +160,11 @@ TEST_F(DerivedSource, OfAPropertyFileIsAskedInTheSameWay) {
 class TablesUnderGroups : public testing::Test {
 protected:
     TablesUnderGroups() {
-        configuration->addInMemorySource("1", "a", 1, true, table("b.c", 1));
-        configuration->addInMemorySource("2", "", 2, true, table("a.b.c", 2));
-        configuration->addInMemorySource("3", "a.b", 3, true, table("c", 3));
-        configuration->addInMemorySource("4", "a.b", 4, true, table("c", 4));
-        configuration->addInMemorySource("5", "a", 5, true, table("b.c", 5));
+        configuration->addInMemorySource("1", "a", 1, true, table("b.c", 1)).get();
+        configuration->addInMemorySource("2", "", 2, true, table("a.b.c", 2)).get();
+        configuration->addInMemorySource("3", "a.b", 3, true, table("c", 3)).get();
+        configuration->addInMemorySource("4", "a.b", 4, true, table("c", 4)).get();
+        configuration->addInMemorySource("5", "a", 5, true, table("b.c", 5)).get();
     }
 
     void expectEachInTurn() {
@@ -170,7 +174,7 @@ protected:
             EXPECT_TRUE(test::has(*configuration, "a.b.c"));
             EXPECT_FALSE(test::has(*configuration, "b.c"));
             EXPECT_FALSE(test::has(*configuration, "c"));
-            configuration->removeSource(std::to_string(order));
+            configuration->removeSource(std::to_string(order)).get();
         }
         EXPECT_FALSE(test::has(*configuration, "a.b.c"));
     }
@@ -189,16 +193,18 @@ TEST_F(TablesUnderGroups, AreAskedInOrderWithDiagnosticsToo) {
 
 TEST_F(TablesUnderGroups, AreAskedInOrderAfterASourceOfTheApplication) {
     Journal journal;
-    configuration->addSource("scripted", "", -1, true,
-                             std::make_shared<test::ScriptedSource>(journal, "scripted"));
+    configuration
+        ->addSource("scripted", "", -1, true,
+                    std::make_shared<test::ScriptedSource>(journal, "scripted"))
+        .get();
     expectEachInTurn();
-    configuration->removeSource("scripted");
+    configuration->removeSource("scripted").get();
 }
 
 TEST(OwnTables, ShowValuesThatAreSetDirectlyInASharedSource) {
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<InMemorySource>(table("x", 1));
-    configuration->addSource("shared", "net", 5, false, source);
+    configuration->addSource("shared", "net", 5, false, source).get();
     for (int i = 0; i < 1000; ++i) // the table grows and moves its entries
         source->set("key" + std::to_string(i), i);
     source->set("x", 2);
@@ -208,7 +214,7 @@ TEST(OwnTables, ShowValuesThatAreSetDirectlyInASharedSource) {
 
 TEST(OwnTables, LogHitsAndNoMisses) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const test::CoreLog log;
     EXPECT_ANY_THROW(configuration->get("y").get());
     EXPECT_FALSE(test::has(*configuration, "y"));

@@ -12,6 +12,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <typeinfo>
 
 namespace {
@@ -75,7 +76,7 @@ TEST_F(SourceRegistration, DoesNotCallASourceWhoseNameIsTaken) {
 }
 
 TEST_F(SourceRegistration, DeliversTheEffectiveValueEvenIfAnotherSourceSuppliesIt) {
-    configuration->set("x", 1);
+    std::ignore = configuration->set("x", 1);
     const auto subscriber = watch(*configuration, "x");
     add(make("a", {{"x", 2}}), "a", "", 5);
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
@@ -173,7 +174,8 @@ TEST_F(SourceRegistration, ThrowsWhenTheSourceChangesItsAnswer) {
 
 TEST_F(SourceRegistration, ContinuesAfterASubscriberRemovedTheSource) {
     const auto source = make("a", {{"b", 1}, {"x", 2}});
-    const auto first = watch(*configuration, "b", [&](int) { configuration->removeSource("a"); });
+    const auto first =
+        watch(*configuration, "b", [&](int) { std::ignore = configuration->removeSource("a"); });
     const auto second = watch(*configuration, "x");
     EXPECT_TRUE(add(source));
     EXPECT_THAT(first->values(), ElementsAre(1));
@@ -186,7 +188,8 @@ TEST_F(SourceRegistration, ContinuesAfterASubscriberRemovedTheSource) {
 TEST_F(SourceRegistration, AllowsASubscriberToAddManySources) {
     const auto subscriber = watch(*configuration, "b", [&](int) {
         for (int i = 0; i < 50; ++i)
-            configuration->addInMemorySource("added" + std::to_string(i), "", 1, false, {});
+            std::ignore =
+                configuration->addInMemorySource("added" + std::to_string(i), "", 1, false, {});
     });
     EXPECT_TRUE(add(make("a", {{"b", 1}, {"x", 2}})));
     EXPECT_EQ(53u, sourcesOf(*configuration).size());

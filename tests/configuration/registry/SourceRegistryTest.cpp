@@ -10,6 +10,7 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -70,11 +71,11 @@ TEST(SourceRegistry, LooksUpInTheOrderOfConsultation) {
     add(*configuration, "a", 5);
     add(*configuration, "b", 5);
     add(*configuration, "c", -1);
-    configuration->set("key", 0, "override");
-    configuration->set("key", 9, "default");
+    configuration->set("key", 0, "override").get();
+    configuration->set("key", 9, "default").get();
     for (const std::string name : {"c", "override", "b", "a", "default"}) {
         EXPECT_EQ(name, supplierOf(*configuration, "key"));
-        configuration->removeSource(name);
+        configuration->removeSource(name).get();
     }
     EXPECT_FALSE(has(*configuration, "key"));
 }
@@ -188,7 +189,7 @@ TEST(SourceRegistry, RefusesANameThatIsTaken) {
 
 TEST(SourceRegistry, DoesNotChangeWhenANameIsTaken) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("default", "net", -1, true, {{"key", 1}});
+    std::ignore = configuration->addInMemorySource("default", "net", -1, true, {{"key", 1}});
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
     EXPECT_THAT(configuration->keys().get(), IsEmpty());
     EXPECT_EQ(2147483647, configuration->explain("key")[1].order);
@@ -209,7 +210,7 @@ TEST(SourceRegistry, ComparesNamesByteByByte) {
 
 TEST(SourceRegistry, AllowsANameAgainAfterRemoval) {
     const auto configuration = makeConfiguration();
-    configuration->removeSource("override");
+    configuration->removeSource("override").get();
     EXPECT_TRUE(configuration->addInMemorySource("override", "", 7, true, {{"key", 1}}).get());
     EXPECT_EQ("override", supplierOf(*configuration, "key"));
 }
@@ -226,7 +227,7 @@ TEST(SourceRegistry, ReturnsWhetherASourceWasRemoved) {
 TEST(SourceRegistry, ForgetsTheOptionsOfARemovedSource) {
     const auto configuration = makeConfiguration();
     add(*configuration, "a", 5);
-    configuration->removeSource("a");
+    configuration->removeSource("a").get();
     EXPECT_FALSE(has(*configuration, "key"));
     EXPECT_THAT(configuration->keys().get(), IsEmpty());
 }
@@ -237,7 +238,7 @@ TEST(SourceRegistry, OwnsASourceUntilItIsRemoved) {
         std::make_shared<InMemorySource>(std::unordered_map<std::string, OptionValue>{{"key", 1}});
     EXPECT_TRUE(configuration->addSource("mine", "", 5, false, source).get());
     EXPECT_EQ(2, source.use_count());
-    configuration->removeSource("mine");
+    configuration->removeSource("mine").get();
     EXPECT_EQ(1, source.use_count());
     EXPECT_EQ(1, boost::get<int>(source->get("key")));
 }

@@ -54,14 +54,14 @@ TEST_F(SourceRemoval, LooksUpEachKeyInAscendingOrderInTheOtherSources) {
 
 TEST_F(SourceRemoval, DeliversTheNewEffectiveValue) {
     const auto subscriber = watch(*configuration, "x");
-    configuration->set("x", 1, "default");
+    configuration->set("x", 1, "default").get();
     add("a", "", -1, {{"x", 2}});
     remove("a");
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 1));
 }
 
 TEST_F(SourceRemoval, DeliversTheSameValueAgainWhenAnotherSourceSuppliesIt) {
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = watch(*configuration, "x");
     add("a", "", 5, {{"x", 2}});
     remove("a");
@@ -77,7 +77,7 @@ TEST_F(SourceRemoval, DeliversNothingWhenAKeyLosesItsLastValue) {
 }
 
 TEST_F(SourceRemoval, OfASourceWithAGroupDoesNotNotifySubscribersOfItsKeys) {
-    configuration->set("net.port", 1);
+    configuration->set("net.port", 1).get();
     const auto subscriber = watch(*configuration, "net.port");
     add("a", "net", -1, {{"port", 2}});
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
@@ -87,7 +87,7 @@ TEST_F(SourceRemoval, OfASourceWithAGroupDoesNotNotifySubscribersOfItsKeys) {
 }
 
 TEST_F(SourceRemoval, OfASourceWithAGroupNotifiesSubscribersOfItsLocalKeys) {
-    configuration->set("port", 1);
+    configuration->set("port", 1).get();
     const auto subscriber = watch(*configuration, "port");
     add("a", "net", -1, {{"port", 2}});
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
@@ -105,7 +105,7 @@ TEST_F(SourceRemoval, LeavesTheWatcherInstalled) {
 TEST_F(SourceRemoval, StillDeliversChangesThatTheRemovedSourceReports) {
     const auto source = add("a", "net", -1, {{"x", 1}});
     remove("a");
-    configuration->set("net.x", 5);
+    configuration->set("net.x", 5).get();
     const auto subscriber = watch(*configuration, "net.x");
     source->change("x", 2);
     EXPECT_THAT(subscriber->values(), ElementsAre(5, 5)); // the effective value, not the source's
@@ -116,9 +116,9 @@ TEST_F(SourceRemoval, NeverCallsTheRemovedSourceAgain) {
     remove("a");
     journal.clear();
     source->report("x");
-    configuration->set("x", 2);
-    configuration->get("x");
-    configuration->keys();
+    configuration->set("x", 2).get();
+    configuration->get("x").get();
+    configuration->keys().get();
     configuration->explain("x");
     EXPECT_THAT(journal, ElementsAre());
 }
@@ -142,8 +142,8 @@ TEST_F(SourceRemoval, IsNotUndoneWhenAnotherSourceThrowsAfterwards) {
 }
 
 TEST_F(SourceRemoval, ContinuesAfterASubscriberRemovedAnotherSource) {
-    configuration->set("b", 1, "default");
-    configuration->set("x", 2, "default");
+    configuration->set("b", 1, "default").get();
+    configuration->set("x", 2, "default").get();
     add("a", "", -1, {{"b", 3}, {"x", 4}});
     int calls = 0;
     watch(*configuration, "b", [&](int) {

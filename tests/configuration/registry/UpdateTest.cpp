@@ -39,7 +39,7 @@ TEST(Set, WritesToOverrideAndReturnsTheNewValueOfANewKey) {
 
 TEST(Set, ReturnsThePreviousValueOfAKnownKey) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_EQ(1, intIn(configuration->set("x", 2)));
     EXPECT_EQ(2, intIn(configuration->set("x", 3)));
     EXPECT_EQ(3, intOf(*configuration, "x"));
@@ -47,15 +47,15 @@ TEST(Set, ReturnsThePreviousValueOfAKnownKey) {
 
 TEST(Set, ReturnsThePreviousValueOfItsTargetNotTheEffectiveValue) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1, "default");
+    configuration->set("x", 1, "default").get();
     EXPECT_EQ(2, intIn(configuration->set("x", 2))); // new in "override"
     EXPECT_EQ(1, intIn(configuration->set("x", 3, "default")));
 }
 
 TEST(Set, MayChangeTheTypeOfAnOption) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
-    configuration->set("x", std::string("text"));
+    configuration->set("x", 1).get();
+    configuration->set("x", std::string("text")).get();
     EXPECT_EQ("text", boost::get<std::string>(configuration->get("x").get()));
 }
 
@@ -67,33 +67,33 @@ TEST(Set, ResolvesItsFutureBeforeItReturns) {
 
 TEST(Set, WritesToTheFirstWritableSourceEvenIfAnotherHasTheKey) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 9, "default");
-    configuration->addInMemorySource("first", "", -1, false, {});
-    configuration->addInMemorySource("fixed", "", -2, true, {});
-    configuration->set("x", 1);
+    configuration->set("x", 9, "default").get();
+    configuration->addInMemorySource("first", "", -1, false, {}).get();
+    configuration->addInMemorySource("fixed", "", -2, true, {}).get();
+    configuration->set("x", 1).get();
     EXPECT_EQ("first", supplierOf(*configuration, "x"));
 }
 
 TEST(Set, SkipsSourcesWhoseGroupDoesNotMatch) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("net", "net", -1, false, {});
-    configuration->set("x", 1);
-    configuration->set("net.port", 2);
+    configuration->addInMemorySource("net", "net", -1, false, {}).get();
+    configuration->set("x", 1).get();
+    configuration->set("net.port", 2).get();
     EXPECT_EQ("override", supplierOf(*configuration, "x"));
     EXPECT_EQ("net", supplierOf(*configuration, "net.port"));
 }
 
 TEST(Set, WritesToTheNextWritableSourceWhenOverrideIsRemoved) {
     const auto configuration = makeConfiguration();
-    configuration->removeSource("override");
-    configuration->set("x", 1);
+    configuration->removeSource("override").get();
+    configuration->set("x", 1).get();
     EXPECT_EQ("default", supplierOf(*configuration, "x"));
 }
 
 TEST(Set, WithoutAnySourceFails) {
     const auto configuration = makeConfiguration();
-    configuration->removeSource("override");
-    configuration->removeSource("default");
+    configuration->removeSource("override").get();
+    configuration->removeSource("default").get();
     auto result = configuration->set("x", 1);
     expectThrows<std::runtime_error>("No writable configuration source for key: x",
                                      [&] { result.get(); });
@@ -101,10 +101,10 @@ TEST(Set, WithoutAnySourceFails) {
 
 TEST(Set, WithoutAMatchingWritableSourceFails) {
     const auto configuration = makeConfiguration();
-    configuration->removeSource("override");
-    configuration->removeSource("default");
-    configuration->addInMemorySource("fixed", "", 5, true, {{"x", 1}});
-    configuration->addInMemorySource("net", "net", 5, false, {{"x", 1}});
+    configuration->removeSource("override").get();
+    configuration->removeSource("default").get();
+    configuration->addInMemorySource("fixed", "", 5, true, {{"x", 1}}).get();
+    configuration->addInMemorySource("net", "net", 5, false, {{"x", 1}}).get();
     auto result = configuration->set("x", 2);
     expectThrows<std::runtime_error>("No writable configuration source for key: x",
                                      [&] { result.get(); });
@@ -114,19 +114,19 @@ TEST(Set, WithoutAMatchingWritableSourceFails) {
 
 TEST(Set, StaysHiddenBehindAReadOnlySource) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("fixed", "", -1, true, {{"x", 1}});
+    configuration->addInMemorySource("fixed", "", -1, true, {{"x", 1}}).get();
     EXPECT_EQ(2, intIn(configuration->set("x", 2)));
     EXPECT_EQ(1, intOf(*configuration, "x"));
-    configuration->removeSource("fixed");
+    configuration->removeSource("fixed").get();
     EXPECT_EQ(2, intOf(*configuration, "x"));
 }
 
 TEST(SetInNamedSource, WritesToTheNamedSource) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_EQ(2, intIn(configuration->set("x", 2, "default")));
     EXPECT_EQ(1, intOf(*configuration, "x"));
-    configuration->removeSource("override");
+    configuration->removeSource("override").get();
     EXPECT_EQ(2, intOf(*configuration, "x"));
 }
 
@@ -140,7 +140,7 @@ TEST(SetInNamedSource, FailsForAnUnknownSource) {
 
 TEST(SetInNamedSource, FailsForAReadOnlySource) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("fixed", "", 5, true, {{"x", 1}});
+    configuration->addInMemorySource("fixed", "", 5, true, {{"x", 1}}).get();
     auto result = configuration->set("x", 2, "fixed");
     expectThrows<std::runtime_error>("Source not found or not writable: x, fixed",
                                      [&] { result.get(); });
@@ -149,7 +149,7 @@ TEST(SetInNamedSource, FailsForAReadOnlySource) {
 
 TEST(SetInNamedSource, FailsWhenTheGroupDoesNotMatch) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("net", "net", 5, false, {});
+    configuration->addInMemorySource("net", "net", 5, false, {}).get();
     auto result = configuration->set("x", 2, "net");
     expectThrows<std::runtime_error>("Source not found or not writable: x, net",
                                      [&] { result.get(); });
@@ -158,7 +158,7 @@ TEST(SetInNamedSource, FailsWhenTheGroupDoesNotMatch) {
 
 TEST(SetInNamedSource, FailsForARemovedSource) {
     const auto configuration = makeConfiguration();
-    configuration->removeSource("default");
+    configuration->removeSource("default").get();
     auto result = configuration->set("x", 2, "default");
     expectThrows<std::runtime_error>("Source not found or not writable: x, default",
                                      [&] { result.get(); });
@@ -185,14 +185,14 @@ protected:
 };
 
 TEST_F(SetCalls, TheLocalKeyIsWrittenAndThenLookedUpForSubscribers) {
-    configuration->set("net.port", 80);
+    configuration->set("net.port", 80).get();
     EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
                                      "net set returns"));
     EXPECT_EQ(80, boost::get<int>(source->values.at("port")));
 }
 
 TEST_F(SetCalls, ANamedSourceIsWrittenInTheSameWay) {
-    configuration->set("net.port", 80, "net");
+    configuration->set("net.port", 80, "net").get();
     EXPECT_THAT(journal, ElementsAre("net set port", "net has port", "net has port", "net get port",
                                      "net set returns"));
 }
@@ -204,14 +204,14 @@ TEST_F(SetCalls, TheResultOfTheSourceIsReturned) {
 }
 
 TEST_F(SetCalls, OtherSourcesAreNotCalled) {
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_ANY_THROW(configuration->set("x", 1, "net").get());
     EXPECT_ANY_THROW(configuration->set("net.x", 1, "unknown").get());
     EXPECT_THAT(journal, IsEmpty());
 }
 
 TEST_F(SetCalls, AFailedSetNotifiesNoSubscriber) {
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = test::watch(*configuration, "x");
     EXPECT_ANY_THROW(configuration->set("x", 2, "net").get());
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
@@ -219,14 +219,15 @@ TEST_F(SetCalls, AFailedSetNotifiesNoSubscriber) {
 
 TEST_F(SetCalls, AnExceptionFromTheSourceIsThrown) {
     source->onSet = [](const std::string&) { throw std::range_error("refused"); };
-    expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80); });
-    expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80, "net"); });
+    expectThrows<std::range_error>("refused", [&] { configuration->set("net.port", 80).get(); });
+    expectThrows<std::range_error>("refused",
+                                   [&] { configuration->set("net.port", 80, "net").get(); });
     EXPECT_FALSE(test::has(*configuration, "net.port"));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }
 
 TEST_F(SetCalls, ASourceThatASubscriberRemovesIsKeptAlive) {
-    test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net"); });
+    test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net").get(); });
     journal.clear();
     source->resultOfSet = 77;
     source.reset();
@@ -236,10 +237,10 @@ TEST_F(SetCalls, ASourceThatASubscriberRemovesIsKeptAlive) {
 }
 
 TEST_F(SetCalls, ANamedSourceThatASubscriberRemovesIsKeptAlive) {
-    test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net"); });
+    test::watch(*configuration, "net.port", [&](int) { configuration->removeSource("net").get(); });
     journal.clear();
     source.reset();
-    configuration->set("net.port", 80, "net");
+    configuration->set("net.port", 80, "net").get();
     ASSERT_EQ(7u, journal.size());
     EXPECT_EQ("net set returns", journal[5]);
     EXPECT_EQ("net destroyed", journal[6]);
@@ -260,7 +261,7 @@ protected:
 
 TEST_F(SetWithAPropertyFile, SkipsItWhenItIsReadOnly) {
     configuration->addPropertyFileSource("file", "", -1, true, path.u16string()).get();
-    configuration->set("port", 81);
+    configuration->set("port", 81).get();
     EXPECT_EQ("80", boost::get<std::string>(configuration->get("port").get()));
     EXPECT_EQ(81, boost::get<int>(*configuration->explain("port")[1].value));
 }
@@ -268,9 +269,9 @@ TEST_F(SetWithAPropertyFile, SkipsItWhenItIsReadOnly) {
 TEST_F(SetWithAPropertyFile, ThrowsWhenItIsRegisteredAsWritable) {
     configuration->addPropertyFileSource("file", "", -1, false, path.u16string()).get();
     expectThrows<std::runtime_error>("PropertyFileSource does not support writing",
-                                     [&] { configuration->set("port", 81); });
+                                     [&] { configuration->set("port", 81).get(); });
     expectThrows<std::runtime_error>("PropertyFileSource does not support writing",
-                                     [&] { configuration->set("port", 81, "file"); });
+                                     [&] { configuration->set("port", 81, "file").get(); });
     EXPECT_EQ("80", boost::get<std::string>(configuration->get("port").get()));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }

@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 using namespace connector::configuration;
@@ -45,10 +47,10 @@ protected:
 };
 
 TEST_F(Deliver, CallsTheHandlerOfItsClassOnce) {
-    deliverNew<ConfigurationGet>("key");
-    deliverNew<ConfigurationSet>("key", 7, "");
-    deliverNew<ConfigurationKeys>();
-    deliverNew<AddPropertyFileSource>("site", "", 5, true, u"path");
+    std::ignore = deliverNew<ConfigurationGet>("key");
+    std::ignore = deliverNew<ConfigurationSet>("key", 7, "");
+    std::ignore = deliverNew<ConfigurationKeys>();
+    std::ignore = deliverNew<AddPropertyFileSource>("site", "", 5, true, u"path");
     EXPECT_THAT(provider->calls, ElementsAre("Get", "Set", "Keys", "AddPropertyFileSource"));
 }
 
@@ -59,7 +61,7 @@ TEST_F(Deliver, PassesTheRequestItself) {
         EXPECT_EQ(request, call.request);
         return Reply();
     };
-    deliver(owner);
+    std::ignore = deliver(owner);
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
 
@@ -69,7 +71,7 @@ TEST_F(Deliver, EmptiesTheOwnerBeforeTheHandlerRuns) {
         EXPECT_EQ(nullptr, owner);
         return Reply();
     };
-    deliver(owner);
+    std::ignore = deliver(owner);
     EXPECT_EQ(nullptr, owner);
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
@@ -80,7 +82,7 @@ TEST_F(Deliver, DestroysTheRequestAfterTheHandlerAndBeforeItReturns) {
         EXPECT_FALSE(isDestroyed);
         return Reply();
     };
-    deliverNew<TrackedGet>(isDestroyed, "key");
+    std::ignore = deliverNew<TrackedGet>(isDestroyed, "key");
     EXPECT_TRUE(isDestroyed);
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
@@ -88,7 +90,7 @@ TEST_F(Deliver, DestroysTheRequestAfterTheHandlerAndBeforeItReturns) {
 TEST_F(Deliver, DoesNotDestroyARequestThatTheHandlerKeeps) {
     bool isDestroyed = false;
     provider->keepsRequests = true;
-    deliverNew<TrackedGet>(isDestroyed, "key");
+    std::ignore = deliverNew<TrackedGet>(isDestroyed, "key");
     EXPECT_FALSE(isDestroyed);
     EXPECT_EQ("key", test::as<ConfigurationGet>(provider->kept).key);
     provider->kept.reset();
@@ -104,7 +106,7 @@ TEST_F(Deliver, PassesTheAddress) {
         return Reply();
     };
     auto& request = dynamic_cast<RequestOfTheService&>(*owner);
-    request.deliver(provider, std::move(owner), std::move(address), nullptr);
+    std::ignore = request.deliver(provider, std::move(owner), std::move(address), nullptr);
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
 
@@ -118,7 +120,7 @@ TEST_F(Deliver, LetsTheHandlerTakeTheContext) {
         return Reply();
     };
     auto& request = dynamic_cast<RequestOfTheService&>(*owner);
-    request.deliver(provider, std::move(owner), Address(), std::move(context));
+    std::ignore = request.deliver(provider, std::move(owner), Address(), std::move(context));
     EXPECT_EQ(expected, taken);
     EXPECT_EQ(nullptr, context);
 }
@@ -162,7 +164,7 @@ TEST_F(Deliver, ThrowsWhatTheHandlerThrowsAndDestroysTheRequest) {
         throw std::out_of_range("no such thing");
     };
     MessagePtr owner = std::make_unique<TrackedGet>(isDestroyed, "key");
-    expectThrows<std::out_of_range>("no such thing", [&] { deliver(owner); });
+    expectThrows<std::out_of_range>("no such thing", [&] { std::ignore = deliver(owner); });
     EXPECT_TRUE(isDestroyed);
     EXPECT_EQ(nullptr, owner);
 }
@@ -243,7 +245,7 @@ TEST_F(Deliver, ThatFailsLeavesTheMessageWithItsOwner) {
     MessagePtr owner = std::make_unique<TrackedGet>(isDestroyed, "key");
     const Message* const held = owner.get();
     ConfigurationGet get("key");
-    deliver(get, owner);
+    std::ignore = deliver(get, owner);
     EXPECT_EQ(held, owner.get());
     EXPECT_FALSE(isDestroyed);
 }

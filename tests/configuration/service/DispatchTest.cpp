@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <tuple>
 
 namespace {
 
@@ -59,7 +60,7 @@ TEST(Dispatch, WorksAfterARestart) {
     const auto provider = makeRunning();
     provider->stop();
     provider->start();
-    send<ConfigurationGet>(*provider, "key").get();
+    std::ignore = send<ConfigurationGet>(*provider, "key");
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
 
@@ -89,7 +90,7 @@ TEST(Dispatch, SeesTheStartOnAnotherThread) {
     std::thread other([&] {
         MessagePtr message = std::make_unique<ConfigurationGet>("key");
         while (message) {
-            dispatch(*provider, message);
+            std::ignore = dispatch(*provider, message);
             std::this_thread::yield();
         }
     });
@@ -104,7 +105,7 @@ TEST(Dispatch, SeesTheStopOnAnotherThread) {
         MessagePtr message;
         while (!message) {
             message = std::make_unique<ConfigurationGet>("key");
-            dispatch(*provider, message);
+            std::ignore = dispatch(*provider, message);
             std::this_thread::yield();
         }
     });
@@ -119,10 +120,10 @@ TEST(Dispatch, OfANullMessageThrows) {
 
 TEST(Dispatch, OfEachRequestCallsItsHandler) {
     const auto provider = makeRunning();
-    send<ConfigurationGet>(*provider, "key");
-    send<ConfigurationSet>(*provider, "key", 7, "");
-    send<ConfigurationKeys>(*provider);
-    send<AddPropertyFileSource>(*provider, "site", "", 5, true, u"path");
+    std::ignore = send<ConfigurationGet>(*provider, "key");
+    std::ignore = send<ConfigurationSet>(*provider, "key", 7, "");
+    std::ignore = send<ConfigurationKeys>(*provider);
+    std::ignore = send<AddPropertyFileSource>(*provider, "site", "", 5, true, u"path");
     EXPECT_THAT(provider->calls, ElementsAre("Get", "Set", "Keys", "AddPropertyFileSource"));
 }
 
@@ -156,7 +157,7 @@ TEST(Dispatch, OfARequestOfAnotherServiceFails) {
 
 TEST(Dispatch, ThatFailsLeavesTheMessageWithTheCaller) {
     MessagePtr message = std::make_unique<ConfigurationOptionResponse>();
-    dispatch(*makeRunning(), message);
+    std::ignore = dispatch(*makeRunning(), message);
     EXPECT_NE(nullptr, message);
 }
 
@@ -204,7 +205,7 @@ TEST(Dispatch, ToAProviderOnTheStackChecksTheMessageFirst) {
 TEST(Dispatch, TakesTheMessageAndDestroysIt) {
     bool isDestroyed = false;
     MessagePtr message = std::make_unique<TrackedGet>(isDestroyed, "key");
-    dispatch(*makeRunning(), message);
+    std::ignore = dispatch(*makeRunning(), message);
     EXPECT_EQ(nullptr, message);
     EXPECT_TRUE(isDestroyed);
 }
@@ -218,8 +219,8 @@ TEST(Dispatch, PassesAddressAndContext) {
         EXPECT_EQ(sent, call.context);
         return Reply();
     };
-    provider->dispatch(std::make_unique<ConfigurationGet>("key"), Address("sender"),
-                       std::move(context));
+    std::ignore = provider->dispatch(std::make_unique<ConfigurationGet>("key"), Address("sender"),
+                                     std::move(context));
     EXPECT_THAT(provider->calls, ElementsAre("Get"));
 }
 
@@ -232,7 +233,7 @@ TEST(Dispatch, KeepsTheProviderAliveUntilItReturns) {
         return Reply();
     };
     RecordingProvider& target = *provider;
-    send<ConfigurationGet>(target, "key");
+    std::ignore = send<ConfigurationGet>(target, "key");
     EXPECT_EQ(nullptr, provider);
     EXPECT_TRUE(observer.expired());
 }
@@ -258,8 +259,9 @@ TEST(Dispatch, ThrowsWhatTheHandlerThrows) {
         throw std::domain_error("the handler threw");
     };
     bool isDestroyed = false;
-    expectThrows<std::domain_error>("the handler threw",
-                                    [&] { send<TrackedGet>(*provider, isDestroyed, "key"); });
+    expectThrows<std::domain_error>("the handler threw", [&] {
+        std::ignore = send<TrackedGet>(*provider, isDestroyed, "key");
+    });
     EXPECT_TRUE(isDestroyed);
 }
 
@@ -270,7 +272,7 @@ TEST(Dispatch, RunsTheHandlerOnTheCallingThread) {
         handlerThread = std::this_thread::get_id();
         return Reply();
     };
-    send<ConfigurationGet>(*provider, "key");
+    std::ignore = send<ConfigurationGet>(*provider, "key");
     EXPECT_EQ(std::this_thread::get_id(), handlerThread);
 }
 
@@ -279,7 +281,7 @@ TEST(Dispatch, FromAHandlerIsHandled) {
     provider->answer = [&](const RecordingProvider::Call&) {
         return provider->calls.size() == 1 ? send<ConfigurationKeys>(*provider) : Reply();
     };
-    send<ConfigurationGet>(*provider, "key");
+    std::ignore = send<ConfigurationGet>(*provider, "key");
     EXPECT_THAT(provider->calls, ElementsAre("Get", "Keys"));
 }
 

@@ -67,7 +67,7 @@ TEST_F(GetHandler, DoesNotCallGetOptionForAMissingOption) {
 
 TEST_F(GetHandler, ThrowsTheFailureOfHas) {
     configuration->onHas = [] { return makeFailedFuture<bool>(std::domain_error("no answer")); };
-    expectThrows<std::domain_error>("no answer", [&] { handle<ConfigurationGet>("key"); });
+    expectThrows<std::domain_error>("no answer", [&] { handle<ConfigurationGet>("key").get(); });
     EXPECT_THAT(configuration->calls, ElementsAre("has(key)"));
 }
 
@@ -79,12 +79,12 @@ TEST_F(GetHandler, ThrowsTheFailureOfGetOption) {
             std::runtime_error("No option with the specified key was found: key"));
     };
     expectThrows<std::runtime_error>("No option with the specified key was found: key",
-                                     [&] { handle<ConfigurationGet>("key"); });
+                                     [&] { handle<ConfigurationGet>("key").get(); });
 }
 
 TEST_F(GetHandler, ThrowsWhatTheConfigurationThrows) {
     configuration->onHas = []() -> connector::Future<bool> { throw std::range_error("broken"); };
-    expectThrows<std::range_error>("broken", [&] { handle<ConfigurationGet>("key"); });
+    expectThrows<std::range_error>("broken", [&] { handle<ConfigurationGet>("key").get(); });
 }
 
 TEST_F(GetHandler, WaitsForAPendingFuture) {
@@ -135,7 +135,7 @@ TEST_F(SetHandler, CopiesTheValueOutOfTheRequest) {
     configuration->onSet = [] { return makeReadyFuture<OptionValue>(7); };
     const OptionValue value = std::vector<std::string>{"a", "b"};
     auto request = std::make_unique<ConfigurationSet>("key", value, "table");
-    provider->handle(std::move(request), Address(), nullptr);
+    provider->handle(std::move(request), Address(), nullptr).get();
     ASSERT_NE(nullptr, request);
     EXPECT_TRUE(value == request->value);
     EXPECT_EQ("key", request->key);
@@ -148,7 +148,7 @@ TEST_F(SetHandler, ThrowsTheFailureOfSet) {
             std::runtime_error("No writable configuration source for key: key"));
     };
     expectThrows<std::runtime_error>("No writable configuration source for key: key",
-                                     [&] { handle<ConfigurationSet>("key", 8, ""); });
+                                     [&] { handle<ConfigurationSet>("key", 8, "").get(); });
     EXPECT_THAT(configuration->calls, ElementsAre("set(key)"));
 }
 
@@ -157,7 +157,7 @@ TEST_F(SetHandler, WithASourceThrowsTheFailureOfSet) {
         return makeFailedFuture<OptionValue>(std::domain_error("not there"));
     };
     expectThrows<std::domain_error>("not there",
-                                    [&] { handle<ConfigurationSet>("key", 8, "table"); });
+                                    [&] { handle<ConfigurationSet>("key", 8, "table").get(); });
 }
 
 TEST_F(KeysHandler, RepliesWithTheKeys) {
@@ -183,13 +183,13 @@ TEST_F(KeysHandler, ThrowsTheFailureOfKeys) {
     configuration->onKeys = [] {
         return makeFailedFuture<std::set<std::string>>(std::domain_error("unknown"));
     };
-    expectThrows<std::domain_error>("unknown", [&] { handle<ConfigurationKeys>(); });
+    expectThrows<std::domain_error>("unknown", [&] { handle<ConfigurationKeys>().get(); });
 }
 
 TEST_F(AddPropertyFileSourceHandler, PassesEveryField) {
     configuration->onAddPropertyFileSource = [] { return makeReadyFuture(true); };
-    handle<AddPropertyFileSource>("site", "net", -3, true, u"/etc/\u00e4");
-    handle<AddPropertyFileSource>("other", "", 2147483647, false, u"");
+    handle<AddPropertyFileSource>("site", "net", -3, true, u"/etc/\u00e4").get();
+    handle<AddPropertyFileSource>("other", "", 2147483647, false, u"").get();
     EXPECT_THAT(configuration->calls,
                 ElementsAre("addPropertyFileSource(site, net, -3, true, /etc/\u00e4)",
                             "addPropertyFileSource(other, , 2147483647, false, )"));
@@ -214,7 +214,7 @@ TEST_F(AddPropertyFileSourceHandler, ThrowsTheFailureOfTheRegistration) {
             std::invalid_argument("Source with the requested name already exists: site"));
     };
     expectThrows<std::invalid_argument>("Source with the requested name already exists: site", [&] {
-        handle<AddPropertyFileSource>("site", "", 5, true, u"path");
+        handle<AddPropertyFileSource>("site", "", 5, true, u"path").get();
     });
 }
 
@@ -223,7 +223,7 @@ TEST_F(ServiceHandlers, LeaveRequestAddressAndContextWithTheCaller) {
     auto request = std::make_unique<ConfigurationGet>("key");
     Address address("sender");
     auto context = std::make_shared<Context>();
-    provider->handle(std::move(request), std::move(address), std::move(context));
+    provider->handle(std::move(request), std::move(address), std::move(context)).get();
     EXPECT_NE(nullptr, request);
     EXPECT_EQ("sender", address.toString());
     ASSERT_NE(nullptr, context);
@@ -234,7 +234,7 @@ TEST_F(ServiceHandlers, ThrowForANullRequest) {
     const std::string text = "A handler needs a request.";
     const auto callWithNull = [&](auto request) {
         expectThrows<std::invalid_argument>(
-            text, [&] { provider->handle(std::move(request), Address(), nullptr); });
+            text, [&] { return provider->handle(std::move(request), Address(), nullptr); });
     };
     callWithNull(std::unique_ptr<ConfigurationGet>());
     callWithNull(std::unique_ptr<ConfigurationSet>());

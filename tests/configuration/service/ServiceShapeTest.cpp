@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <type_traits>
 
 namespace {
@@ -68,12 +69,14 @@ TEST(ConfigurationServiceProvider, KeepsItsOperationsInTheirSlots) {
 TEST(ConfigurationServiceProvider, IsCalledThroughPointersToItsOperations) {
     const auto provider = std::make_shared<test::RecordingProvider>();
     ConfigurationServiceProvider& base = *provider;
-    ((base).*handleGet)(std::make_unique<ConfigurationGet>("key"), Address(), nullptr);
-    ((base).*handleSet)(std::make_unique<ConfigurationSet>("key", 7, ""), Address(), nullptr);
-    ((base).*handleKeys)(std::make_unique<ConfigurationKeys>(), Address(), nullptr);
-    ((base).*handleAdd)(std::make_unique<AddPropertyFileSource>("s", "", 5, true, u""), Address(),
-                        nullptr);
-    ((base).*dispatch)(std::make_unique<ConfigurationGet>("key"), Address(), nullptr);
+    std::ignore =
+        ((base).*handleGet)(std::make_unique<ConfigurationGet>("key"), Address(), nullptr);
+    std::ignore =
+        ((base).*handleSet)(std::make_unique<ConfigurationSet>("key", 7, ""), Address(), nullptr);
+    std::ignore = ((base).*handleKeys)(std::make_unique<ConfigurationKeys>(), Address(), nullptr);
+    std::ignore = ((base).*handleAdd)(
+        std::make_unique<AddPropertyFileSource>("s", "", 5, true, u""), Address(), nullptr);
+    std::ignore = ((base).*dispatch)(std::make_unique<ConfigurationGet>("key"), Address(), nullptr);
     EXPECT_EQ((std::vector<std::string>{"Get", "Set", "Keys", "AddPropertyFileSource"}),
               provider->calls)
         << "dispatch fails, because the service is not running";

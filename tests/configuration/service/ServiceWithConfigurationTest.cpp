@@ -16,6 +16,7 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#include <tuple>
 
 namespace {
 
@@ -54,7 +55,7 @@ public:
 };
 
 TEST_F(ServiceWithConfiguration, RepliesToAGetWithTheOption) {
-    configuration->addInMemorySource("table", "net", 5, true, {{"port", 80}});
+    configuration->addInMemorySource("table", "net", 5, true, {{"port", 80}}).get();
     const Option option = optionIn(send<ConfigurationGet>(*provider, "net.port"));
     EXPECT_EQ("net.port", option.key);
     EXPECT_EQ("table", option.source);
@@ -89,28 +90,29 @@ TEST_F(ServiceWithConfiguration, SetsInTheNamedSource) {
 
 TEST_F(ServiceWithConfiguration, NotifiesSubscribersOfASet) {
     const auto subscriber = test::watch(*configuration, "port");
-    send<ConfigurationSet>(*provider, "port", 80, "");
+    send<ConfigurationSet>(*provider, "port", 80, "").get();
     EXPECT_THAT(subscriber->values(), ElementsAre(80));
 }
 
 TEST_F(ServiceWithConfiguration, ThrowsForASetWithoutAWritableSource) {
-    configuration->removeSource("override");
-    configuration->removeSource("default");
-    expectThrows<std::runtime_error>("No writable configuration source for key: port",
-                                     [&] { send<ConfigurationSet>(*provider, "port", 80, ""); });
+    configuration->removeSource("override").get();
+    configuration->removeSource("default").get();
+    expectThrows<std::runtime_error>("No writable configuration source for key: port", [&] {
+        send<ConfigurationSet>(*provider, "port", 80, "").get();
+    });
 }
 
 TEST_F(ServiceWithConfiguration, ThrowsForASetInAReadOnlySource) {
-    configuration->addInMemorySource("table", "", 5, true, {});
+    configuration->addInMemorySource("table", "", 5, true, {}).get();
     expectThrows<std::runtime_error>("Source not found or not writable: port, table", [&] {
-        send<ConfigurationSet>(*provider, "port", 80, "table");
+        send<ConfigurationSet>(*provider, "port", 80, "table").get();
     });
 }
 
 TEST_F(ServiceWithConfiguration, ListsTheKeys) {
-    configuration->set("b", 1);
-    configuration->addInMemorySource("table", "net", 5, true, {{"port", 80}});
-    configuration->set("a", 1, "default");
+    configuration->set("b", 1).get();
+    configuration->addInMemorySource("table", "net", 5, true, {{"port", 80}}).get();
+    configuration->set("a", 1, "default").get();
     EXPECT_THAT(keysIn(send<ConfigurationKeys>(*provider)), ElementsAre("a", "b", "net.port"));
 }
 
@@ -135,7 +137,8 @@ TEST_F(ServiceWithConfiguration, ThrowsForAFileThatCannotBeOpened) {
     expectThrows<std::runtime_error>(
         "Property file could not be opened: /no-such-directory/a.properties", [&] {
             send<AddPropertyFileSource>(*provider, "file", "", 5, true,
-                                        u"/no-such-directory/a.properties");
+                                        u"/no-such-directory/a.properties")
+                .get();
         });
 }
 
@@ -143,7 +146,8 @@ TEST_F(ServiceWithConfiguration, ThrowsForASourceNameThatIsTaken) {
     const PropertyFile file;
     expectThrows<std::invalid_argument>(
         "Source with the requested name already exists: default", [&] {
-            send<AddPropertyFileSource>(*provider, "default", "", 5, true, file.path.u16string());
+            send<AddPropertyFileSource>(*provider, "default", "", 5, true, file.path.u16string())
+                .get();
         });
 }
 
@@ -154,7 +158,7 @@ TEST_F(ServiceWithConfiguration, WorksAfterAFailure) {
 
 TEST_F(ServiceWithConfiguration, DoesNotCallTheConfigurationWhileNotRunning) {
     provider->stop();
-    send<ConfigurationSet>(*provider, "port", 80, "");
+    std::ignore = send<ConfigurationSet>(*provider, "port", 80, "");
     EXPECT_FALSE(configuration->has("port").get());
 }
 

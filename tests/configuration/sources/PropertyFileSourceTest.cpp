@@ -190,7 +190,7 @@ TEST_F(PropertyFile, AFileThatIsNotOpenedLeavesNothingRegistered) {
     const auto configuration = std::make_shared<ConfigurationImpl>();
     const fs::path path = directory.path / "late.properties";
     expectThrows<std::runtime_error>(notOpened + path.string(), [&] {
-        configuration->addPropertyFileSource("file", "", 1, true, path.u16string());
+        configuration->addPropertyFileSource("file", "", 1, true, path.u16string()).get();
     });
     EXPECT_FALSE(configuration->removeSource("file").get());
     directory.write("late.properties", "a=b\n");

@@ -60,7 +60,7 @@ TEST(FailingSubscriber, IsReportedWithTheKeyInOneLine) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     watch(*configuration, "x", throwException);
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_EQ(lineForX, errors.text());
 }
 
@@ -68,7 +68,7 @@ TEST(FailingSubscriber, IsReportedWithAFlush) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     watch(*configuration, "x", throwException);
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_GE(errors.flushes(), 1);
 }
 
@@ -80,7 +80,7 @@ TEST(FailingSubscriber, IsReportedOnTheStandardErrorOfTheProcess) {
     {
         const auto configuration = makeConfiguration();
         watch(*configuration, "net.port", throwException);
-        configuration->set("net.port", 1);
+        configuration->set("net.port", 1).get();
     }
     ::dup2(before, STDERR_FILENO);
     ::close(before);
@@ -97,7 +97,7 @@ TEST(FailingSubscriber, IsReportedWithTheWholeKey) {
     const std::string key("net.\xff\0 x", 8);
     const auto configuration = makeConfiguration();
     watch(*configuration, key, throwException);
-    configuration->set(key, 1);
+    configuration->set(key, 1).get();
     EXPECT_EQ("Error in configuration value subscriber: " + key + "\n", errors.text());
 }
 
@@ -115,7 +115,7 @@ TEST(FailingSubscriber, IsReportedOncePerStream) {
     watch(*configuration, "x", throwException);
     watch(*configuration, "x");
     watch(*configuration, "x", throwNumber);
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_EQ(lineForX + lineForX, errors.text());
 }
 
@@ -125,7 +125,7 @@ TEST(FailingSubscriber, DoesNotAffectOtherSubscribers) {
     const auto before = watch(*configuration, "x");
     watch(*configuration, "x", throwException);
     const auto after = watch(*configuration, "x");
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(before->values(), ElementsAre(1));
     EXPECT_THAT(after->values(), ElementsAre(1));
 }
@@ -143,8 +143,8 @@ TEST(FailingSubscriber, ReceivesTheNextChange) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x", throwException);
-    configuration->set("x", 1);
-    configuration->set("x", 2);
+    configuration->set("x", 1).get();
+    configuration->set("x", 2).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
     EXPECT_EQ(lineForX + lineForX, errors.text());
 }
@@ -161,8 +161,8 @@ TEST(FailingSubscriber, DoesNotStopTheAdditionOfASource) {
 
 TEST(FailingSubscriber, DoesNotStopTheRemovalOfASource) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("a", "", -1, false, {{"x", 1}});
-    configuration->set("x", 2, "default");
+    configuration->addInMemorySource("a", "", -1, false, {{"x", 1}}).get();
+    configuration->set("x", 2, "default").get();
     const auto subscriber = watch(*configuration, "x");
     subscriber->inOnNext = throwException;
     const CapturedErrors errors;
@@ -173,7 +173,7 @@ TEST(FailingSubscriber, DoesNotStopTheRemovalOfASource) {
 TEST(FailingSubscriber, IsNotReportedWhenItsOwnRequestThrows) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = watch(*configuration, "x", throwException, 0);
     EXPECT_THROW(subscriber->request(1), std::runtime_error);
     EXPECT_EQ("", errors.text());
@@ -183,8 +183,8 @@ TEST(FailingSubscriber, IsTheOnlyCauseOfAReport) {
     const CapturedErrors errors;
     const auto configuration = makeConfiguration();
     watch(*configuration, "x");
-    configuration->set("x", 1);
-    configuration->set("y", 1);
+    configuration->set("x", 1).get();
+    configuration->set("y", 1).get();
     EXPECT_EQ("", errors.text());
 }
 
@@ -200,7 +200,7 @@ TEST(FailingSink, DuringANotificationIsReportedLikeASubscriber) {
                 throw std::runtime_error("the sink failed");
         });
         foundation::log::set_diagnostic_mask("connector::configuration", 8);
-        configuration->set("x", 1);
+        configuration->set("x", 1).get();
     }
     EXPECT_THAT(first->values(), ElementsAre()); // the sink threw before the value was delivered
     EXPECT_THAT(second->values(), ElementsAre(1));

@@ -17,14 +17,14 @@ using test::RecordingSubscriber;
 TEST(FirstValue, DoesNotEvictANewerOne) {
     constexpr int rounds = 5000;
     const auto configuration = makeConfiguration();
-    configuration->set("x", 0);
+    configuration->set("x", 0).get();
     std::atomic<int> started{0};
     std::atomic<int> finished{0};
     std::thread writer([&] {
         for (int round = 1; round <= rounds; ++round) {
             while (started.load() < round)
                 std::this_thread::yield();
-            configuration->set("x", round);
+            configuration->set("x", round).get();
             finished = round;
         }
     });

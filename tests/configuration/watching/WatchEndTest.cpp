@@ -25,9 +25,9 @@ TEST(WatchEnd, CancellingDoesNotAffectOtherStreams) {
     const auto configuration = makeConfiguration();
     const auto cancelled = watch(*configuration, "x");
     const auto other = watch(*configuration, "x");
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     cancelled->cancel();
-    configuration->set("x", 2);
+    configuration->set("x", 2).get();
     EXPECT_THAT(cancelled->values(), ElementsAre(1));
     EXPECT_THAT(other->values(), ElementsAre(1, 2));
 }
@@ -72,7 +72,7 @@ TEST(WatchEnd, CancellingManyStreamsKeepsTheOrderOfTheOthers) {
         for (const auto& [number, subscriber] : subscribers)
             numbers.push_back(number);
         served.clear();
-        configuration->set("x", 1);
+        configuration->set("x", 1).get();
         EXPECT_EQ(numbers, served);
     };
     int next = 0;
@@ -98,7 +98,7 @@ TEST(RemoveStream, OfACancelledStreamDoesNothing) {
     const auto other = watch(*configuration, "x");
     cancelled->cancel();
     configuration->removeStream(0);
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_EQ(0, cancelled->completions());
     EXPECT_THAT(other->values(), ElementsAre(1));
 }
@@ -109,7 +109,7 @@ TEST(RemoveStream, OfAnUnknownIdDoesNothing) {
     const auto subscriber = watch(*configuration, "x");
     configuration->removeStream(1);
     configuration->removeStream(std::numeric_limits<std::uint64_t>::max());
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
@@ -118,7 +118,7 @@ TEST(RemoveStream, CompletesAStreamWithoutAnotherOwner) {
     const auto subscriber = watch(*configuration, "x");
     configuration->removeStream(0);
     EXPECT_EQ(1, subscriber->completions());
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(subscriber->values(), ElementsAre());
 }
 
@@ -128,7 +128,7 @@ TEST(RemoveStream, LeavesAStreamWithAnotherOwnerOpenButWithoutValues) {
     const auto subscriber = std::make_shared<RecordingSubscriber>();
     publisher->subscribe(subscriber);
     configuration->removeStream(0);
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_EQ(1, publisher.use_count());
     EXPECT_EQ(0, subscriber->completions());
     EXPECT_THAT(subscriber->values(), ElementsAre());
@@ -157,7 +157,7 @@ TEST(WatchEnd, DestructionResolvesTheCompletionWithTrue) {
 
 TEST(WatchEnd, DestructionDoesNotCompleteAPublisherThatOutlivesIt) {
     auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto publisher = configuration->watchOption("x");
     configuration.reset();
     const auto subscriber = std::make_shared<RecordingSubscriber>();
@@ -187,7 +187,7 @@ TEST(WatchEnd, DroppingAPublisherEarlyIsHarmless) {
     auto publisher = configuration->watchOption("x");
     configuration->removeStream(0);
     publisher.reset();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_EQ(1, test::intOf(*configuration, "x"));
 }
 

@@ -24,13 +24,13 @@ using testing::ElementsAre;
 
 TEST(WatchOption, DeliversTheEffectiveValueAtOnce) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(watch(*configuration, "x")->values(), ElementsAre(1));
 }
 
 TEST(WatchOption, HoldsTheValueUntilItIsRequested) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = watch(*configuration, "x", nullptr, 0);
     EXPECT_THAT(subscriber->values(), ElementsAre());
     subscriber->request(1);
@@ -39,9 +39,9 @@ TEST(WatchOption, HoldsTheValueUntilItIsRequested) {
 
 TEST(WatchOption, HoldsTheValueUntilASubscription) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto publisher = configuration->watchOption("x");
-    configuration->set("x", 2);
+    configuration->set("x", 2).get();
     const auto subscriber = std::make_shared<RecordingSubscriber>();
     publisher->subscribe(subscriber);
     EXPECT_THAT(subscriber->values(), ElementsAre(2));
@@ -49,14 +49,14 @@ TEST(WatchOption, HoldsTheValueUntilASubscription) {
 
 TEST(WatchOption, KeepsOnlyTheNewestUndeliveredValue) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = watch(*configuration, "x", nullptr, 1);
     for (const int value : {2, 3, 4})
-        configuration->set("x", value);
+        configuration->set("x", value).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
     subscriber->request(5);
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 4));
-    configuration->set("x", 5);
+    configuration->set("x", 5).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 4, 5));
 }
 
@@ -64,7 +64,7 @@ TEST(WatchOption, OfAKeyWithoutAValueDeliversTheFirstOne) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
     EXPECT_THAT(subscriber->values(), ElementsAre());
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
@@ -78,41 +78,41 @@ TEST(WatchOption, DeliversBeforeSetReturns) {
 TEST(WatchOption, DeliversTheSameValueAgain) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
-    configuration->set("x", 1);
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
+    configuration->set("x", 1).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
 }
 
 TEST(WatchOption, DeliversTheEffectiveValueWhenAHiddenSourceChanges) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = watch(*configuration, "x");
-    configuration->set("x", 2, "default");
+    configuration->set("x", 2, "default").get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
 }
 
 TEST(WatchOption, DeliversTheEffectiveValueWhenAHiddenSourceIsAdded) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = watch(*configuration, "x");
-    configuration->addInMemorySource("hidden", "", 5, false, {{"x", 2}});
+    configuration->addInMemorySource("hidden", "", 5, false, {{"x", 2}}).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 1));
 }
 
 TEST(WatchOption, DeliversTheValueOfAnAddedSourceThatIsConsultedFirst) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = watch(*configuration, "x");
-    configuration->addInMemorySource("first", "", -1, true, {{"x", 2}});
+    configuration->addInMemorySource("first", "", -1, true, {{"x", 2}}).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
 }
 
 TEST(WatchOption, IsNotNotifiedOfASourceWithoutTheKey) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     const auto subscriber = watch(*configuration, "x");
-    configuration->addInMemorySource("other", "", -1, false, {{"y", 2}});
-    configuration->removeSource("other");
+    configuration->addInMemorySource("other", "", -1, false, {{"y", 2}}).get();
+    configuration->removeSource("other").get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
 }
 
@@ -120,17 +120,17 @@ TEST(WatchOption, FollowsOnlyItsOwnKey) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
     for (const std::string key : {"X", "x.", "xx", "", "net.x"})
-        configuration->set(key, 1);
-    configuration->set(std::string("x\0", 2), 1);
+        configuration->set(key, 1).get();
+    configuration->set(std::string("x\0", 2), 1).get();
     EXPECT_THAT(subscriber->values(), ElementsAre());
 }
 
 TEST(WatchOption, FollowsTheKeyWithItsGroup) {
     const auto configuration = makeConfiguration();
-    configuration->addInMemorySource("net", "net", -1, false, {{"port", 80}});
+    configuration->addInMemorySource("net", "net", -1, false, {{"port", 80}}).get();
     const auto prefixed = watch(*configuration, "net.port");
     const auto bare = watch(*configuration, "port");
-    configuration->set("net.port", 81);
+    configuration->set("net.port", 81).get();
     EXPECT_THAT(prefixed->values(), ElementsAre(80, 81));
     EXPECT_THAT(bare->values(), ElementsAre());
 }
@@ -140,8 +140,8 @@ TEST(WatchOption, CreatesANewStreamEachTime) {
     EXPECT_NE(configuration->watchOption("x"), configuration->watchOption("x"));
     const auto first = watch(*configuration, "x");
     const auto second = watch(*configuration, "x");
-    configuration->set("x", 1);
-    configuration->set("x", 2);
+    configuration->set("x", 1).get();
+    configuration->set("x", 2).get();
     EXPECT_THAT(first->values(), ElementsAre(1, 2));
     EXPECT_THAT(second->values(), ElementsAre(1, 2));
 }
@@ -151,7 +151,7 @@ TEST(WatchOption, NotifiesStreamsInTheOrderOfTheirCreation) {
     std::vector<int> order;
     for (int i = 0; i < 5; ++i)
         watch(*configuration, "x", [&order, i](int) { order.push_back(i); });
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(order, ElementsAre(0, 1, 2, 3, 4));
 }
 
@@ -163,7 +163,7 @@ TEST(WatchOption, KeepsTheOrderOfTheOthersWhenAStreamEnds) {
         subscribers.push_back(watch(*configuration, "x", [&order, i](int) { order.push_back(i); }));
     subscribers[1]->cancel();
     subscribers[3]->cancel();
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(order, ElementsAre(0, 2, 4));
 }
 
@@ -209,16 +209,16 @@ TEST(WatchOption, ThrowsWhatASourceThrowsAndLeavesTheStreamRegistered) {
     test::Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "a");
-    configuration->addSource("a", "", -1, false, source);
+    configuration->addSource("a", "", -1, false, source).get();
     source->onHas = [](const std::string&) { throw std::range_error("no answer"); };
     expectThrows<std::range_error>("no answer", [&] { configuration->watchOption("x"); });
     source->onHas = nullptr;
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 
     const test::CoreLog log; // nothing else shows the stream: no pointer to it exists
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     configuration->removeStream(0);
-    configuration->set("x", 2);
+    configuration->set("x", 2).get();
     EXPECT_THAT(log.lines(), testing::Contains("notifying watcher: x").Times(1));
 }
 
@@ -227,7 +227,7 @@ TEST(WatchOption, AsksTwiceForTheKeyAndThenForTheValue) {
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(
         journal, "a", std::map<std::string, ScriptedSource::OptionValue>{{"x", 1}});
-    configuration->addSource("a", "", -1, false, source);
+    configuration->addSource("a", "", -1, false, source).get();
     journal.clear();
     configuration->watchOption("x");
     EXPECT_THAT(journal, ElementsAre("a has x", "a has x", "a get x"));
@@ -238,7 +238,7 @@ TEST(WatchOption, LooksUpAReportedKeyOnceForAllSubscribers) {
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(
         journal, "a", std::map<std::string, ScriptedSource::OptionValue>{{"x", 1}});
-    configuration->addSource("a", "", -1, false, source);
+    configuration->addSource("a", "", -1, false, source).get();
     const auto first = watch(*configuration, "x");
     const auto second = watch(*configuration, "x");
     journal.clear();
@@ -254,7 +254,7 @@ TEST(WatchOption, DeliversNothingForAReportedKeyWithoutAValue) {
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(
         journal, "a", std::map<std::string, ScriptedSource::OptionValue>{{"x", 1}});
-    configuration->addSource("a", "", -1, false, source);
+    configuration->addSource("a", "", -1, false, source).get();
     const auto subscriber = watch(*configuration, "x");
     source->values.clear();
     source->report("x");

@@ -28,15 +28,15 @@ TEST(WatchReentrancy, ASubscriberSeesTheNewValueInTheConfiguration) {
     const auto configuration = makeConfiguration();
     int seen = 0;
     watch(*configuration, "x", [&](int) { seen = intOf(*configuration, "x"); });
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_EQ(1, seen);
 }
 
 TEST(WatchReentrancy, ASubscriberMaySetAnotherOption) {
     const auto configuration = makeConfiguration();
     const auto other = watch(*configuration, "y");
-    watch(*configuration, "x", [&](int value) { configuration->set("y", value + 1); });
-    configuration->set("x", 1);
+    watch(*configuration, "x", [&](int value) { configuration->set("y", value + 1).get(); });
+    configuration->set("x", 1).get();
     EXPECT_THAT(other->values(), ElementsAre(2));
 }
 
@@ -44,9 +44,9 @@ TEST(WatchReentrancy, ASubscriberMaySetItsOwnOption) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x", [&](int value) {
         if (value < 3)
-            configuration->set("x", value + 1);
+            configuration->set("x", value + 1).get();
     });
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 3));
     EXPECT_EQ(3, intOf(*configuration, "x"));
 }
@@ -58,9 +58,9 @@ TEST(WatchReentrancy, AStreamCreatedDuringAPassIsNotNotifiedByIt) {
         if (!late)
             late = watch(*configuration, "x");
     });
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(late->values(), ElementsAre(1)); // once, from watchOption itself
-    configuration->set("x", 2);
+    configuration->set("x", 2).get();
     EXPECT_THAT(late->values(), ElementsAre(1, 2));
 }
 
@@ -68,10 +68,10 @@ TEST(WatchReentrancy, AStreamRemovedDuringAPassStillReceivesItsValue) {
     const auto configuration = makeConfiguration();
     watch(*configuration, "x", [&](int) { configuration->removeStream(1); });
     const auto removed = watch(*configuration, "x");
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(removed->values(), ElementsAre(1));
     EXPECT_EQ(1, removed->completions()); // the pass was its last owner
-    configuration->set("x", 2);
+    configuration->set("x", 2).get();
     EXPECT_THAT(removed->values(), ElementsAre(1));
 }
 
@@ -80,7 +80,7 @@ TEST(WatchReentrancy, AStreamCancelledDuringAPassReceivesNothing) {
     std::shared_ptr<RecordingSubscriber> second;
     watch(*configuration, "x", [&](int) { second->cancel(); });
     second = watch(*configuration, "x");
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(second->values(), ElementsAre());
 }
 
@@ -88,8 +88,8 @@ TEST(WatchReentrancy, ASubscriberMayCancelItsOwnStream) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
     subscriber->inOnNext = [&, self = subscriber.get()](int) { self->cancel(); };
-    configuration->set("x", 1);
-    configuration->set("x", 2);
+    configuration->set("x", 1).get();
+    configuration->set("x", 2).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1));
     EXPECT_EQ(1, subscriber.use_count());
 }
@@ -99,7 +99,7 @@ TEST(WatchReentrancy, ASubscriberMayRequestOneValueAtATime) {
     const auto subscriber = watch(*configuration, "x", nullptr, 1);
     subscriber->inOnNext = [self = subscriber.get()](int) { self->request(1); };
     for (const int value : {1, 2, 3})
-        configuration->set("x", value);
+        configuration->set("x", value).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 3));
 }
 
@@ -109,19 +109,19 @@ TEST(WatchReentrancy, ASubscriberMayAddASource) {
         if (value == 1)
             configuration->addInMemorySource("added", "", -1, false, {{"x", 2}}).get();
     });
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2));
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("added", "override", "default"));
 }
 
 TEST(WatchReentrancy, ASubscriberMayRemoveTheSupplier) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 9, "default");
+    configuration->set("x", 9, "default").get();
     const auto subscriber = watch(*configuration, "x", [&](int value) {
         if (value == 1)
-            configuration->removeSource("override");
+            configuration->removeSource("override").get();
     });
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(subscriber->values(), ElementsAre(9, 1, 9));
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("default"));
 }
@@ -130,10 +130,10 @@ TEST(WatchReentrancy, APassOffersOneValueEvenIfASubscriberChangesTheOption) {
     const auto configuration = makeConfiguration();
     watch(*configuration, "x", [&](int value) {
         if (value == 1)
-            configuration->set("x", 2);
+            configuration->set("x", 2).get();
     });
     const auto second = watch(*configuration, "x");
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_THAT(second->values(), ElementsAre(2, 1)); // the inner pass comes first
 }
 
@@ -150,7 +150,7 @@ TEST(WatchLocks, SetHoldsTheMutexDuringNotifications) {
     MutexProbe probe(*configuration);
     bool held = false;
     watch(*configuration, "x", [&](int) { held = probe.isHeld(); });
-    configuration->set("x", 1);
+    configuration->set("x", 1).get();
     EXPECT_TRUE(held);
 }
 
@@ -158,7 +158,7 @@ TEST(WatchLocks, AReportedChangeIsDeliveredWithoutTheMutex) {
     Journal journal;
     const auto configuration = makeConfiguration();
     const auto source = std::make_shared<ScriptedSource>(journal, "a");
-    configuration->addSource("a", "", -1, false, source);
+    configuration->addSource("a", "", -1, false, source).get();
     MutexProbe probe(*configuration);
     bool held = true;
     watch(*configuration, "x", [&](int) { held = probe.isHeld(); });
@@ -171,21 +171,21 @@ TEST(WatchLocks, AddSourceNotifiesWithoutTheMutex) {
     MutexProbe probe(*configuration);
     bool held = true;
     watch(*configuration, "x", [&](int) { held = probe.isHeld(); });
-    configuration->addInMemorySource("a", "", -1, false, {{"x", 1}});
+    configuration->addInMemorySource("a", "", -1, false, {{"x", 1}}).get();
     EXPECT_FALSE(held);
 }
 
 TEST(WatchLocks, RemoveSourceNotifiesWithoutTheMutex) {
     const auto configuration = makeConfiguration();
-    configuration->set("x", 1, "default");
-    configuration->set("x", 2);
+    configuration->set("x", 1, "default").get();
+    configuration->set("x", 2).get();
     MutexProbe probe(*configuration);
     bool held = true;
     const auto subscriber = watch(*configuration, "x", [&](int value) {
         if (value == 1)
             held = probe.isHeld();
     });
-    configuration->removeSource("override");
+    configuration->removeSource("override").get();
     EXPECT_FALSE(held);
 }
 
@@ -201,9 +201,9 @@ TEST(WatchLocks, RemoveStreamCompletesTheStreamWithoutTheMutex) {
 TEST(WatchLocks, TheMutexIsFreeAfterEveryKindOfNotification) {
     const auto configuration = makeConfiguration();
     const auto subscriber = watch(*configuration, "x");
-    configuration->set("x", 1);
-    configuration->addInMemorySource("a", "", -1, false, {{"x", 2}});
-    configuration->removeSource("a");
+    configuration->set("x", 1).get();
+    configuration->addInMemorySource("a", "", -1, false, {{"x", 2}}).get();
+    configuration->removeSource("a").get();
     EXPECT_THAT(subscriber->values(), ElementsAre(1, 2, 1));
     EXPECT_TRUE(test::mutexIsFree(*configuration));
 }

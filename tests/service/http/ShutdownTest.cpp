@@ -61,12 +61,12 @@ HttpLimits shortShutdown() {
 
 TEST(Shutdown, DoesNotWaitForAClientThatStopsReading) {
     InProcessServer server(shortShutdown());
-    server.configuration->set("k", OptionValue(std::string("1")));
+    server.configuration->set("k", OptionValue(std::string("1"))).get();
     HttpClient watcher(server.port(), 4096);
     watcher.get("/watch?key=k");
     EXPECT_NE("", watcher.readLineStartingWith("data: "));
     for (int i = 0; i < 20; ++i)
-        server.configuration->set("k", OptionValue(std::string(500000, 'x')));
+        server.configuration->set("k", OptionValue(std::string(500000, 'x'))).get();
     server.close();
 }
 

@@ -96,7 +96,7 @@ TEST(WatchRoute, ASlowClientReceivesTheNewestValueInsteadOfABacklog) {
     HttpClient client = watcher(server.port(), "k", 4096);
     const std::string padding(4096, 'x');
     for (int i = 0; i <= changes; ++i)
-        server.configuration->set("k", OptionValue(padding + std::to_string(i)));
+        server.configuration->set("k", OptionValue(padding + std::to_string(i))).get();
     int events = 0;
     std::string line;
     do {
@@ -112,7 +112,7 @@ TEST(WatchRoute, AFastClientReceivesEveryValue) {
     HttpClient client = watcher(server.port(), "k");
     for (int i = 0; i < 1000; ++i) {
         const std::string value = std::to_string(i);
-        server.configuration->set("k", OptionValue(value));
+        server.configuration->set("k", OptionValue(value)).get();
         ASSERT_EQ(event("k", value), client.readLineStartingWith("data: "));
     }
 }
@@ -121,7 +121,7 @@ TEST(WatchRoute, SendsALargeValueCompletely) {
     const InProcessServer server;
     HttpClient client = watcher(server.port(), "k");
     const std::string value(1000000, 'x');
-    server.configuration->set("k", OptionValue(value));
+    server.configuration->set("k", OptionValue(value)).get();
     EXPECT_EQ(event("k", value), client.readLineStartingWith("data: "));
 }
 
@@ -134,7 +134,7 @@ TEST(WatchRoute, SendsCommentsToKeepTheConnectionOpen) {
         EXPECT_EQ(":", client.readLine());
         EXPECT_EQ("", client.readLine());
     }
-    server.configuration->set("k", OptionValue(std::string("1")));
+    server.configuration->set("k", OptionValue(std::string("1"))).get();
     EXPECT_EQ(event("k", "1"), client.readLineStartingWith("data: "));
 }
 
@@ -159,7 +159,7 @@ TEST(WatchRoute, RespondsWithStatus503IfThereAreTooManyWatchers) {
     HttpClient first = watcher(server.port(), "k");
     HttpClient second = watcher(server.port(), "k");
     EXPECT_EQ(503, get(server.port(), "/watch?key=k").status);
-    server.configuration->set("k", OptionValue(std::string("1")));
+    server.configuration->set("k", OptionValue(std::string("1"))).get();
     EXPECT_EQ(event("k", "1"), first.readLine());
     EXPECT_EQ(event("k", "1"), second.readLine());
 }

@@ -5,6 +5,7 @@
 namespace {
 
 using namespace connector_config;
+using connector::sources::FileFormat;
 
 TEST(FileArgument, AcceptsPlainPathsAndTheLongForm) {
     const struct {
@@ -34,6 +35,38 @@ TEST(FileArgument, AcceptsPlainPathsAndTheLongForm) {
         EXPECT_EQ(row.file.group, file.group);
         EXPECT_EQ(row.file.order, file.order);
     }
+}
+
+TEST(FileArgument, TheExtensionNamesTheFormatUnlessAMemberDoes) {
+    const struct {
+        int line;
+        const char* text;
+        FileFormat format;
+    } rows[] = {
+        {__LINE__, "a.properties", FileFormat::Properties},
+        {__LINE__, "a.json", FileFormat::Json},
+        {__LINE__, "a.YAML", FileFormat::Yaml},
+        {__LINE__, "path=a.yml", FileFormat::Yaml},
+        {__LINE__, "path=a.toml,name=a.json", FileFormat::Toml},
+        {__LINE__, "a.txt", FileFormat::Properties},
+        {__LINE__, "", FileFormat::Properties},
+        {__LINE__, "path=a", FileFormat::Properties},
+        {__LINE__, "path=a,format=json", FileFormat::Json},
+        {__LINE__, "path=a.json,format=properties", FileFormat::Properties},
+        {__LINE__, "path=a.json,format=yaml", FileFormat::Yaml},
+        {__LINE__, "path=a.json,format=toml", FileFormat::Toml},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        EXPECT_EQ(row.format, parseFileArgument(row.text).format);
+    }
+}
+
+TEST(FileArgument, IsOptionalOnlyIfAMemberSaysSo) {
+    EXPECT_FALSE(parseFileArgument("a").optional);
+    EXPECT_FALSE(parseFileArgument("path=a").optional);
+    EXPECT_FALSE(parseFileArgument("path=a,optional=false").optional);
+    EXPECT_TRUE(parseFileArgument("path=a,optional=true").optional);
 }
 
 } // namespace

@@ -83,6 +83,18 @@ TEST(Get, FindsTheEmptyKeyOfAFile) {
     EXPECT_EQ((Result{0, "nameless\n", ""}), runConnectorConfig({"-f", file.path(), "get", ""}));
 }
 
+TEST(Get, WritesOneLineForEachKeyInTheOrderOfTheKeys) {
+    EXPECT_EQ((Result{0, "2\n1\n2\n", ""}),
+              runConnectorConfig({"-s", "a=1", "-d", "b:int=2", "get", "b", "a", "b"}));
+}
+
+TEST(Get, WritesTheOptionsThatExistAndNamesEachOtherOne) {
+    EXPECT_EQ((Result{1, "1\n2\n",
+                      "connector-config: No option with the specified key was found: x\n"
+                      "connector-config: No option with the specified key was found: y\n"}),
+              runConnectorConfig({"-s", "a=1", "-s", "b=2", "get", "x", "a", "y", "b"}));
+}
+
 TEST(GetJson, WritesKeySourceAndTypedValue) {
     EXPECT_EQ(
         (Result{0,
@@ -123,6 +135,26 @@ TEST(GetJson, EscapesControlCharacters) {
 TEST(GetJson, ReportsAMissingOptionWithTheLibrarysText) {
     EXPECT_EQ((Result{1, "", "connector-config: No option with the specified key was found: k\n"}),
               runConnectorConfig({"--json", "get", "k"}));
+}
+
+TEST(GetJson, WritesAnArrayForSeveralKeys) {
+    EXPECT_EQ((Result{0,
+                      R"([{"key":"b","source":"default","value":{"type":"int","value":2}},)"
+                      R"({"key":"a","source":"override","value":{"type":"string","value":"1"}}])"
+                      "\n",
+                      ""}),
+              runConnectorConfig({"--json", "-s", "a=1", "-d", "b:int=2", "get", "b", "a"}));
+}
+
+TEST(GetJson, TheArrayLacksTheOptionsThatDoNotExist) {
+    const std::string missing = "connector-config: No option with the specified key was found: x\n";
+    EXPECT_EQ((Result{1,
+                      R"([{"key":"a","source":"override","value":{"type":"string","value":"1"}}])"
+                      "\n",
+                      missing}),
+              runConnectorConfig({"--json", "-s", "a=1", "get", "a", "x"}));
+    EXPECT_EQ((Result{1, "[]\n", missing + missing}),
+              runConnectorConfig({"--json", "get", "x", "x"}));
 }
 
 } // namespace

@@ -53,7 +53,7 @@ TEST(MaskedSecrets, InTheFailureOfAWatchLine) {
               "connector-config: Value does not convert to intArray: ******\n"
               "connector-config: Value does not convert to int: ******\n"
               "connector-config: Value does not convert to int: me\n",
-              runConnectorConfig({"--secret", "net.*", "watch", "a"},
+              runConnectorConfig({"--secret", "net.*", "-s", "a=", "watch", "a"},
                                  "set db.password:int=hush\nset my.Token:intArray=hush @default\n"
                                  "set net.port:int=hush\nset db.user:int=me\n")
                   .errors);

@@ -109,6 +109,15 @@ TEST_F(TokenPipe, SignalsEndTheProgramWhileItWaitsForTheToken) {
     EXPECT_EQ((Result{128 + SIGINT, "", ""}), process->finish());
 }
 
+TEST_F(TokenPipe, AHangupDoesNotEndTheProgramWhileItWaitsForTheToken) {
+    process->signal(SIGHUP);
+    ASSERT_EQ(3, ::write(descriptor, "abc", 3));
+    close();
+    EXPECT_EQ(0u, process->readLine().find("listening on "));
+    process->signal(SIGTERM);
+    EXPECT_EQ((Result{0, "", ""}), process->finish());
+}
+
 TEST(ServeArguments, ReportsAnAddressThatIsInUse) {
     test::ServerProcess server;
     const std::string address = "127.0.0.1:" + std::to_string(server.port());

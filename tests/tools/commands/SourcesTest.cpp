@@ -1,4 +1,5 @@
-/// The options that name sources: --file, --set and --default.
+/// The options that name sources: --file, --set and --default. See also EnvironmentTest.cpp and
+/// FileFormatsTest.cpp.
 #include "tools/support/Program.hpp"
 
 #include <gtest/gtest.h>
@@ -74,6 +75,13 @@ TEST(FileOption, InvalidMembersAreUsageErrors) {
         {__LINE__, "path=a,order=2147483648", "Order is no 32-bit integer: 2147483648"},
         {__LINE__, "path=a,order=-2147483649", "Order is no 32-bit integer: -2147483649"},
         {__LINE__, "path=a,order=1,group=g,x=y", "Unknown member of a file: x=y"},
+        {__LINE__, "path=a,format=", "Unknown format of a file: "},
+        {__LINE__, "path=a,format=JSON", "Unknown format of a file: JSON"},
+        {__LINE__, "path=a,format=yml", "Unknown format of a file: yml"},
+        {__LINE__, "path=a,optional=yes", "Optional is neither true nor false: yes"},
+        {__LINE__, "path=a,optional=", "Optional is neither true nor false: "},
+        {__LINE__, "path=a,optional", "Unknown member of a file: optional"},
+        {__LINE__, "path=a,format=json,format=json", "Repeated member of a file: format=json"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
@@ -193,11 +201,17 @@ TEST(Sources, UsageErrorsAreReportedBeforeFilesAreRead) {
               runConnectorConfig({"-f", "/no/such/file", "-s", "k:int=x", "keys"}));
 }
 
+/// @return the warning about an assignment
+std::string unknownType(const std::string& key) {
+    return "connector-config: Warning: unknown type, taken as part of the key: " + key + "\n";
+}
+
 TEST(Assignment, SeparatesKeyTypeAndValue) {
     const struct {
         int line;
         const char* assignment;
         const char* json;
+        bool warns = false;
     } rows[] = {
         {__LINE__, "k=v",
          R"([{"key":"k","source":"override","value":{"type":"string","value":"v"}}])"},
@@ -208,9 +222,10 @@ TEST(Assignment, SeparatesKeyTypeAndValue) {
         {__LINE__, "k:int=1",
          R"([{"key":"k","source":"override","value":{"type":"int","value":1}}])"},
         {__LINE__, "k:INT=1",
-         R"([{"key":"k:INT","source":"override","value":{"type":"string","value":"1"}}])"},
+         R"([{"key":"k:INT","source":"override","value":{"type":"string","value":"1"}}])", true},
         {__LINE__, "k:integer=1",
-         R"([{"key":"k:integer","source":"override","value":{"type":"string","value":"1"}}])"},
+         R"([{"key":"k:integer","source":"override","value":{"type":"string","value":"1"}}])",
+         true},
         {__LINE__, "k: int=1",
          R"([{"key":"k: int","source":"override","value":{"type":"string","value":"1"}}])"},
         {__LINE__, "k:=1",
@@ -228,9 +243,26 @@ TEST(Assignment, SeparatesKeyTypeAndValue) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ((Result{0, std::string(row.json) + "\n", ""}),
+        const std::string key = row.assignment;
+        const std::string warning =
+            row.warns ? unknownType(key.substr(0, key.find('='))) : std::string();
+        EXPECT_EQ((Result{0, std::string(row.json) + "\n", warning}),
                   runConnectorConfig({"-s", row.assignment, "show", "--json"}));
     }
+}
+
+TEST(Assignment, WarnsOfATypeThatIsUnknownButLooksLikeOne) {
+    EXPECT_EQ((Result{0, "k:integer\nl:Bool\n", unknownType("k:integer") + unknownType("l:Bool")}),
+              runConnectorConfig({"-s", "k:integer=1", "-d", "l:Bool=1", "keys"}));
+    for (const char* key : {"k:1", "k:int8", "k:a b", "k:a.b", "k:\xC3\xA4", "k:"})
+        EXPECT_EQ((Result{0, "1\n", ""}),
+                  runConnectorConfig({"-s", std::string(key) + "=1", "get", key}));
+}
+
+TEST(Assignment, WarnsAtThePromptToo) {
+    EXPECT_EQ((Result{0, "k:integer = 1  (override)\n",
+                      "connector-config: No value yet: k:integer\n" + unknownType("k:integer")}),
+              runConnectorConfig({"watch", "k:integer"}, "set k:integer=1\n"));
 }
 
 TEST(Assignment, RequiresAKeyAndAnEqualsSign) {

@@ -11,14 +11,24 @@ using test::Result;
 using test::runConnectorConfig;
 using test::TemporaryFile;
 
+/// @return what the program writes to standard error for a key without a value
+std::string noValueYet(const std::string& key) {
+    return "connector-config: No value yet: " + key + "\n";
+}
+
 TEST(Watch, WritesTheCurrentValueFirst) {
     Process process(connectorConfig({"-s", "net.port=1", "watch", "net.port"}));
     EXPECT_EQ("net.port = 1  (override)", process.readLine());
     EXPECT_EQ((Result{0, "", ""}), process.finish());
 }
 
-TEST(Watch, WritesNothingForAMissingOption) {
-    EXPECT_EQ((Result{0, "", ""}), runConnectorConfig({"watch", "net.port"}));
+TEST(Watch, NamesEachKeyWithoutAValueOnceOnStandardError) {
+    EXPECT_EQ((Result{0, "k = 1  (override)\n", noValueYet("net.port") + noValueYet("a\\n")}),
+              runConnectorConfig({"-s", "k=1", "watch", "net.port", "k", "net.port", "a\n"}));
+}
+
+TEST(Watch, NamesAKeyWithoutAValueAlsoWithJson) {
+    EXPECT_EQ((Result{0, "", noValueYet("k")}), runConnectorConfig({"--json", "watch", "k"}));
 }
 
 TEST(Watch, WritesAChangeBeforeItReadsTheNextLine) {
@@ -27,11 +37,11 @@ TEST(Watch, WritesAChangeBeforeItReadsTheNextLine) {
     EXPECT_EQ("k = 1  (override)", process.readLine());
     process.write("set k:uint=2\n");
     EXPECT_EQ("k = 2  (override)", process.readLine());
-    EXPECT_EQ((Result{0, "", ""}), process.finish());
+    EXPECT_EQ((Result{0, "", noValueYet("k")}), process.finish());
 }
 
 TEST(Watch, WritesAnEqualValueAgain) {
-    EXPECT_EQ((Result{0, "k = 1  (override)\nk = 1  (override)\n", ""}),
+    EXPECT_EQ((Result{0, "k = 1  (override)\nk = 1  (override)\n", noValueYet("k")}),
               runConnectorConfig({"watch", "k"}, "set k=1\nset k=1\n"));
 }
 
@@ -41,7 +51,7 @@ TEST(Watch, WritesSeveralKeysAsTheyChange) {
                 "b = 0  (override)\n"
                 "a = 1  (override)\n"
                 "b = 2  (override)\n",
-                ""}),
+                noValueYet("a")}),
         runConnectorConfig({"-s", "b=0", "watch", "a", "b"}, "set a=1\nset other=9\nset b=2\n"));
 }
 
@@ -51,20 +61,20 @@ TEST(Watch, WritesTheEffectiveValueAgainWhenAHiddenSourceChanges) {
 }
 
 TEST(Watch, SetsTheValueInTheNamedSource) {
-    EXPECT_EQ((Result{0, "k = 2  (default)\n", ""}),
+    EXPECT_EQ((Result{0, "k = 2  (default)\n", noValueYet("k")}),
               runConnectorConfig({"watch", "k"}, "set k=2 @default\n"));
 }
 
 TEST(Watch, WritesTheValuesOfAnAddedFile) {
     const TemporaryFile file("port=1\n");
     EXPECT_EQ(
-        (Result{0, "net.port = 1  (f)\n", ""}),
+        (Result{0, "net.port = 1  (f)\n", noValueYet("net.port")}),
         runConnectorConfig({"watch", "net.port"}, "add " + file.named("f", ",group=net") + "\n"));
 }
 
 TEST(Watch, NamesAnAddedSourceAfterItsPath) {
     const TemporaryFile file("k=1\n");
-    EXPECT_EQ((Result{0, "k = 1  (" + file.path() + ")\n", ""}),
+    EXPECT_EQ((Result{0, "k = 1  (" + file.path() + ")\n", noValueYet("k")}),
               runConnectorConfig({"watch", "k"}, "add " + file.path() + "\n"));
 }
 
@@ -97,7 +107,7 @@ TEST(Watch, EscapesControlCharacters) {
         (Result{0,
                 "k\\n = a\\rb\\x1b[31m\\xff\\u0085\\u2028  (override)\n"
                 "l = [\"a\\nb\",\"\\u007f\"]  (override)\n",
-                ""}),
+                noValueYet("l")}),
         runConnectorConfig({"-s", "k\n=a\rb\x1b[31m\xff\xc2\x85\xe2\x80\xa8", "watch", "k\n", "l"},
                            "set l:stringArray=[\"a\\nb\",\"\x7f\"]\n"));
 }
@@ -122,7 +132,7 @@ TEST(Watch, SetLinesMayContainSpacesAndAtSigns) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        EXPECT_EQ((Result{0, std::string("k = ") + row.output + "\n", ""}),
+        EXPECT_EQ((Result{0, std::string("k = ") + row.output + "\n", noValueYet("k")}),
                   runConnectorConfig({"watch", "k"}, std::string(row.input) + "\n"));
     }
 }
@@ -177,7 +187,9 @@ TEST(Watch, ReportsAnExistingNameWithTheLibrarysText) {
 }
 
 TEST(Watch, ReportsAMissingWritableSourceWithTheLibrarysText) {
-    EXPECT_EQ((Result{0, "", "connector-config: No writable configuration source for key: k\n"}),
+    EXPECT_EQ((Result{0, "",
+                      noValueYet("k") +
+                          "connector-config: No writable configuration source for key: k\n"}),
               runConnectorConfig({"watch", "k"}, "remove override\nremove default\nset k=1\n"));
 }
 
@@ -185,12 +197,18 @@ TEST(Watch, QuitIgnoresTheRestOfTheInput) {
     Process process(connectorConfig({"watch", "k"}));
     process.write(" quit \nset k=1\n");
     EXPECT_EQ("", process.readLine());
-    EXPECT_EQ((Result{0, "", ""}), process.finish());
+    EXPECT_EQ((Result{0, "", noValueYet("k")}), process.finish());
 }
 
 TEST(Watch, TheLastLineNeedsNoLineBreak) {
-    EXPECT_EQ((Result{0, "k = 1  (override)\n", ""}),
+    EXPECT_EQ((Result{0, "k = 1  (override)\n", noValueYet("k")}),
               runConnectorConfig({"watch", "k"}, "set k=1"));
+}
+
+TEST(Watch, LinesMayBeLong) {
+    const std::string value(100000, 'v');
+    EXPECT_EQ((Result{0, "k = " + value + "  (override)\nk = 2  (override)\n", noValueYet("k")}),
+              runConnectorConfig({"watch", "k"}, "set k=" + value + "\nset k=2\n"));
 }
 
 TEST(Watch, WritesTheTraceToStandardError) {
@@ -206,6 +224,7 @@ TEST(WatchJson, WritesOneObjectPerLine) {
     EXPECT_EQ("{\"key\":\"k\\n\",\"source\":\"override\",\"value\":"
               "{\"type\":\"string\",\"value\":\"a\\nb\xEF\xBF\xBD\"}}",
               process.readLine());
+    EXPECT_EQ("connector-config: No value yet: l", process.readErrorLine());
     process.write("set l:intArray=[1, 2] @default\n");
     EXPECT_EQ(R"({"key":"l","source":"default","value":{"type":"intArray","value":[1,2]}})",
               process.readLine());

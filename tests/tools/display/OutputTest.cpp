@@ -38,6 +38,7 @@ TEST(Output, ReportsThatItIsClosed) {
 
 TEST(Output, FailsSilentlyIfTheReaderHasClosedThePipe) {
     Process process(test::connectorConfig({"watch", "k"}));
+    EXPECT_EQ("connector-config: No value yet: k", process.readErrorLine());
     process.closeOutput();
     process.write("set k=1\n");
     EXPECT_EQ((Result{1, "", ""}), process.finish());

@@ -16,7 +16,7 @@ using test::TemporaryFile;
 std::string linesAfterTheBuiltInSources(const std::string& errors) {
     std::string lines = errors.substr(errors.find("addSource: override"));
     lines.erase(0, lines.find('\n') + 1);
-    for (std::size_t start; (start = lines.find("N9connector")) != std::string::npos;)
+    for (std::size_t start; (start = lines.find("N16connector_config")) != std::string::npos;)
         lines.erase(start, lines.find('\n', start) - start);
     return lines;
 }

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 
 namespace connector_config {
 
@@ -51,17 +52,18 @@ public:
         app.add_flag("--json", arguments.json)->disable_flag_override();
         app.add_flag("--trace", arguments.trace)->disable_flag_override();
         files = addSourceOption("-f,--file", "FILE");
+        environments = addSourceOption("--env", "PREFIX");
         overrides = addSourceOption("-s,--set", "KEY[:TYPE]=VALUE");
         defaults = addSourceOption("-d,--default", "KEY[:TYPE]=VALUE");
         addRepeatable(app, "--secret", arguments.secrets, "GLOB");
 
         app.require_subcommand(0, 1);
         app.fallthrough();
-        addCommand("get", Command::Get)->add_option("KEY", arguments.key)->required();
+        addGet();
         addCommand("keys", Command::Keys)->add_option("PREFIX", arguments.prefix);
         addCommand("show", Command::Show)->add_option("PREFIX", arguments.prefix);
         addCommand("explain", Command::Explain)->add_option("KEY", arguments.key)->required();
-        addCommand("watch", Command::Watch)->add_option("KEY", arguments.keys)->required();
+        addWatch();
         addServe();
     }
 
@@ -79,6 +81,8 @@ public:
         arguments.key = unmarked(arguments.key);
         arguments.prefix = unmarked(arguments.prefix);
         unmarkAll(arguments.keys);
+        if (arguments.forShell && arguments.json)
+            throw WrongArguments("--export excludes --json");
         collectHttp();
         return std::move(arguments);
     }
@@ -91,7 +95,9 @@ private:
     }
 
     CLI::Option* addSourceOption(const char* names, const char* type) {
-        return app.add_option(names, sourceTexts[names])->type_name(type)->allow_extra_args(false);
+        CLI::Option* const option = addRepeatable(app, names, sourceTexts[names], type);
+        sourceOptions.insert(option);
+        return option;
     }
 
     static CLI::Option* addRepeatable(CLI::App& command, const char* name,
@@ -99,8 +105,25 @@ private:
         return command.add_option(name, texts)->type_name(type)->allow_extra_args(false);
     }
 
+    void addGet() {
+        CLI::App* const get = addCommand("get", Command::Get);
+        get->add_option("KEY", arguments.keys)->required();
+        get->add_flag("--export", arguments.forShell)->disable_flag_override();
+    }
+
+    void addWatch() {
+        CLI::App* const watch = addCommand("watch", Command::Watch);
+        watch->add_option("KEY", arguments.keys)->required();
+        addReload(*watch);
+    }
+
+    void addReload(CLI::App& command) {
+        command.add_flag("--reload", arguments.followsFiles)->disable_flag_override();
+    }
+
     void addServe() {
         CLI::App* const serve = addCommand("serve", Command::Serve);
+        addReload(*serve);
         http = serve->add_option("--http", listenAddress)->type_name("HOST:PORT");
         addRepeatable(*serve, "--writable", httpArguments.writablePrefixes, "PREFIX")->needs(http);
         propertyRoot = serve->add_option("--property-root", httpArguments.propertyRoot.emplace())
@@ -171,7 +194,7 @@ private:
         const Secrets secrets(arguments.secrets);
         std::map<const CLI::Option*, std::size_t> seen;
         for (const CLI::Option* const option : app.parse_order()) {
-            if (option == files || option == overrides || option == defaults)
+            if (sourceOptions.count(option) != 0)
                 addSource(option, unmarked(option->results()[seen[option]++]), secrets);
         }
     }
@@ -179,6 +202,8 @@ private:
     void addSource(const CLI::Option* option, const std::string& text, const Secrets& secrets) {
         if (option == files)
             arguments.sources.emplace_back(parseFileArgument(text));
+        else if (option == environments)
+            arguments.sources.emplace_back(parseEnvironmentArgument(text));
         else
             arguments.sources.emplace_back(TableAssignment{
                 parseAssignment(text, secrets), option == overrides ? "override" : "default"});
@@ -188,7 +213,9 @@ private:
     Arguments arguments;
     std::map<const CLI::App*, Command> commands;
     std::map<std::string, std::vector<std::string>> sourceTexts;
+    std::set<const CLI::Option*> sourceOptions;
     CLI::Option* files;
+    CLI::Option* environments;
     CLI::Option* overrides;
     CLI::Option* defaults;
     CLI::Option* http;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "arguments/Assignment.hpp"
+#include "arguments/EnvironmentArgument.hpp"
 #include "arguments/FileArgument.hpp"
 #include "arguments/HttpArguments.hpp"
 
@@ -18,7 +19,7 @@ struct TableAssignment {
     const char* table; ///< "override" or "default"
 };
 
-using SourceArgument = std::variant<FileArgument, TableAssignment>;
+using SourceArgument = std::variant<FileArgument, EnvironmentArgument, TableAssignment>;
 
 enum class Command { Get, Keys, Show, Explain, Watch, Serve };
 
@@ -26,9 +27,11 @@ struct Arguments {
     std::string information; ///< output of --help or --version; if not empty, the rest is unset
 
     Command command{};
-    std::string key;                   ///< of get and explain
+    std::string key;                   ///< of explain
     std::string prefix;                ///< of keys and show; empty for all
-    std::vector<std::string> keys;     ///< of watch
+    std::vector<std::string> keys;     ///< of get and watch
+    bool forShell = false;             ///< of get: whether to write assignments for a shell
+    bool followsFiles = false;         ///< of watch and serve: whether to reload changed files
     std::optional<HttpArguments> http; ///< of serve; none for standard input
 
     std::vector<SourceArgument> sources; ///< in the order given

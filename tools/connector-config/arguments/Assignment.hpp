@@ -14,6 +14,7 @@ using connector::service::Secrets;
 struct Assignment {
     std::string key;
     OptionValue value;
+    bool hasUnknownType = false; ///< the key ends in ":" and letters, probably a mistyped TYPE
 };
 
 /// KEY and TYPE end at the first "=". The text after the last ":" before it is the type if it names

@@ -1,65 +1,62 @@
 #include "arguments/FileArgument.hpp"
 
+#include "arguments/Members.hpp"
 #include "values/WrongArguments.hpp"
-
-#include <connector/service/text/Number.hpp>
 
 #include <map>
 
 namespace connector_config {
 
-using connector::service::readNumber;
+using connector::sources::FileFormat;
+using connector::sources::formatByExtension;
 
 namespace {
 
 constexpr std::string_view longForm = "path=";
 
-using Members = std::map<std::string, std::string, std::less<>>;
-
-void addMember(Members& members, std::string_view member) {
-    const std::size_t equalsSign = member.find('=');
-    const std::string name(member.substr(0, equalsSign));
-    const bool known = name == "path" || name == "name" || name == "group" || name == "order";
-    if (!known || equalsSign == std::string_view::npos)
-        throw WrongArguments("Unknown member of a file: " + std::string(member));
-    if (!members.emplace(name, member.substr(equalsSign + 1)).second)
-        throw WrongArguments("Repeated member of a file: " + std::string(member));
+FileFormat formatFromName(const std::string& name) {
+    static const std::map<std::string, FileFormat> formats{{"properties", FileFormat::Properties},
+                                                           {"json", FileFormat::Json},
+                                                           {"yaml", FileFormat::Yaml},
+                                                           {"toml", FileFormat::Toml}};
+    const auto format = formats.find(name);
+    if (format == formats.end())
+        throw WrongArguments("Unknown format of a file: " + name);
+    return format->second;
 }
 
-Members splitMembers(std::string_view text) {
-    Members members;
-    for (std::size_t comma = text.find(','); comma != std::string_view::npos;
-         comma = text.find(',')) {
-        addMember(members, text.substr(0, comma));
-        text.remove_prefix(comma + 1);
-    }
-    addMember(members, text);
-    return members;
+/// Any other extension is common for property files.
+FileFormat formatOf(const std::string& path) {
+    return formatByExtension(path).value_or(FileFormat::Properties);
 }
 
-std::int32_t readOrder(const std::string& text) {
-    const auto order = readNumber<std::int32_t>(text);
-    if (!order)
-        throw WrongArguments("Order is no 32-bit integer: " + text);
-    return *order;
+bool readOptional(const std::string& text) {
+    if (text != "true" && text != "false")
+        throw WrongArguments("Optional is neither true nor false: " + text);
+    return text == "true";
+}
+
+FileArgument parseLongForm(const std::string& text) {
+    const Members members(text, {"path", "name", "group", "order", "format", "optional"}, "a file");
+    FileArgument file;
+    file.path = *members.find("path");
+    file.name = members.find("name").value_or(file.path);
+    file.group = members.find("group").value_or("");
+    file.order = members.order(file.order);
+    const std::optional<std::string> format = members.find("format");
+    file.format = format ? formatFromName(*format) : formatOf(file.path);
+    file.optional = readOptional(members.find("optional").value_or("false"));
+    return file;
 }
 
 } // namespace
 
 FileArgument parseFileArgument(const std::string& text) {
+    if (text.compare(0, longForm.size(), longForm) == 0)
+        return parseLongForm(text);
     FileArgument file;
-    if (text.compare(0, longForm.size(), longForm) != 0) {
-        file.path = file.name = text;
-        return file;
-    }
-    const Members members = splitMembers(text);
-    file.path = file.name = members.at("path");
-    if (const auto name = members.find("name"); name != members.end())
-        file.name = name->second;
-    if (const auto group = members.find("group"); group != members.end())
-        file.group = group->second;
-    if (const auto order = members.find("order"); order != members.end())
-        file.order = readOrder(order->second);
+    file.path = file.name = text;
+    file.format = formatOf(text);
     return file;
 }
 

@@ -11,7 +11,9 @@ std::string helpText() {
 Shows the value of an option, and which source supplies it.
 
 Commands:
-  get KEY                the value: text unchanged, any other value as JSON
+  get KEY...             the value of each option on a line: text unchanged,
+                         any other value as JSON
+      --export           lines NAME='value' that a shell can evaluate
   keys [PREFIX]          all keys that begin with PREFIX, sorted
   show [PREFIX]          a table of key, type, value and source
   explain KEY            the value in each source, and which source "set KEY"
@@ -22,8 +24,10 @@ Commands:
                            add FILE
                            remove NAME
                            quit
+      --reload           reloads files when they change
   serve                  reads messages from standard input, one JSON object
                          per line, and writes replies to standard output
+      --reload           reloads files when they change
   serve --http HOST:PORT [HTTP OPTIONS]
                          the same over HTTP, until SIGINT or SIGTERM
       --writable PREFIX  clients may set keys that begin with PREFIX; may be
@@ -33,10 +37,18 @@ Commands:
       --token-file FILE  clients must send the token in FILE
 
 Sources, added in the order given:
-  -f, --file FILE        a property file, read-only; FILE is a path, or
-                         path=P[,name=N][,group=G][,order=O]; by default the
-                         name is the path, there is no group, and the order
-                         is 100; smaller orders are consulted first
+  -f, --file FILE        a property, JSON, YAML or TOML file, read-only; FILE
+                         is a path, or path=P[,name=N][,group=G][,order=O],
+                         also with ",format=properties", json, yaml or toml,
+                         and with ",optional=true" if the file may be missing;
+                         by default the name is the path, there is no group,
+                         the order is 100, and the extension names the format;
+                         smaller orders are consulted first
+      --env PREFIX       environment variables that begin with PREFIX,
+                         read-only; the rest of the name, in lower case and
+                         with "." for "__", is the key; PREFIX may also be
+                         prefix=P[,name=N][,group=G][,order=O]; by default
+                         the name is "env" and the order is 50
   -s, --set KEY[:TYPE]=VALUE
                          a value in "override", order 0
   -d, --default KEY[:TYPE]=VALUE
@@ -45,6 +57,8 @@ Sources, added in the order given:
                          (the default), boolArray, intArray, uintArray,
                          doubleArray, stringArray or ustringArray; arrays
                          are written as JSON arrays
+
+SIGHUP makes watch and serve reload all files once.
 
 For all commands, before or after the command:
       --json             one JSON document (watch: one JSON object per line)
@@ -65,9 +79,10 @@ Examples:
   connector-config -f site.properties get net.port
   connector-config -f path=site.properties,group=site keys site.net.
   connector-config -f site.properties -s net.port:uint=8080 show net.
+  connector-config -f site.yaml --env APP_ show
   connector-config -f site.properties -d log.level=info explain log.level
   printf '%s\n' 'set net.port=1' quit | connector-config watch net.port
-  connector-config -f site.properties serve --http 127.0.0.1:8080
+  connector-config -f site.properties serve --reload --http 127.0.0.1:8080
 )";
 }
 

@@ -1,7 +1,9 @@
-/// The commands of the program except serve. All except watch return the text for standard output.
+/// The commands of the program except serve. All except get and watch return the text for standard
+/// output.
 #pragma once
 
 #include "arguments/Arguments.hpp"
+#include "commands/NamedFile.hpp"
 #include "display/Terminal.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -13,9 +15,14 @@ namespace connector_config {
 
 using connector::configuration::ConfigurationImpl;
 
-/// @return the value of an option
-/// @throws std::runtime_error if there is no such option
-std::string get(ConfigurationImpl& configuration, const Arguments& arguments);
+struct GetResult {
+    std::string output;                ///< for standard output
+    std::vector<std::string> failures; ///< one message for each key that the output lacks
+};
+
+/// @return the values of options, in the order of the keys
+/// @throws std::runtime_error if the values are for a shell and a key has no variable of its own
+GetResult get(ConfigurationImpl& configuration, const Arguments& arguments);
 
 /// @return the keys that begin with the prefix, compared byte by byte
 std::string keys(ConfigurationImpl& configuration, const Arguments& arguments);
@@ -28,10 +35,11 @@ std::string show(ConfigurationImpl& configuration, const Arguments& arguments,
 std::string explain(ConfigurationImpl& configuration, const Arguments& arguments,
                     const Terminal& terminal);
 
-/// Writes the values of options as they change, while it reads changes from standard input. Reports
-/// invalid changes on standard error.
+/// Writes the values of options as they change, while it reads changes from standard input and
+/// reloads files. Reports invalid changes on standard error.
+/// @param files  of the sources; blockHangup must have been called before they were read
 /// @throws OutputError
-void watch(ConfigurationImpl& configuration, const Arguments& arguments);
+void watch(ConfigurationImpl& configuration, const Arguments& arguments, const NamedFiles& files);
 
 /// @return all keys that begin with the prefix, sorted
 std::vector<std::string> keysWithPrefix(ConfigurationImpl& configuration,

@@ -1,17 +1,95 @@
 #include "commands/Commands.hpp"
 
+#include "values/ShellText.hpp"
 #include "values/ValueText.hpp"
 
 #include <connector/service/text/Json.hpp>
 
+#include <Poco/JSON/Array.h>
+
+#include <map>
+#include <stdexcept>
+
 namespace connector_config {
 
-std::string get(ConfigurationImpl& configuration, const Arguments& arguments) {
-    if (arguments.json) {
-        const auto option = configuration.getOption(arguments.key).get();
-        return connector::service::jsonText(connector::service::toJson(option)) + '\n';
+using connector::service::jsonText;
+using connector::service::toJson;
+
+namespace {
+
+/// Calls a function for each key, and collects the failures.
+template <typename Function>
+std::vector<std::string> forEachKey(const std::vector<std::string>& keys, Function function) {
+    std::vector<std::string> failures;
+    for (const std::string& key : keys) {
+        try {
+            function(key);
+        } catch (const std::exception& failure) {
+            failures.emplace_back(failure.what());
+        }
     }
-    return plainText(configuration.get(arguments.key).get()) + '\n';
+    return failures;
+}
+
+GetResult asText(ConfigurationImpl& configuration, const std::vector<std::string>& keys) {
+    GetResult result;
+    result.failures = forEachKey(keys, [&](const std::string& key) {
+        result.output += plainText(configuration.get(key).get()) + '\n';
+    });
+    return result;
+}
+
+GetResult asJson(ConfigurationImpl& configuration, const std::vector<std::string>& keys) {
+    GetResult result;
+    Poco::JSON::Array::Ptr options = new Poco::JSON::Array;
+    result.failures = forEachKey(keys, [&](const std::string& key) {
+        options->add(toJson(configuration.getOption(key).get()));
+    });
+    if (keys.size() > 1)
+        result.output = jsonText(options) + '\n';
+    else if (options->size() == 1)
+        result.output = jsonText(options->get(0)) + '\n';
+    return result;
+}
+
+/// @throws std::runtime_error if two keys have one variable, or a key has none
+void checkVariables(const std::vector<std::string>& keys) {
+    std::map<std::string, std::string> keyOfVariable;
+    for (const std::string& key : keys) {
+        const std::string variable = shellVariable(key);
+        if (variable.empty())
+            throw std::runtime_error("No variable for the empty key");
+        const auto [first, isNew] = keyOfVariable.emplace(variable, key);
+        if (!isNew && first->second != key)
+            throw std::runtime_error("Two keys for the variable " + variable + ": " +
+                                     first->second + ", " + key);
+    }
+}
+
+/// @throws std::runtime_error if the value has a NUL
+std::string assignmentOf(const std::string& key, const OptionValue& value) {
+    const std::string text = plainText(value);
+    if (text.find('\0') != text.npos)
+        throw std::runtime_error("No shell variable can hold a NUL: " + key);
+    return shellVariable(key) + '=' + shellQuoted(text) + '\n';
+}
+
+GetResult forShell(ConfigurationImpl& configuration, const std::vector<std::string>& keys) {
+    checkVariables(keys);
+    GetResult result;
+    result.failures = forEachKey(keys, [&](const std::string& key) {
+        result.output += assignmentOf(key, configuration.get(key).get());
+    });
+    return result;
+}
+
+} // namespace
+
+GetResult get(ConfigurationImpl& configuration, const Arguments& arguments) {
+    if (arguments.forShell)
+        return forShell(configuration, arguments.keys);
+    return arguments.json ? asJson(configuration, arguments.keys)
+                          : asText(configuration, arguments.keys);
 }
 
 } // namespace connector_config

@@ -1,5 +1,6 @@
 #include "commands/ServeHttp.hpp"
 
+#include "commands/FileReloading.hpp"
 #include "display/Output.hpp"
 
 #include <connector/service/http/HttpService.hpp>
@@ -90,16 +91,20 @@ Policy policyOf(const HttpArguments& arguments, const Secrets& secrets) {
 
 } // namespace
 
-void serveHttp(ConfigurationImpl& configuration, const HttpArguments& arguments,
-               const Secrets& secrets) {
-    RequestGuard guard(arguments.address.host, tokenOf(arguments));
-    Policy policy = policyOf(arguments, secrets);
-    const ServerSocket socket = listen(arguments.address);
+void serveHttp(ConfigurationImpl& configuration, const Arguments& arguments,
+               const NamedFiles& files) {
+    const HttpArguments& http = *arguments.http;
+    const Secrets secrets(arguments.secrets);
+    RequestGuard guard(http.address.host, tokenOf(http));
+    Policy policy = policyOf(http, secrets);
+    const ServerSocket socket = listen(http.address);
     // Only now, because reading the token and resolving the host can block, and the signals must
     // interrupt that.
     const TerminationSignals signals;
     raiseDescriptorLimit();
     HttpService service(configuration, std::move(guard), std::move(policy), secrets, socket);
+    // Ends before the service, because a reload calls the service's subscribers.
+    const FileReloading reloading(files, arguments.followsFiles);
 
     writeOutput("listening on http://" + socket.address().toString() + '\n');
     signals.wait();

@@ -1,45 +1,57 @@
 #include "commands/Sources.hpp"
 
-#include <connector/service/text/LoadingGroup.hpp>
-#include <connector/service/text/Utf8.hpp>
+#include "display/Output.hpp"
 
-#include <fl/i18n/codecvt.hpp>
-
-#include <stdexcept>
+#include <connector/sources/EnvironmentSource.hpp>
 
 namespace connector_config {
 
-using connector::configuration::Configuration;
+using connector::configuration::ConfigurationImpl;
+using connector::sources::EnvironmentSource;
 
 namespace {
 
-struct Adder {
-    Configuration& configuration;
+constexpr bool readOnly = true;
 
-    void operator()(const FileArgument& file) const { addFile(configuration, file); }
+struct Adder {
+    ConfigurationImpl& configuration;
+    NamedFiles& files;
+
+    void operator()(const FileArgument& argument) const {
+        files.push_back(openFile(argument));
+        addFile(configuration, files.back());
+    }
+    void operator()(const EnvironmentArgument& environment) const {
+        configuration
+            .addSource(environment.name, environment.group, environment.order, readOnly,
+                       std::make_shared<EnvironmentSource>(environment.prefix))
+            .get();
+    }
     void operator()(const TableAssignment& argument) const {
         const Assignment& assignment = argument.assignment;
+        warnOfUnknownType(assignment);
         configuration.set(assignment.key, assignment.value, argument.table).get();
     }
 };
 
 } // namespace
 
-void addFile(Configuration& configuration, const FileArgument& file) {
-    if (!connector::service::isUtf8(file.path))
-        throw std::runtime_error("Path is not valid UTF-8: " + file.path);
-    const fl::i18n::codecvt_string_to_ustring fromUtf8("UTF-8", true);
-    const bool readOnly = true;
-    const connector::service::LoadingGroup loading(file.group);
-    configuration
-        .addPropertyFileSource(file.name, file.group, file.order, readOnly,
-                               fl::i18n::to_ustring(file.path, fromUtf8))
-        .get();
+void addFile(ConfigurationImpl& configuration, const std::shared_ptr<NamedFile>& file) {
+    const FileArgument& argument = file->argument();
+    configuration.addSource(argument.name, argument.group, argument.order, readOnly, file).get();
 }
 
-void addSources(Configuration& configuration, const std::vector<SourceArgument>& sources) {
+NamedFiles addSources(ConfigurationImpl& configuration,
+                      const std::vector<SourceArgument>& sources) {
+    NamedFiles files;
     for (const SourceArgument& source : sources)
-        std::visit(Adder{configuration}, source);
+        std::visit(Adder{configuration, files}, source);
+    return files;
+}
+
+void warnOfUnknownType(const Assignment& assignment) {
+    if (assignment.hasUnknownType)
+        printError("Warning: unknown type, taken as part of the key: " + assignment.key);
 }
 
 } // namespace connector_config

@@ -1,6 +1,8 @@
 #include "commands/Commands.hpp"
 
 #include "arguments/WatchLine.hpp"
+#include "commands/FileReloading.hpp"
+#include "commands/PromptLines.hpp"
 #include "commands/Sources.hpp"
 #include "display/Output.hpp"
 #include "values/ValueText.hpp"
@@ -13,7 +15,7 @@
 #include <connector/reactive_streams/Subscriber.hpp>
 
 #include <exception>
-#include <iostream>
+#include <set>
 
 namespace connector_config {
 
@@ -32,42 +34,47 @@ std::string formatLine(const Option& option) {
            escaped(option.source) + ")\n";
 }
 
-/// Writes the values of one option. Requests the next one when one has been written.
+/// What the printers share. Must outlive the reloads, which call the printers.
+struct PrinterContext {
+    ConfigurationImpl& configuration;
+    const Secrets secrets;
+    const bool json;
+    PromptLines& lines; // end when standard output cannot be written
+};
+
+/// Writes the values of one option. Requests the next one when one has been written, so that
+/// onNext is called by one thread at a time.
 class Printer : public connector::reactive_streams::Subscriber<OptionValue> {
 public:
-    Printer(ConfigurationImpl& newConfiguration, const Secrets& newSecrets, std::string newKey,
-            bool newJson)
-        : configuration(newConfiguration), secrets(newSecrets), key(std::move(newKey)),
-          json(newJson) {}
+    Printer(const PrinterContext& newContext, std::string newKey)
+        : context(newContext), key(std::move(newKey)) {}
 
     void onSubscribe(std::weak_ptr<Subscription> newSubscription) override {
         subscription = std::move(newSubscription);
         requestOne();
     }
 
-    // The library must not see a failure to write; watch() rethrows it.
-    void onNext(const OptionValue& value) override {
+    // The library must not see a failure to write; the prompt throws it.
+    void onNext(const OptionValue&) override {
         try {
-            print(value);
+            print();
             requestOne();
         } catch (...) {
-            failure = std::current_exception();
+            context.lines.fail(std::current_exception());
         }
     }
 
     void onComplete() override {}
     void onError(std::exception_ptr) override {}
 
-    void rethrowFailure() const {
-        if (failure)
-            std::rethrow_exception(failure);
-    }
-
 private:
-    void print(const OptionValue& value) const {
-        const Option option =
-            secrets.masked(Option{key, configuration.getOption(key).get().source, value});
-        writeOutput(json ? jsonText(toJson(option)) + '\n' : formatLine(option));
+    /// Prints the value and its source as of one moment. Another thread may have changed the option
+    /// again, or removed it, since the library called onNext.
+    void print() const {
+        for (const Option& option : context.configuration.optionsOf({key})) {
+            const Option shown = context.secrets.masked(option);
+            writeOutput(context.json ? jsonText(toJson(shown)) + '\n' : formatLine(shown));
+        }
     }
 
     void requestOne() const {
@@ -75,20 +82,20 @@ private:
             alive->request(1);
     }
 
-    ConfigurationImpl& configuration;
-    const Secrets& secrets;
+    const PrinterContext& context;
     const std::string key;
-    const bool json;
     std::weak_ptr<Subscription> subscription;
-    std::exception_ptr failure;
 };
 
 /// Executes a line. Each overload returns whether to read on.
 struct LineExecutor {
     ConfigurationImpl& configuration;
+    FileReloading& reloading;
 
     bool operator()(const SetLine& line) const {
-        const auto& [key, value] = line.assignment;
+        warnOfUnknownType(line.assignment);
+        const std::string& key = line.assignment.key;
+        const OptionValue& value = line.assignment.value;
         if (line.source)
             configuration.set(key, value, *line.source).get();
         else
@@ -96,47 +103,56 @@ struct LineExecutor {
         return true;
     }
     bool operator()(const AddLine& line) const {
-        addFile(configuration, line.file);
+        const std::shared_ptr<NamedFile> file = openFile(line.file);
+        addFile(configuration, file);
+        try {
+            reloading.add(file);
+        } catch (...) {
+            configuration.removeSource(line.file.name).get();
+            throw;
+        }
         return true;
     }
     bool operator()(const RemoveLine& line) const {
         if (!configuration.removeSource(line.name).get())
             throw WrongArguments("No source with that name: " + line.name);
+        reloading.remove(line.name);
         return true;
     }
     bool operator()(const QuitLine&) const { return false; }
 };
 
 /// @return whether to read on
-bool executeLine(ConfigurationImpl& configuration, const std::string& line,
-                 const Secrets& secrets) {
+bool executeLine(const LineExecutor& executor, const std::string& line, const Secrets& secrets) {
     try {
-        return std::visit(LineExecutor{configuration}, parseWatchLine(line, secrets));
+        return std::visit(executor, parseWatchLine(line, secrets));
     } catch (const std::exception& error) {
         printError(error.what());
         return true;
     }
 }
 
+void watchKeys(const PrinterContext& context, const std::vector<std::string>& keys) {
+    std::set<std::string> missing;
+    for (const std::string& key : keys) {
+        if (!context.configuration.has(key).get() && missing.insert(key).second)
+            printError("No value yet: " + key);
+        context.configuration.watchOption(key)->subscribe(std::make_shared<Printer>(context, key));
+    }
+}
+
 } // namespace
 
-void watch(ConfigurationImpl& configuration, const Arguments& arguments) {
-    const Secrets secrets(arguments.secrets);
-    std::vector<std::shared_ptr<Printer>> printers;
-    const auto rethrowFailures = [&printers] {
-        for (const auto& printer : printers)
-            printer->rethrowFailure();
-    };
+void watch(ConfigurationImpl& configuration, const Arguments& arguments, const NamedFiles& files) {
+    PromptLines lines;
+    const PrinterContext context{configuration, Secrets(arguments.secrets), arguments.json, lines};
+    FileReloading reloading(files, arguments.followsFiles);
 
-    for (const std::string& key : arguments.keys) {
-        printers.push_back(std::make_shared<Printer>(configuration, secrets, key, arguments.json));
-        configuration.watchOption(key)->subscribe(printers.back());
-    }
-    rethrowFailures();
-    for (std::string line; std::getline(std::cin, line);) {
-        if (!executeLine(configuration, line, secrets))
+    watchKeys(context, arguments.keys);
+    const LineExecutor executor{configuration, reloading};
+    while (const std::optional<std::string> line = lines.next()) {
+        if (!executeLine(executor, *line, context.secrets))
             return;
-        rethrowFailures();
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <iostream>
+#include <mutex>
 
 #include <unistd.h>
 
@@ -20,6 +21,8 @@ bool OutputError::isBrokenPipe() const {
 }
 
 void writeOutput(const std::string& text) {
+    static std::mutex mutex;
+    const std::lock_guard<std::mutex> lock(mutex);
     std::string_view rest = text;
     while (!rest.empty()) {
         const ssize_t written = ::write(STDOUT_FILENO, rest.data(), rest.size());
@@ -32,6 +35,10 @@ void writeOutput(const std::string& text) {
 
 void printError(const std::string& message) {
     std::cerr << "connector-config: " + escaped(message) + '\n' << std::flush;
+}
+
+void printNotice(const std::string& message) {
+    std::cerr << escaped(message) + '\n' << std::flush;
 }
 
 } // namespace connector_config

@@ -15,11 +15,16 @@ public:
     bool isBrokenPipe() const;
 };
 
-/// Writes the whole text to standard output, unbuffered.
+/// Writes the whole text to standard output, unbuffered. May be called from several threads: no
+/// other text is written in between.
 /// @throws OutputError
 void writeOutput(const std::string& text);
 
-/// Writes "connector-config: " and the escaped message to standard error, as one line.
+/// Writes "connector-config: " and the escaped message to standard error, as one line. May be
+/// called from several threads.
 void printError(const std::string& message);
+
+/// Writes the escaped message to standard error, as one line. May be called from several threads.
+void printNotice(const std::string& message);
 
 } // namespace connector_config

@@ -87,7 +87,7 @@ TEST_F(LoadedService, AcceptsARequestClassOfTheProgram) {
 
 TEST_F(LoadedService, ThrowsWhatARequestThrows) {
     expectThrows<ProgramError>("from the program",
-                               [&] { dispatch(std::make_unique<ProgramRequest>(true)); });
+                               [&] { dispatch(std::make_unique<ProgramRequest>(true)).get(); });
 }
 
 TEST_F(LoadedService, RefusesAMessageThatIsNotARequest) {

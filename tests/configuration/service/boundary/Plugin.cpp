@@ -14,7 +14,7 @@ namespace {
 
 std::shared_ptr<Configuration> makeConfiguration() {
     auto configuration = std::make_shared<ConfigurationImpl>();
-    configuration->set("net.port", 80);
+    configuration->set("net.port", 80).get();
     return configuration;
 }
 

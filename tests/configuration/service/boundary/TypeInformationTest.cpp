@@ -59,7 +59,7 @@ TEST(TypeInformation, LetsTheProgramRecogniseTheProviderOfAPlugin) {
 
 TEST(TypeInformation, LetsTheProgramCatchFailuresOfAService) {
     expectThrows<std::runtime_error>("Source not found or not writable: net.port, unknown", [] {
-        send<ConfigurationSet>(*makeProvider(), "net.port", 81, "unknown");
+        send<ConfigurationSet>(*makeProvider(), "net.port", 81, "unknown").get();
     });
 }
 
