@@ -156,6 +156,8 @@ private:
 void readJson(std::string_view text, JsonHandler& handler) {
     if (text.find('\0') != text.npos) // which the parser would take for the end of the text
         fail("unescaped control character");
+    if (text.substr(0, 3) == "\xEF\xBB\xBF") // which the parser would skip
+        fail("byte order mark");
     Cursor cursor(text);
     Events events(cursor, handler);
     nlohmann::json::sax_parse(CursorIterator(&cursor), CursorIterator(), &events);
