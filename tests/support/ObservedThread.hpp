@@ -1,4 +1,4 @@
-/// A thread that runs one operation, and whose wait for a mutex can be observed.
+/// A thread that runs one operation, and whose wait for a mutex or for input can be observed.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -38,13 +38,43 @@ public:
     template <typename Object>
     bool blocksOn(const Object& object) const {
         const auto begin = reinterpret_cast<std::uintptr_t>(&object);
+        return blocks([this, begin] {
+            const std::uintptr_t address = awaitedAddress();
+            return address >= begin && address - begin < sizeof(object);
+        });
+    }
+
+    /// Waits until the operation returns or sleeps in poll.
+    /// @return true when it sleeps
+    bool blocksInPoll() const {
+        return blocks([this] {
+            const long number = sleepingCall().first;
+#ifdef SYS_poll
+            if (number == SYS_poll)
+                return true;
+#endif
+            return number == SYS_ppoll;
+        });
+    }
+
+    /// Waits until the operation returns. Throws what it threw.
+    void join() {
+        result.get();
+    }
+
+private:
+    bool hasReturned() const {
+        return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    }
+
+    template <typename Condition>
+    bool blocks(Condition condition) const {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
         while (!hasReturned()) {
-            const std::uintptr_t address = awaitedAddress();
-            if (address >= begin && address - begin < sizeof(object))
+            if (condition())
                 return true;
             if (std::chrono::steady_clock::now() > deadline) {
-                ADD_FAILURE() << "the operation neither returns nor blocks on the object";
+                ADD_FAILURE() << "the operation neither returns nor blocks";
                 return false;
             }
             std::this_thread::yield();
@@ -52,21 +82,18 @@ public:
         return false;
     }
 
-    /// Waits until the operation returns. Throws what it threw.
-    void join() { result.get(); }
-
-private:
-    bool hasReturned() const {
-        return result.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+    /// @return the system call in which the thread sleeps, and its first argument; -1 when it runs
+    std::pair<long, std::uintptr_t> sleepingCall() const {
+        std::ifstream stream(systemCall);
+        std::pair<long, std::uintptr_t> call{-1, 0};
+        stream >> call.first >> std::hex >> call.second;
+        return stream ? call : std::pair<long, std::uintptr_t>{-1, 0};
     }
 
     /// @return the address on which the thread sleeps; 0 when it runs
     std::uintptr_t awaitedAddress() const {
-        std::ifstream stream(systemCall);
-        long number = -1;
-        std::uintptr_t address = 0;
-        stream >> number >> std::hex >> address;
-        return stream && number == SYS_futex ? address : 0;
+        const auto [number, argument] = sleepingCall();
+        return number == SYS_futex ? argument : 0;
     }
 
     std::promise<pid_t> threadId;

@@ -4,9 +4,24 @@
 #include <cerrno>
 #include <system_error>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace connector::service {
+
+namespace {
+
+bool isTemporary(int error) {
+    return error == EINTR || error == EAGAIN || error == EWOULDBLOCK;
+}
+
+/// For a descriptor that does not block.
+void waitForInput(int descriptor) {
+    pollfd waiting{descriptor, POLLIN, 0};
+    ::poll(&waiting, 1, -1);
+}
+
+} // namespace
 
 std::optional<std::string> LineReader::next() {
     std::string line;
@@ -28,12 +43,16 @@ std::optional<std::string> LineReader::next() {
 
 /// @return false at the end of the input
 bool LineReader::fillBuffer() {
-    ssize_t count;
-    do {
+    ssize_t count = -1;
+    while (count < 0) {
+        if (wait)
+            wait();
         count = ::read(descriptor, buffer, sizeof buffer);
-    } while (count < 0 && errno == EINTR);
-    if (count < 0)
-        throw std::system_error(errno, std::generic_category(), "Input could not be read");
+        if (count < 0 && !isTemporary(errno))
+            throw std::system_error(errno, std::generic_category(), "Input could not be read");
+        if (count < 0 && !wait)
+            waitForInput(descriptor);
+    }
     begin = 0;
     end = static_cast<std::size_t>(count);
     return count > 0;

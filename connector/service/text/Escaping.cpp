@@ -51,6 +51,17 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
+std::string shortened(std::string_view text, std::size_t maxLength) {
+    if (text.size() <= maxLength)
+        return std::string(text);
+    std::size_t length = 0;
+    for (std::size_t next = 0; next <= maxLength;) {
+        length = next;
+        next += firstCharacter(text.substr(next)).bytes.size();
+    }
+    return std::string(text.substr(0, length)) + "...";
+}
+
 std::string toValidUtf8(std::string_view text) {
     std::string result;
     forEachCharacter(text, [&result](const Character& character) {

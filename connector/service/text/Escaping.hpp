@@ -1,6 +1,7 @@
 /// Makes arbitrary bytes safe to show.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,10 @@ namespace connector::service {
 /// become \xHH, other control characters become \uHHHH. A backslash is not escaped, so the result
 /// cannot be converted back.
 std::string escaped(std::string_view text);
+
+/// @return the text; if it is longer than this number of bytes, only its beginning, which ends with
+///         a whole character, and "..."
+std::string shortened(std::string_view text, std::size_t maxLength);
 
 /// @return the text with U+FFFD in place of every byte that is not part of a UTF-8 character
 std::string toValidUtf8(std::string_view text);

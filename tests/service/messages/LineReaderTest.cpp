@@ -1,14 +1,18 @@
 #include <connector/service/messages/LineReader.hpp>
 
+#include "support/ObservedThread.hpp"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
 #include <thread>
 #include <vector>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
@@ -59,6 +63,23 @@ TEST(LineReader, ReadsLinesThatAreLongerThanItsBuffer) {
     const std::string line(200000, 'x');
     EXPECT_EQ((Lines{line, "y"}), linesIn(line + "\ny\n", 300000));
     EXPECT_EQ((Lines{line.substr(0, 70001), "y"}), linesIn(line + "\ny\n", 70000));
+}
+
+TEST(LineReader, WaitsForInputThatDoesNotBlock) {
+    int ends[2];
+    ASSERT_EQ(0, ::pipe2(ends, O_NONBLOCK | O_CLOEXEC));
+    LineReader reader(ends[0], 10);
+    for (const std::string line : {"a", "b"}) {
+        std::optional<std::string> read;
+        test::ObservedThread reading([&] { read = reader.next(); });
+        EXPECT_TRUE(reading.blocksInPoll());
+        EXPECT_EQ(2, ::write(ends[1], (line + "\n").data(), 2));
+        reading.join();
+        EXPECT_EQ(line, read);
+    }
+    ::close(ends[1]);
+    EXPECT_EQ(std::nullopt, reader.next());
+    ::close(ends[0]);
 }
 
 TEST(LineReader, ThrowsIfReadingFails) {

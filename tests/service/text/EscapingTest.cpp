@@ -43,6 +43,17 @@ TEST(Escaped, HasNoControlCharacters) {
     }
 }
 
+TEST(Shortened, KeepsWholeCharacters) {
+    EXPECT_EQ("", shortened("", 0));
+    EXPECT_EQ("abc", shortened("abc", 3));
+    EXPECT_EQ("abc...", shortened("abcd", 3));
+    EXPECT_EQ("...", shortened("a", 0));
+    EXPECT_EQ("a...", shortened("a\xe2\x82\xac", 3));
+    EXPECT_EQ("a\xe2\x82\xac", shortened("a\xe2\x82\xac", 4));
+    EXPECT_EQ("a\xe2\x82\xac...", shortened("a\xe2\x82\xac\xe2\x82\xac", 6));
+    EXPECT_EQ("a\xff\xff...", shortened("a\xff\xff\xff", 3)); // not UTF-8
+}
+
 TEST(ToValidUtf8, ReplacesBytesThatAreNotUtf8) {
     EXPECT_EQ("a\xEF\xBF\xBD\xEF\xBF\xBD"
               "b\n\xc3\xa9",

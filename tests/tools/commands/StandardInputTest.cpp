@@ -45,6 +45,22 @@ TEST(ServeLines, RepliesBeforeTheNextRequestArrives) {
     EXPECT_EQ((Result{0, "", ""}), process.finish());
 }
 
+TEST(ServeLines, WaitsForAPipeThatDoesNotBlock) {
+    test::RunOptions options;
+    options.nonBlocking = true;
+    Process process(test::connectorConfig({"-s", "net.port:int=80", "serve"}), options);
+    for (int i = 0; i < 3; ++i) {
+        process.write(std::string(getPort) + "\n");
+        EXPECT_EQ(std::string("{\"id\":1,") + portReply, process.readLine() + "\n");
+    }
+    EXPECT_EQ((Result{0, "", ""}), process.finish());
+}
+
+TEST(ServeLines, ReportsThatStandardInputCannotBeRead) {
+    EXPECT_EQ((Result{1, "", "connector-config: Input could not be read: Is a directory\n"}),
+              test::run({"/bin/sh", "-c", "\"$0\" serve < /", CONNECTOR_CONFIG_PROGRAM}));
+}
+
 TEST(ServeLines, RepliesInOrder) {
     const TemporaryFile file("a=1\n");
     const std::string lines =

@@ -40,6 +40,49 @@ TEST(Watch, WritesAChangeBeforeItReadsTheNextLine) {
     EXPECT_EQ((Result{0, "", noValueYet("k")}), process.finish());
 }
 
+TEST(Watch, WaitsForAPipeThatDoesNotBlock) {
+    test::RunOptions options;
+    options.nonBlocking = true;
+    Process process(connectorConfig({"-s", "k=0", "watch", "k"}), options);
+    EXPECT_EQ("k = 0  (override)", process.readLine());
+    for (const std::string value : {"1", "2"}) {
+        process.write("set k=" + value + "\n");
+        EXPECT_EQ("k = " + value + "  (override)", process.readLine());
+    }
+    EXPECT_EQ((Result{0, "", ""}), process.finish());
+}
+
+TEST(Watch, ReportsThatStandardInputCannotBeRead) {
+    EXPECT_EQ((Result{1, "k = 1  (override)\n",
+                      "connector-config: Input could not be read: Is a directory\n"}),
+              test::run({"/bin/sh", "-c", "\"$0\" -s k=1 watch k < /", CONNECTOR_CONFIG_PROGRAM}));
+    EXPECT_EQ((Result{1, "", "connector-config: Input could not be read: Bad file descriptor\n"}),
+              test::run({"/bin/sh", "-c", "\"$0\" watch k <&-", CONNECTOR_CONFIG_PROGRAM}));
+}
+
+TEST(Watch, SkipsALineThatIsTooLong) {
+    constexpr std::size_t longest = 1024 * 1024;
+    const std::string set = "set l="; // of a key that is not written
+    const std::string input = set + std::string(longest - set.size(), 'x') + "\n" + set +
+                              std::string(longest + 1 - set.size(), 'x') + "\n" +
+                              std::string(3 * longest, ' ') + "\nset k=1\n";
+    EXPECT_EQ((Result{0, "k = 1  (override)\n",
+                      "connector-config: No value yet: k\n"
+                      "connector-config: A line is at most 1 MiB long\n"
+                      "connector-config: A line is at most 1 MiB long\n"}),
+              runConnectorConfig({"watch", "k"}, input));
+}
+
+TEST(Watch, ComplaintsShowAtMost200BytesOfText) {
+    const std::string text =
+        "Neither set KEY[:TYPE]=VALUE [@SOURCE], add FILE, remove NAME nor quit: ";
+    const std::string line(200 - text.size(), 'x');
+    EXPECT_EQ((Result{0, "",
+                      "connector-config: No value yet: k\nconnector-config: " + text + line +
+                          "\nconnector-config: " + text + line + "...\n"}),
+              runConnectorConfig({"watch", "k"}, line + "\n" + line + "xx\n"));
+}
+
 TEST(Watch, WritesAnEqualValueAgain) {
     EXPECT_EQ((Result{0, "k = 1  (override)\nk = 1  (override)\n", noValueYet("k")}),
               runConnectorConfig({"watch", "k"}, "set k=1\nset k=1\n"));

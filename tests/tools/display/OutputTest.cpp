@@ -53,6 +53,10 @@ TEST(Output, OfManyOptionsIsComplete) {
     }
     const test::TemporaryFile file(content);
     EXPECT_EQ((Result{0, expected, ""}), runConnectorConfig({"-f", file.path(), "keys"}));
+    RunOptions nonBlocking;
+    nonBlocking.nonBlocking = true;
+    EXPECT_EQ((Result{0, expected, ""}),
+              runConnectorConfig({"-f", file.path(), "keys"}, "", nonBlocking));
 }
 
 } // namespace

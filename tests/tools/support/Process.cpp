@@ -63,6 +63,10 @@ Ends makeOutput(const RunOptions& options) {
     return makePipe();
 }
 
+void setNonBlocking(int descriptor) {
+    check(fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) | O_NONBLOCK) == 0 ? 0 : errno);
+}
+
 std::vector<std::string> environmentOf(const RunOptions& options) {
     std::map<std::string, std::string> variables; // NAME=VALUE by name
     const auto add = [&variables](const std::string& variable) {
@@ -137,6 +141,10 @@ Process::Process(const std::vector<std::string>& arguments, const RunOptions& op
     const Ends in = makePipe();
     const Ends out = makeOutput(options);
     const Ends err = makePipe();
+    if (options.nonBlocking) {
+        setNonBlocking(in.reading);
+        setNonBlocking(out.writing);
+    }
     SpawnActions redirections;
     redirections.redirect(in.reading, STDIN_FILENO);
     redirections.redirect(out.writing, STDOUT_FILENO);

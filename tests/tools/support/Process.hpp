@@ -27,6 +27,8 @@ struct RunOptions {
     std::vector<std::string> environment;
     /// makes standard output a terminal of this width; 0 for unknown
     std::optional<unsigned short> terminal;
+    /// makes the program's ends of its standard input and output not block
+    bool nonBlocking = false;
     /// makes standard output a file
     std::string outputFile;
 };

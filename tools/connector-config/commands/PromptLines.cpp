@@ -5,15 +5,28 @@
 #include <system_error>
 #include <utility>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace connector_config {
 
-PromptLines::PromptLines() : failureEvent(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
-    if (failureEvent < 0)
-        throw std::system_error(errno, std::generic_category(), "Standard input cannot be read");
+namespace {
+
+int makeEvent() {
+    // Checked first: in place of a closed standard input, the event would get its number.
+    const int event =
+        ::fcntl(STDIN_FILENO, F_GETFD) < 0 ? -1 : ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
+    if (event < 0)
+        throw std::system_error(errno, std::generic_category(), "Input could not be read");
+    return event;
+}
+
+} // namespace
+
+PromptLines::PromptLines()
+    : failureEvent(makeEvent()), lines(STDIN_FILENO, maxLength, [this] { waitForInput(); }) {
 }
 
 PromptLines::~PromptLines() {
@@ -22,38 +35,20 @@ PromptLines::~PromptLines() {
 
 std::optional<std::string> PromptLines::next() {
     rethrowFailure();
-    std::size_t lineEnd = unread.find('\n');
-    while (lineEnd == unread.npos) {
-        const std::size_t searched = unread.size();
-        if (!readMore())
-            return unread.empty() ? std::nullopt : std::make_optional(std::exchange(unread, {}));
-        lineEnd = unread.find('\n', searched);
+    try {
+        return lines.next();
+    } catch (const std::system_error& error) {
+        // A terminal that was closed reports this. It is the end of the input.
+        if (error.code() == std::errc::io_error)
+            return std::nullopt;
+        throw;
     }
-    std::string line = unread.substr(0, lineEnd);
-    unread.erase(0, lineEnd + 1);
-    return line;
-}
-
-/// @return false at the end of the input
-bool PromptLines::readMore() {
-    char buffer[4096];
-    while (!isAtEnd) {
-        waitForInput();
-        rethrowFailure();
-        const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
-        if (count > 0) {
-            unread.append(buffer, static_cast<std::size_t>(count));
-            return true;
-        }
-        // Any other error is the end of the input, too: a terminal that was closed reports one.
-        isAtEnd = count == 0 || (errno != EINTR && errno != EAGAIN);
-    }
-    return false;
 }
 
 void PromptLines::waitForInput() const {
     pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0}, {failureEvent, POLLIN, 0}};
     ::poll(waiting, 2, -1);
+    rethrowFailure();
 }
 
 void PromptLines::fail(std::exception_ptr exception) {

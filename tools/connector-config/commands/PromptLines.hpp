@@ -1,6 +1,9 @@
 /// The lines that watch reads.
 #pragma once
 
+#include <connector/service/messages/LineReader.hpp>
+
+#include <cstddef>
 #include <exception>
 #include <mutex>
 #include <optional>
@@ -12,15 +15,20 @@ namespace connector_config {
 /// ends the wait.
 class PromptLines {
 public:
-    /// @throws std::system_error if the process has no descriptor left
+    static constexpr std::size_t maxLength = 1024 * 1024; ///< of a line in bytes
+
+    /// @throws std::system_error "Input could not be read": standard input is closed, or the
+    ///         process has no descriptor left
     PromptLines();
     ~PromptLines();
     PromptLines(const PromptLines&) = delete;
     PromptLines& operator=(const PromptLines&) = delete;
 
     /// Waits for a line. Must be called from one thread only.
-    /// @return the line without its line break; nothing at the end of the input. The last line
-    ///         needs no line break unless it is empty.
+    /// @return the line without its line break; nothing at the end of the input. A line that is
+    ///         too long is truncated to one byte more than the maximum. The last line needs no line
+    ///         break unless it is empty.
+    /// @throws std::system_error "Input could not be read"
     /// @throws the exception that was passed to fail
     std::optional<std::string> next();
 
@@ -29,7 +37,6 @@ public:
     void fail(std::exception_ptr exception);
 
 private:
-    bool readMore();
     void waitForInput() const;
     void rethrowFailure() const;
 
@@ -37,8 +44,7 @@ private:
     mutable std::mutex mutex; // guards `failure`
     std::exception_ptr failure;
 
-    std::string unread; // of standard input
-    bool isAtEnd = false;
+    connector::service::LineReader lines; // of standard input
 };
 
 } // namespace connector_config

@@ -22,12 +22,15 @@ namespace connector_config {
 using connector::service::escaped;
 using connector::service::jsonText;
 using connector::service::Secrets;
+using connector::service::shortened;
 using connector::service::toJson;
 
 namespace {
 
 using connector::configuration::Option;
 using connector::reactive_streams::Subscription;
+
+constexpr std::size_t maxComplaint = 200; // in bytes; a line can be much longer
 
 std::string formatLine(const Option& option) {
     return escaped(option.key) + " = " + displayText(option.value) + "  (" +
@@ -125,9 +128,11 @@ struct LineExecutor {
 /// @return whether to read on
 bool executeLine(const LineExecutor& executor, const std::string& line, const Secrets& secrets) {
     try {
+        if (line.size() > PromptLines::maxLength)
+            throw WrongArguments("A line is at most 1 MiB long");
         return std::visit(executor, parseWatchLine(line, secrets));
     } catch (const std::exception& error) {
-        printError(error.what());
+        printError(shortened(error.what(), maxComplaint));
         return true;
     }
 }

@@ -6,11 +6,22 @@
 #include <iostream>
 #include <mutex>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace connector_config {
 
 using connector::service::escaped;
+
+namespace {
+
+/// For a pipe that does not block. A failure ends the waiting, and the next write reports it.
+void waitForReader() {
+    pollfd waiting{STDOUT_FILENO, POLLOUT, 0};
+    ::poll(&waiting, 1, -1);
+}
+
+} // namespace
 
 OutputError::OutputError(int error)
     : system_error(error, std::generic_category(), "Standard output could not be written") {
@@ -28,6 +39,8 @@ void writeOutput(const std::string& text) {
         const ssize_t written = ::write(STDOUT_FILENO, rest.data(), rest.size());
         if (written >= 0)
             rest.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno == EAGAIN || errno == EWOULDBLOCK)
+            waitForReader();
         else if (errno != EINTR)
             throw OutputError(errno);
     }

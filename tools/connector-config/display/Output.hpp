@@ -16,7 +16,8 @@ public:
 };
 
 /// Writes the whole text to standard output, unbuffered. May be called from several threads: no
-/// other text is written in between.
+/// other text is written in between. Waits for the reader, also if standard output is a pipe that
+/// does not block.
 /// @throws OutputError
 void writeOutput(const std::string& text);
 
