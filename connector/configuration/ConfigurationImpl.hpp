@@ -44,6 +44,7 @@ class CONNECTOR_EXPORT ConfigurationImpl : public Configuration,
                                            public std::enable_shared_from_this<Configuration> {
 public:
     using OptionPublisher = detail::OptionPublisher;
+    using KeyListener = std::function<void(const std::string& key)>;
 
     /// Registers the built-in sources, both writable tables in memory without a group: "override",
     /// with order 0, and "default", with order 2147483647.
@@ -115,6 +116,15 @@ public:
     ///         not writable: " + key + ", " + source
     Future<bool> reset(const std::string& key, const std::string& source);
 
+    /// Calls a function with every key that may have another effective value from now on: with each
+    /// key whose streams are updated, whether or not it has streams. The key may have no value, as
+    /// after reset. The function is called with the mutex held, on the thread that makes the
+    /// change. It must not throw, nor call the configuration.
+    /// @return the registration: the function is called until the last pointer to it is released.
+    ///         It may be released on any thread, also when the configuration is gone; a call that
+    ///         has begun on another thread is not waited for.
+    [[nodiscard]] std::shared_ptr<const KeyListener> listen(KeyListener listener);
+
     /// Removes the stream with that id from the list. Its publisher lives on while other owners
     /// hold it. An unknown id is ignored.
     void removeStream(std::uint64_t id);
@@ -149,6 +159,7 @@ private:
     /// @return the function that a source calls with its own key when that key changes
     ConfigurationSource::Watcher watcherFor(const std::string& group);
 
+    void notifyListeners(const std::string& key);
     bool keysAreNeeded() const;
     void updateAll(Lock& lock, const std::string& group, const std::set<std::string>& keys);
 
@@ -163,6 +174,7 @@ private:
     detail::SourceRecords sources;              // in the order of consultation
     std::string localKeyBuffer;                 // of findSupplier
     detail::OptionStreams streams;              // destroyed before the sources
+    std::vector<std::weak_ptr<const KeyListener>> listeners;
 };
 
 } // namespace connector::configuration

@@ -62,10 +62,10 @@ Future<bool> ConfigurationImpl::addSource(const std::string& name, const std::st
     return std::move(result).resolve(true);
 }
 
-/// Where there are no streams and no source can observe the call, the list of a source's keys is
+/// Where nobody follows options and no source can observe the call, the list of a source's keys is
 /// not needed. For a large table, building the list takes longer than reading the file did.
 bool ConfigurationImpl::keysAreNeeded() const {
-    return !streams.isEmpty() || !lookupsAreUnobservable();
+    return !streams.isEmpty() || !listeners.empty() || !lookupsAreUnobservable();
 }
 
 void ConfigurationImpl::updateAll(Lock& lock, const std::string& group,

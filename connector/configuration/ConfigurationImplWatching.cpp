@@ -7,6 +7,7 @@
 #include <connector/configuration/sources/detail/LookupScope.hpp>
 #include <connector/configuration/watching/NotificationPass.hpp>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -109,6 +110,8 @@ std::optional<OptionValue> ConfigurationImpl::effectiveValue(Lock& lock, const s
 
 void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
     logCore("updatePublishers: ", key);
+    if (!listeners.empty())
+        notifyListeners(key);
     // Most keys of a source that is added or removed have no watchers. Without this, adding a
     // source would take two thirds longer.
     if (!streams.hasWatchers(key) && lookupsAreUnobservable())
@@ -127,6 +130,24 @@ void ConfigurationImpl::updatePublishers(Lock& lock, const std::string& key) {
             detail::reportFailedSubscriber(key);
         }
     }
+}
+
+std::shared_ptr<const ConfigurationImpl::KeyListener>
+ConfigurationImpl::listen(KeyListener listener) {
+    auto registration = std::make_shared<const KeyListener>(std::move(listener));
+    const Lock lock(mutex);
+    listeners.push_back(registration);
+    return registration;
+}
+
+void ConfigurationImpl::notifyListeners(const std::string& key) {
+    const auto isGone = [&key](const std::weak_ptr<const KeyListener>& registered) {
+        const auto listener = registered.lock();
+        if (listener != nullptr)
+            (*listener)(key);
+        return listener == nullptr;
+    };
+    listeners.erase(std::remove_if(listeners.begin(), listeners.end(), isGone), listeners.end());
 }
 
 /// @return whether a lookup whose result is not needed can be skipped
