@@ -41,7 +41,7 @@ endfunction()
 
 # The library
 connector_install_headers("${PROJECT_SOURCE_DIR}/connector" connector
-    REGEX "/connector/(sources|testing)$" EXCLUDE)
+    REGEX "/connector/(service|sources|testing)$" EXCLUDE)
 foreach(header IN LISTS connector_installed_private_headers)
     cmake_path(GET header PARENT_PATH parent)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}"
@@ -68,6 +68,11 @@ if(TARGET connector-sources)
     connector_install_component(sources)
     install(FILES "${PROJECT_BINARY_DIR}/connector/sources/include/connector/sources/Export.hpp"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/sources")
+endif()
+if(TARGET connector-service)
+    connector_install_component(service)
+    install(FILES "${PROJECT_BINARY_DIR}/connector/service/include/connector/service/Export.hpp"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/service")
 endif()
 if(TARGET connector-testing)
     connector_install_component(testing)
@@ -124,5 +129,17 @@ if(TARGET connector-sources)
     configure_file("${CMAKE_CURRENT_LIST_DIR}/connector-sources.pc.in"
         "${PROJECT_BINARY_DIR}/cmake/connector-sources.pc" @ONLY)
     install(FILES "${PROJECT_BINARY_DIR}/cmake/connector-sources.pc"
+        DESTINATION "${connector_pkgconfig_dir}")
+endif()
+if(TARGET connector-service)
+    set(connector_service_static_definitions "")
+    set(connector_service_static_libs "")
+    if(NOT BUILD_SHARED_LIBS)
+        set(connector_service_static_definitions "-DCONNECTOR_SERVICE_STATIC_DEFINE")
+        set(connector_service_static_libs "-lssl -lcrypto")
+    endif()
+    configure_file("${CMAKE_CURRENT_LIST_DIR}/connector-service.pc.in"
+        "${PROJECT_BINARY_DIR}/cmake/connector-service.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/cmake/connector-service.pc"
         DESTINATION "${connector_pkgconfig_dir}")
 endif()

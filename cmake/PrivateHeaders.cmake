@@ -35,6 +35,15 @@ set(connector_installed_private_headers
     connector/configuration/typed/detail/Writing.hpp
     connector/configuration/watching/OptionStreams.hpp)
 
-# Directories that are not installed, although their rooms are not private: not a library yet
+# Directories that are not installed, although their rooms are not private: the program contains
+# them, too
 set(connector_uninstalled_directories
-    connector/service)
+    connector/service/access
+    connector/service/events
+    connector/service/http
+    connector/service/messages
+    connector/service/metrics
+    connector/service/network
+    connector/service/protocol
+    connector/service/routes
+    connector/service/text)

@@ -20,10 +20,13 @@ base_packages=(
     libgmock-dev
     libgtest-dev
     libpoco-dev
+    libssl-dev
     libtomlplusplus-dev
     libyaml-cpp-dev
     ninja-build
     nlohmann-json3-dev
+    openapi-specification
+    openssl
     pkg-config
     python3
     python3-jsonschema

@@ -25,6 +25,7 @@ INCLUDE_ROOTS = ("", "platform/", "messaging/", "tools/connector-config/")
 # Generated when the project is configured, so they are in no directory of the project.
 EXPORT_HEADERS = {
     "connector/Export.hpp": ("connector/",),
+    "connector/service/Export.hpp": ("connector/service/",),
     "connector/sources/Export.hpp": ("connector/sources/",),
     "connector/platform/Export.hpp": ("platform/", "messaging/"),
 }

@@ -28,15 +28,17 @@ ExitStatus report(const GetResult& result) {
     return result.failures.empty() ? Success : Failure;
 }
 
-void serve(ConfigurationImpl& configuration, const Arguments& arguments, const NamedFiles& files) {
+void serve(const std::shared_ptr<ConfigurationImpl>& configuration, const Arguments& arguments,
+           const NamedFiles& files) {
     if (arguments.http)
         return serveHttp(configuration, arguments, files);
     const FileReloading reloading(files, arguments.followsFiles);
-    serveStandardInput(configuration.getPtr());
+    serveStandardInput(configuration);
 }
 
-ExitStatus runCommand(ConfigurationImpl& configuration, const Arguments& arguments,
+ExitStatus runCommand(const std::shared_ptr<ConfigurationImpl>& shared, const Arguments& arguments,
                       const NamedFiles& files) {
+    ConfigurationImpl& configuration = *shared;
     switch (arguments.command) {
     case Command::Get:
         return report(get(configuration, arguments));
@@ -53,7 +55,7 @@ ExitStatus runCommand(ConfigurationImpl& configuration, const Arguments& argumen
         watch(configuration, arguments, files);
         break;
     case Command::Serve:
-        serve(configuration, arguments, files);
+        serve(shared, arguments, files);
         break;
     }
     return Success;
@@ -70,7 +72,7 @@ ExitStatus run(const Arguments& arguments) {
                                                        : nullptr);
     const auto configuration = std::make_shared<ConfigurationImpl>();
     const NamedFiles files = addSources(*configuration, arguments.sources);
-    return runCommand(*configuration, arguments, files);
+    return runCommand(configuration, arguments, files);
 }
 
 ExitStatus runReportingFailure(int argc, const char* const argv[]) {

@@ -43,12 +43,21 @@ Decision Policy::authorize(Message& message) const {
 }
 
 Decision Policy::authorizeSet(const std::string& key) const {
-    const bool isWritable = std::any_of(
+    if (!isWritable(key))
+        return refused(refusalToSet(key));
+    Decision decision;
+    decision.masksValue = secrets.isSecret(key);
+    return decision;
+}
+
+bool Policy::isWritable(const std::string& key) const {
+    return std::any_of(
         writablePrefixes.begin(), writablePrefixes.end(),
         [&key](const std::string& prefix) { return key.compare(0, prefix.size(), prefix) == 0; });
-    if (isWritable)
-        return {std::nullopt, nullptr, secrets.isSecret(key), false};
-    return refused("Key must not be set: " + key + " (--writable PREFIX would allow it)");
+}
+
+std::string Policy::refusalToSet(const std::string& key) {
+    return "Key must not be set: " + key + " (--writable PREFIX would allow it)";
 }
 
 Decision Policy::authorizeFile(AddPropertyFileSource& add) const {

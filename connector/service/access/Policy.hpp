@@ -51,6 +51,12 @@ public:
     /// sparse.
     Decision authorize(Message& message) const;
 
+    /// @return whether clients may set and remove the key
+    bool isWritable(const std::string& key) const;
+
+    /// @return why a key that is not writable must not be set
+    static std::string refusalToSet(const std::string& key);
+
 private:
     Decision authorizeSet(const std::string& key) const;
     Decision authorizeFile(configuration::AddPropertyFileSource& add) const;

@@ -7,12 +7,13 @@
 #pragma once
 
 #include <connector/service/access/Token.hpp>
-
-#include <Poco/Net/HTTPRequest.h>
-#include <Poco/Net/SocketAddress.h>
+#include <connector/service/network/Peer.hpp>
+#include <connector/service/protocol/RequestParser.hpp>
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace connector::service {
 
@@ -30,22 +31,27 @@ struct Rejection {
 /// Immutable. May be used from any thread.
 class RequestGuard {
 public:
-    /// @param newHost   the name or address that the user gave the server; empty for none
-    /// @param newToken  the token that clients must send; none serves clients without a token
-    RequestGuard(std::string newHost, std::optional<Token> newToken)
-        : host(std::move(newHost)), token(std::move(newToken)) {}
+    /// @param newHosts         names or addresses that the user gave the server to listen on
+    /// @param newAllowedHosts  further names; unlike the others, these may come with any port
+    /// @param newToken         the token that clients must send; none serves clients without one
+    RequestGuard(std::vector<std::string> newHosts, std::vector<std::string> newAllowedHosts,
+                 std::optional<Token> newToken)
+        : hosts(std::move(newHosts)), allowedHosts(std::move(newAllowedHosts)),
+          token(std::move(newToken)) {}
 
-    /// @param localAddress  the server's end of the client's connection
+    /// @param isPublic  whether a client is served without the token
     /// @return nothing if the client may be served
-    std::optional<Rejection> check(const Poco::Net::HTTPRequest& request,
-                                   const Poco::Net::SocketAddress& localAddress) const;
+    std::optional<Rejection> check(const RequestHead& request, const Peer& peer,
+                                   bool isPublic) const;
 
 private:
-    bool isOwnAddress(const std::string& hostAndPort,
-                      const Poco::Net::SocketAddress& localAddress) const;
-    bool hasValidToken(const Poco::Net::HTTPRequest& request) const;
+    bool isOwnAddress(std::string_view hostAndPort, const Peer& peer) const;
+    bool isAllowedHost(std::string_view hostAndPort) const;
+    bool isOwnOrigin(std::string_view origin, std::string_view host, const Peer& peer) const;
+    bool hasValidToken(const RequestHead& request) const;
 
-    const std::string host;
+    const std::vector<std::string> hosts;
+    const std::vector<std::string> allowedHosts;
     const std::optional<Token> token;
 };
 

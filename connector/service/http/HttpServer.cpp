@@ -1,61 +1,224 @@
 #include <connector/service/http/HttpServer.hpp>
 
-#include <connector/service/http/Connection.hpp>
+#include <connector/service/network/TlsContext.hpp>
 
-#include <sys/socket.h>
+#include <boost/asio/post.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include <pthread.h>
+#include <signal.h>
 
 namespace connector::service {
 
 namespace {
 
-constexpr int minThreads = 2;
-constexpr int maxThreads = 1024;
-constexpr int maxQueuedConnections = 4096;
-constexpr int stackSize = 512 * 1024;
-constexpr int poolIdleSeconds = 2;           // after which the pool removes an unused thread
-constexpr long serverIdleMilliseconds = 500; // after which the server returns a thread to the pool
+/// Enough for a request that waits for a slow source, or for the configuration's mutex, not to hold
+/// up the others. Each may have the objects of one request in memory, see ParsedRequest.hpp.
+constexpr std::size_t workerThreads = 4;
 
-class ConnectionFactory : public Poco::Net::TCPServerConnectionFactory {
+constexpr HttpLimits::Duration longestTick{100};
+
+/// @return how often deadlines are looked at: often enough for the shortest one
+HttpLimits::Duration tickOf(const HttpLimits& limits) {
+    const auto shortest = std::min({limits.connect, limits.head, limits.request, limits.idle,
+                                    limits.stall, limits.close, limits.shutdown, limits.comment});
+    return std::clamp(shortest / 10, HttpLimits::Duration(1), longestTick);
+}
+
+/// Signals are for the threads of the application.
+class BlockedSignals {
 public:
-    explicit ConnectionFactory(ServerContext& newContext) : context(newContext) {}
-
-    Poco::Net::TCPServerConnection*
-    createConnection(const Poco::Net::StreamSocket& socket) override {
-        return new Connection(socket, context);
+    BlockedSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &previous);
     }
+    ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &previous, nullptr); }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
 
 private:
-    ServerContext& context;
+    sigset_t previous{};
 };
-
-Poco::Net::TCPServerParams::Ptr parameters() {
-    Poco::Net::TCPServerParams::Ptr parameters = new Poco::Net::TCPServerParams;
-    parameters->setMaxThreads(maxThreads);
-    parameters->setMaxQueued(maxQueuedConnections);
-    parameters->setThreadIdleTime(serverIdleMilliseconds * Poco::Timespan::MILLISECONDS);
-    return parameters;
-}
 
 } // namespace
 
-HttpServer::HttpServer(const Poco::Net::ServerSocket& newSocket, ServerContext& newContext)
-    : context(newContext), socket(newSocket),
-      threads("http", minThreads, maxThreads, poolIdleSeconds, stackSize),
-      server(new ConnectionFactory(context), threads, socket, parameters()) {
-    server.start();
+HttpServer::HttpServer(const HttpOptions& newOptions, const Router& router,
+                       const RequestGuard& guard, configuration::ConfigurationImpl& configuration,
+                       const Secrets& secrets, Metrics& metrics)
+    : options(newOptions), workers(io), events(io, configuration, secrets, workers),
+      shared(workers), context{options.limits, router, guard, workers, events, shared, metrics},
+      timer(io) {
+    if (options.tls)
+        tls = makeServerContext(*options.tls);
+    for (const ListenAddress& address : options.addresses) {
+        listeners.emplace_back(
+            io, address, tls != nullptr,
+            [this](Socket socket, const Peer& peer) { accept(std::move(socket), peer); });
+        addresses.push_back(listeners.back().url());
+    }
 }
 
 HttpServer::~HttpServer() {
-    if (!context.shutdown.isRaised())
-        context.shutdown.raise(Clock::now());
-    stop();
+    io.stop();
+    if (thread.joinable())
+        thread.join();
+    workers.stop();
+    for (Listener& listener : listeners)
+        listener.close();
+    for (const auto& connection : connections)
+        connection->close();
+    connections.clear();
+    events.close();
+    timer.cancel();
+    releaseHandlers();
+}
+
+/// Handlers keep connections alive, which use the other members. Now that everything is closed,
+/// each handler that still waits only notices that.
+void HttpServer::releaseHandlers() noexcept {
+    try {
+        io.restart();
+        while (io.poll() > 0) {
+        }
+    } catch (...) { // no memory for a handler that does nothing any more
+    }
+}
+
+void HttpServer::start() {
+    const BlockedSignals blocked; // threads inherit the mask
+    workers.start(workerThreads);
+    resume();
+    thread = std::thread([this] { run(); });
+}
+
+/// A handler fails only when there is no memory. What it did not start is started again then.
+void HttpServer::run() noexcept {
+    for (;;) {
+        try {
+            io.run();
+            return;
+        } catch (...) {
+        }
+        try {
+            resume();
+        } catch (...) {
+            std::this_thread::sleep_for(longestTick);
+        }
+    }
+}
+
+void HttpServer::resume() {
+    if (!context.isStopping) {
+        for (Listener& listener : listeners)
+            listener.start();
+    }
+    workers.resume();
+    events.start();
+    if (!connections.empty())
+        scheduleTick();
+}
+
+void HttpServer::accept(Socket socket, const Peer& peer) {
+    if (isFull(peer))
+        return; // the socket is closed
+    const auto connection =
+        std::make_shared<Connection>(context, std::move(socket), peer, peer.isTls ? tls : nullptr);
+    connections.push_back(connection);
+    ++connectionsByAddress[peer.remote];
+    scheduleTick();
+    connection->start();
+}
+
+/// One other machine must not take all places.
+bool HttpServer::isFull(const Peer& peer) const {
+    const std::size_t most = options.limits.connections;
+    if (connections.size() >= most)
+        return true;
+    const bool isOwn =
+        peer.isUnix || unmapped(peer.remote).is_loopback() || peer.remote == peer.local;
+    const auto count = connectionsByAddress.find(peer.remote);
+    return !isOwn && count != connectionsByAddress.end() && count->second >= most / 2;
+}
+
+/// One timer for all deadlines: it costs no request anything, and nothing while nobody is there.
+void HttpServer::scheduleTick() {
+    if (isTimerSet)
+        return;
+    timer.expires_after(tickOf(options.limits));
+    timer.async_wait([this](const boost::system::error_code& error) {
+        isTimerSet = false;
+        if (!error)
+            tick();
+    });
+    isTimerSet = true;
+}
+
+void HttpServer::tick() {
+    const Clock::time_point now = Clock::now();
+    for (const auto& connection : connections)
+        connection->tick(now);
+    sweep();
+    events.tick();
+    if (now >= stopDeadline) {
+        for (const auto& connection : connections)
+            connection->close();
+        connections.clear();
+    }
+    if (!connections.empty())
+        scheduleTick();
+    endIfDone();
+}
+
+/// Removes the connections that have ended.
+void HttpServer::sweep() {
+    for (auto connection = connections.begin(); connection != connections.end();) {
+        if (!(*connection)->isClosed()) {
+            ++connection;
+            continue;
+        }
+        const auto count = connectionsByAddress.find((*connection)->peer().remote);
+        if (--count->second == 0)
+            connectionsByAddress.erase(count);
+        connection = connections.erase(connection);
+    }
 }
 
 void HttpServer::stop() {
-    // Wakes up the accepting thread, which would otherwise notice only after a polling interval.
-    ::shutdown(socket.impl()->sockfd(), SHUT_RD);
-    server.stop();
-    threads.joinAll();
+    if (!thread.joinable())
+        return;
+    boost::asio::post(io, [this] { beginStop(); });
+    thread.join();
+    workers.stop();
+}
+
+void HttpServer::beginStop() {
+    context.isStopping = true;
+    for (Listener& listener : listeners)
+        listener.close();
+    const Clock::time_point now = Clock::now();
+    stopDeadline = now + options.limits.shutdown;
+    const Clock::time_point last = now + options.limits.shutdown / 5 * 4;
+    for (const auto& connection : connections)
+        connection->finish(last);
+    sweep();
+    endIfDone();
+}
+
+void HttpServer::endIfDone() {
+    if (!context.isStopping || !connections.empty())
+        return;
+    events.close();
+    io.stop();
+}
+
+void HttpServer::reloadTls() {
+    if (!options.tls)
+        return;
+    boost::asio::post(io, [this, loaded = makeServerContext(*options.tls)] { tls = loaded; });
 }
 
 } // namespace connector::service

@@ -1,55 +1,82 @@
-/// Accepts connections and serves them on a pool of threads.
+/// The engine: all connections on one thread, the work of their requests on a few others.
+///
+/// The network thread never takes the configuration's mutex, and no worker ever waits for a client.
+/// Lock order: the configuration's mutex, then those of ChangedKeys and Workers, which are held for
+/// a few instructions each.
 #pragma once
 
-#include <connector/service/access/RequestGuard.hpp>
-#include <connector/service/http/EventWriter.hpp>
-#include <connector/service/http/Routes.hpp>
-#include <connector/service/http/ShutdownSignal.hpp>
+#include <connector/service/HttpOptions.hpp>
+#include <connector/service/events/EventHub.hpp>
+#include <connector/service/http/Connection.hpp>
+#include <connector/service/http/ServerContext.hpp>
+#include <connector/service/http/SharedResponses.hpp>
+#include <connector/service/network/Listener.hpp>
+#include <connector/service/network/Workers.hpp>
 
-#include <Poco/Net/ServerSocket.h>
-#include <Poco/Net/TCPServer.h>
-#include <Poco/ThreadPool.h>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ssl/context.hpp>
+#include <boost/asio/steady_timer.hpp>
 
-#include <chrono>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace connector::service {
 
-/// How long the server waits.
-struct Timeouts {
-    Clock::duration request = std::chrono::seconds(10);  ///< for the whole request to arrive
-    Clock::duration response = std::chrono::seconds(60); ///< for the client to accept the response
-    Clock::duration close = std::chrono::seconds(3);     ///< for the client to close the connection
-    Clock::duration shutdown = std::chrono::seconds(2);  ///< for all clients when the server stops
-};
-
-/// What the connections share. Everything in it may be used from any thread.
-struct ServerContext {
-    const RequestGuard& guard;
-    const Routes& routes;
-    configuration::ConfigurationImpl& configuration;
-    EventWriter& events;
-    const Timeouts timeouts;
-    ShutdownSignal shutdown;
-};
-
-/// Serves one request per connection and uses one thread per request, so a slow client delays no
-/// other. Clients that watch options occupy no thread, see EventWriter.
 class HttpServer {
 public:
-    /// Starts to accept connections.
-    /// @param newContext  must outlive this object
-    HttpServer(const Poco::Net::ServerSocket& newSocket, ServerContext& newContext);
-    ~HttpServer(); ///< stops; waits for no client unless the shutdown signal was raised before
+    /// Listens, but serves nobody yet. All arguments outlive the server.
+    /// @throws std::runtime_error  see Listener and makeServerContext
+    HttpServer(const HttpOptions& newOptions, const Router& router, const RequestGuard& guard,
+               configuration::ConfigurationImpl& configuration, const Secrets& secrets,
+               Metrics& metrics);
 
-    /// Stops accepting connections and waits for the requests in progress. The shutdown signal must
-    /// have been raised; it limits how long this takes.
+    ~HttpServer(); ///< cuts what is in progress
+
+    /// Serves clients on a thread of its own.
+    void start();
+
+    /// Accepts nobody any more, ends event streams, and waits for the requests in progress, at most
+    /// for the time limit of the shutdown.
     void stop();
 
+    /// Uses the TLS files as they are now, for later connections. May be called from any thread.
+    /// @throws std::runtime_error  see makeServerContext; the old ones stay
+    void reloadTls();
+
+    /// @return where clients reach the server, in the order of the options
+    const std::vector<std::string>& urls() const { return addresses; }
+
 private:
-    ServerContext& context;
-    const Poco::Net::ServerSocket socket;
-    Poco::ThreadPool threads;
-    Poco::Net::TCPServer server;
+    void run() noexcept;
+    void releaseHandlers() noexcept;
+    void resume();
+    void accept(Socket socket, const Peer& peer);
+    bool isFull(const Peer& peer) const;
+    void tick();
+    void scheduleTick();
+    void sweep();
+    void beginStop();
+    void endIfDone();
+
+    const HttpOptions& options;
+    boost::asio::io_context io{1};
+    Workers workers;
+    EventHub events;
+    SharedResponses shared;
+    ServerContext context;
+    std::shared_ptr<boost::asio::ssl::context> tls; // used by the network thread
+    std::list<Listener> listeners;
+    std::vector<std::string> addresses;
+    std::list<std::shared_ptr<Connection>> connections;
+    std::map<boost::asio::ip::address, std::size_t> connectionsByAddress;
+    boost::asio::steady_timer timer;
+    bool isTimerSet = false;
+    Clock::time_point stopDeadline = never;
+    std::thread thread;
 };
 
 } // namespace connector::service

@@ -7,15 +7,21 @@
 #include <connector/service/text/Secrets.hpp>
 
 #include <connector/configuration/service/AddPropertyFileSource.hpp>
+#include <connector/configuration/service/ConfigurationGet.hpp>
 #include <connector/configuration/service/ConfigurationOptionResponse.hpp>
+#include <connector/configuration/service/ConfigurationSet.hpp>
 
+#include <new>
 #include <stdexcept>
+#include <utility>
 
 namespace connector::service {
 
 using configuration::AddPropertyFileSource;
+using configuration::ConfigurationGet;
 using configuration::ConfigurationOptionResponse;
 using configuration::ConfigurationServiceProviderImpl;
+using configuration::ConfigurationSet;
 using MessagePtr = std::unique_ptr<Message>;
 
 namespace {
@@ -24,6 +30,15 @@ namespace {
 std::string addedGroup(const Message& message) {
     const auto* const add = dynamic_cast<const AddPropertyFileSource*>(&message);
     return add == nullptr ? std::string() : add->group;
+}
+
+/// @return the key that a message names; empty for a message that names none
+std::string keyOf(const Message& message) {
+    if (const auto* const get = dynamic_cast<const ConfigurationGet*>(&message))
+        return get->key;
+    if (const auto* const set = dynamic_cast<const ConfigurationSet*>(&message))
+        return set->key;
+    return {};
 }
 
 void addMissingOrder(const Poco::JSON::Object& envelope, int order) {
@@ -53,21 +68,30 @@ public:
 
     Reply run(const std::string& text) {
         try {
-            return {Outcome::Done, withId(id, execute(text))};
+            return {Outcome::Done, withId(id, execute(text)), {}, key, hasOption};
         } catch (const Refusal& refusal) {
-            return {outcome, errorJson(refusal.text, id)};
+            return failed(errorJson(refusal.text, id), refusal.text);
         } catch (const TooManyElements& error) {
-            return {Outcome::TooLarge, errorJson(error, id)};
+            outcome = Outcome::TooLarge;
+            return failed(errorJson(error, id), error.what());
+        } catch (const std::bad_alloc& error) {
+            outcome = Outcome::OutOfMemory;
+            return failed(errorJson(error, id), error.what());
         } catch (const std::exception& error) {
-            return {outcome, errorJson(error, id)};
+            return failed(errorJson(error, id), error.what());
         } catch (...) {
-            return {outcome, errorJson("Unknown failure", id)};
+            return failed(errorJson("Unknown failure", id), "Unknown failure");
         }
     }
 
 private:
+    Reply failed(std::string text, std::string failure) const {
+        return {outcome, std::move(text), std::move(failure), key, false};
+    }
+
     std::string execute(const std::string& text) {
         MessagePtr message = read(text);
+        key = keyOf(*message);
         const Decision decision = authorize(*message);
         const MessagePtr reply = resultOf(dispatch(std::move(message)));
         if (decision.masksValue)
@@ -114,11 +138,13 @@ private:
         }
     }
 
-    std::string toText(const MessagePtr& reply) const {
+    std::string toText(const MessagePtr& reply) {
         if (const auto* const response = dynamic_cast<ConfigurationOptionResponse*>(reply.get());
-            response != nullptr && response->option)
+            response != nullptr && response->option) {
+            hasOption = true;
             return R"({"type":"connector/configuration/ConfigurationOptionResponse","message":)" +
                    optionJson(*response->option) + "}";
+        }
         const Poco::JSON::Object::Ptr written = service.serializer->serialize(reply);
         Poco::JSON::Object::Ptr object = makeObject(); // puts the type first, for human readers
         object->set("type", written->get("type"));
@@ -128,6 +154,8 @@ private:
 
     const MessageService& service;
     std::optional<std::string> id;
+    std::string key;
+    bool hasOption = false;
     Outcome outcome = Outcome::InvalidMessage;
 };
 

@@ -14,11 +14,15 @@ enum class Outcome {
     TooLarge,       ///< the request has too many elements, or would load too much
     Failed,         ///< the configuration threw an exception
     Stopped,        ///< the service has been stopped
+    OutOfMemory,    ///< nothing was done, or all of it and only the reply is missing
 };
 
 struct Reply {
     Outcome outcome;
-    std::string text; ///< a JSON object on a single line, without a line break
+    std::string text;       ///< a JSON object on a single line, without a line break
+    std::string failure;    ///< its text, unless the outcome is Done
+    std::string key;        ///< the option that the request is about; empty for none
+    bool hasOption = false; ///< whether it is a message with an option
 };
 
 /// @param id  JSON that becomes the first member of the result

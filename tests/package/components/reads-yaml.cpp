@@ -13,7 +13,8 @@ int main() {
     std::ofstream(name) << "net: {port: 8080}\n";
     const auto configuration = std::make_shared<connector::configuration::ConfigurationImpl>();
     configuration->addSource("file", "", 100, true,
-                             std::make_shared<connector::sources::FileSource>(name));
+                             std::make_shared<connector::sources::FileSource>(name))
+        .get();
     std::remove(name);
     std::cout << boost::get<int>(configuration->get("net.port").get()) << '\n';
 }

@@ -9,23 +9,41 @@
 
 namespace {
 
+using connector::service::Peer;
 using connector::service::Rejection;
 using connector::service::RequestGuard;
-using Poco::Net::HTTPRequest;
-using Poco::Net::SocketAddress;
+using connector::service::RequestHead;
+
+/// @param reached  as in "127.0.0.1:80" or "[::1]:80"
+Peer peerAt(const std::string& reached) {
+    const std::size_t colon = reached.rfind(':');
+    std::string host = reached.substr(0, colon);
+    if (host.front() == '[')
+        host = host.substr(1, host.size() - 2);
+    Peer peer;
+    peer.local = boost::asio::ip::make_address(host);
+    peer.localPort = static_cast<std::uint16_t>(std::stoi(reached.substr(colon + 1)));
+    return peer;
+}
 
 /// @return the HTTP status for a request with these headers
-int statusFor(const RequestGuard& guard, const std::string& reached,
+int statusFor(const RequestGuard& guard, const Peer& peer,
               const std::vector<std::pair<std::string, std::string>>& headers,
-              const std::string& target = "/") {
-    HTTPRequest request;
-    request.setURI(target);
+              const std::string& target = "/", bool isPublic = false) {
+    RequestHead request;
+    request.target(target);
     for (const auto& [name, value] : headers)
-        request.add(name, value);
-    const auto rejection = guard.check(request, SocketAddress(reached));
+        request.insert(name, value);
+    const auto rejection = guard.check(request, peer, isPublic);
     if (!rejection)
         return 200;
     return rejection->reason == Rejection::Reason::Unauthenticated ? 401 : 403;
+}
+
+int statusFor(const RequestGuard& guard, const std::string& reached,
+              const std::vector<std::pair<std::string, std::string>>& headers,
+              const std::string& target = "/", bool isPublic = false) {
+    return statusFor(guard, peerAt(reached), headers, target, isPublic);
 }
 
 TEST(RequestGuard, RequiresTheHostToBeTheLocalAddress) {
@@ -71,19 +89,19 @@ TEST(RequestGuard, RequiresTheHostToBeTheLocalAddress) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
         EXPECT_EQ(row.status,
-                  statusFor(RequestGuard(row.given, {}), row.reached, {{"Host", row.host}}));
+                  statusFor(RequestGuard({row.given}, {}, {}), row.reached, {{"Host", row.host}}));
     }
 }
 
 TEST(RequestGuard, RequiresExactlyOneHost) {
-    const RequestGuard guard("127.0.0.1", {});
+    const RequestGuard guard({"127.0.0.1"}, {}, {});
     EXPECT_EQ(403, statusFor(guard, "127.0.0.1:1", {}));
     EXPECT_EQ(403,
               statusFor(guard, "127.0.0.1:1", {{"Host", "127.0.0.1:1"}, {"HOST", "127.0.0.1:1"}}));
 }
 
 TEST(RequestGuard, TheAuthorityOfTheTargetReplacesTheHost) {
-    const RequestGuard guard("127.0.0.1", {});
+    const RequestGuard guard({"127.0.0.1"}, {}, {});
     const struct {
         int line;
         const char* target;
@@ -109,7 +127,7 @@ TEST(RequestGuard, TheAuthorityOfTheTargetReplacesTheHost) {
 }
 
 TEST(RequestGuard, RejectsPagesOfOtherOrigins) {
-    const RequestGuard guard("127.0.0.1", {});
+    const RequestGuard guard({"127.0.0.1"}, {}, {});
     const struct {
         int line;
         const char* header;
@@ -143,7 +161,7 @@ TEST(RequestGuard, RejectsPagesOfOtherOrigins) {
 }
 
 TEST(RequestGuard, RequiresTheToken) {
-    const RequestGuard guard("127.0.0.1", connector::service::Token("abc"));
+    const RequestGuard guard({"127.0.0.1"}, {}, connector::service::Token("abc"));
     const struct {
         int line;
         const char* authorization;
@@ -172,6 +190,54 @@ TEST(RequestGuard, RequiresTheToken) {
                              {{"Host", "127.0.0.1:1"},
                               {"Authorization", "Bearer abc"},
                               {"Authorization", "Bearer abc"}}));
+    EXPECT_EQ(200, statusFor(guard, "127.0.0.1:1", {{"Host", "127.0.0.1:1"}}, "/", true));
+}
+
+TEST(RequestGuard, AcceptsAllowedHostsWithAnyPort) {
+    const RequestGuard guard({"127.0.0.1"}, {"box.example", "2001:db8::1"}, {});
+    for (const char* host :
+         {"box.example", "BOX.example:1", "box.example:8443", "[2001:db8::1]:80", "127.0.0.1:1"}) {
+        SCOPED_TRACE(host);
+        EXPECT_EQ(200, statusFor(guard, "127.0.0.1:1", {{"Host", host}}));
+    }
+    for (const char* host : {"box.example:", "box.example:x", "a.box.example", "box.example.org"}) {
+        SCOPED_TRACE(host);
+        EXPECT_EQ(403, statusFor(guard, "127.0.0.1:1", {{"Host", host}}));
+    }
+}
+
+TEST(RequestGuard, AcceptsPagesOfAllowedHostsByBothSchemes) {
+    const RequestGuard guard({"127.0.0.1"}, {"box.example"}, {});
+    const auto statusOf = [&](const std::string& origin) {
+        return statusFor(guard, "127.0.0.1:1", {{"Host", "box.example"}, {"Origin", origin}});
+    };
+    EXPECT_EQ(200, statusOf("http://box.example"));
+    EXPECT_EQ(200, statusOf("https://box.example"));
+    EXPECT_EQ(200, statusOf("https://box.example:8443"));
+    EXPECT_EQ(403, statusOf("ftp://box.example"));
+    EXPECT_EQ(403, statusOf("https://box.example/path"));
+    EXPECT_EQ(403, statusOf("https://evil.example"));
+}
+
+TEST(RequestGuard, OverTlsTheOriginAndTheTargetHaveTheSecureScheme) {
+    const RequestGuard guard({"127.0.0.1"}, {}, {});
+    Peer peer = peerAt("127.0.0.1:443");
+    peer.isTls = true;
+    const std::pair<std::string, std::string> host{"Host", "127.0.0.1"};
+    EXPECT_EQ(200, statusFor(guard, peer, {host}));
+    EXPECT_EQ(200, statusFor(guard, peer, {host, {"Origin", "https://127.0.0.1"}}));
+    EXPECT_EQ(403, statusFor(guard, peer, {host, {"Origin", "http://127.0.0.1"}}));
+    EXPECT_EQ(200, statusFor(guard, peer, {host}, "https://127.0.0.1/options"));
+    EXPECT_EQ(403, statusFor(guard, peer, {host}, "http://127.0.0.1/options"));
+}
+
+TEST(RequestGuard, OnAUnixSocketTheHostIsLocalhost) {
+    const RequestGuard guard({"127.0.0.1"}, {}, {});
+    Peer peer;
+    peer.isUnix = true;
+    EXPECT_EQ(200, statusFor(guard, peer, {{"Host", "localhost"}}));
+    EXPECT_EQ(403, statusFor(guard, peer, {{"Host", "127.0.0.1"}}));
+    EXPECT_EQ(403, statusFor(guard, peer, {{"Host", "localhost:80"}}));
 }
 
 } // namespace

@@ -115,13 +115,13 @@ TEST_F(HostileRequests, ABodyThatIsTooLongGets413) {
 
 TEST_F(HostileRequests, ALengthThatIsTooLargeGets413BeforeTheBodyArrives) {
     const std::string tooLong = "A request is at most 1 MiB long";
-    for (const char* length : {"1048577", "99999999999999999999999999"}) {
+    for (const char* length : {"1048577", "18446744073709551615"}) {
         SCOPED_TRACE(length);
         expectAnswer(
             413, tooLong,
             send(head(std::string("Expect: 100-continue\r\nContent-Length: ") + length + "\r\n")));
     }
-    for (const char* size : {"100001", "ffffffffffffffffffff"}) {
+    for (const char* size : {"100001", "ffffffffffffff"}) {
         SCOPED_TRACE(size);
         expectAnswer(413, tooLong, send(head(chunked) + size + "\r\n"));
     }
@@ -139,7 +139,9 @@ TEST_F(HostileRequests, DeepNestingGets400) {
         post(port(), "{\"id\":7,\"a\":" + std::string(65, '[') + std::string(65, ']') + "}");
     EXPECT_EQ(400, response.status);
     EXPECT_EQ(R"({"id":7,"error":{"type":"std::invalid_argument",)"
-              R"("text":"A request has at most 64 levels of nesting"}})"
+              R"("text":"A request has at most 64 levels of nesting"},"type":"about:blank",)"
+              R"("title":"Bad Request","status":400,)"
+              R"("detail":"A request has at most 64 levels of nesting"})"
               "\n",
               response.body);
 }
@@ -165,25 +167,43 @@ TEST_F(HostileRequests, ElementsThatNobodyReadsAreIgnored) {
 }
 
 TEST_F(HostileRequests, AnInvalidContentLengthGets400) {
-    for (const char* length : {"", "x", "-1", "+2", "0x2", "2, 2", "2.0", "1 1"}) {
+    for (const char* length :
+         {"", "x", "-1", "+2", "0x2", "2, 2", "2.0", "1 1", "18446744073709551616"}) {
         SCOPED_TRACE(length);
-        expectAnswer(400, "Content-Length is no number",
-                     send(head(std::string("Content-Length: ") + length + "\r\n") + "{}"));
+        EXPECT_EQ(400, send(head(std::string("Content-Length: ") + length + "\r\n") + "{}").status);
     }
 }
 
 TEST_F(HostileRequests, TwoLengthsGet400) {
-    const std::string twice = "Length of the body is told twice";
-    expectAnswer(400, twice, send(head("Content-Length: 2\r\nContent-Length: 2\r\n") + "{}"));
-    expectAnswer(400, twice,
-                 send(head(std::string("Content-Length: 2\r\n") + chunked) + chunk("{}")));
+    const std::string length = "Content-Length: 2\r\n";
+    EXPECT_EQ(400, send(head(length + length) + "{}").status);
+    EXPECT_EQ(400, send(head(length + chunked) + chunk("{}")).status);
+    EXPECT_EQ(400, send(head(chunked + length) + chunk("{}")).status);
+    EXPECT_EQ(400, send(head(std::string(chunked) + chunked) + chunk("{}")).status);
 }
 
+/// Each of these encodings hides a second request from one of two readers.
 TEST_F(HostileRequests, OtherTransferEncodingsGet400) {
-    for (const char* encoding : {"gzip", "gzip, chunked", "identity", ""})
+    for (const char* encoding : {"gzip", "gzip, chunked", "chunked, gzip", "chunked, chunked",
+                                 "identity", "xchunked", "chunkedx", ""})
         expectAnswer(
             400, "Transfer encoding is not chunked",
             send(head(std::string("Transfer-Encoding: ") + encoding + "\r\n") + "0\r\n\r\n"));
+    expectAnswer(400, "Transfer encoding is not chunked",
+                 send("POST /messages HTTP/1.0\r\nHost: x\r\n" + std::string(chunked) + "\r\n"));
+}
+
+TEST_F(HostileRequests, EncodedWordsAreNotDecoded) {
+    EXPECT_EQ(400, send(head("Content-Length: =?utf-8?q?2?=\r\n") + "{}").status);
+    EXPECT_EQ(400, send(head("Authorization: =?utf-8?q?Bearer_x?=\r\n")).status);
+    EXPECT_EQ(400, send(head("X: a=?b\r\n")).status);
+}
+
+TEST_F(HostileRequests, TrailersAreNoHeaders) {
+    const std::string get = getMessage("a");
+    EXPECT_EQ(200, send(head(chunked) + chunk(get) + "0\r\nHost: evil.example\r\n" +
+                        "Connection: close\r\n\r\n")
+                       .status);
 }
 
 TEST_F(HostileRequests, ChunksAreCombinedIntoOneBody) {
@@ -196,27 +216,16 @@ TEST_F(HostileRequests, ChunksAreCombinedIntoOneBody) {
 }
 
 TEST_F(HostileRequests, InvalidChunksGet400) {
-    const struct {
-        int line;
-        const char* bytes;
-        const char* text;
-    } rows[] = {
-        {__LINE__, "x\r\n", "Chunk without a size"},
-        {__LINE__, "\r\n", "Chunk without a size"},
-        {__LINE__, "-1\r\n", "Chunk without a size"},
-        {__LINE__, "0x2\r\n{}\r\n", "Chunk without a size"},
-        {__LINE__, "2\r\n{}x\r\n0\r\n\r\n", "Chunk is longer than its size"},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.line);
-        expectAnswer(400, row.text, send(head(chunked) + row.bytes));
+    for (const char* bytes : {"x\r\n", "\r\n", "-1\r\n", "0x2\r\n\r\n", "5 6\r\n{}   \r\n",
+                              "2\r\n{}x\r\n0\r\n\r\n", "10000000000000000\r\n"}) {
+        SCOPED_TRACE(bytes);
+        EXPECT_EQ(400, send(head(chunked) + bytes).status);
     }
+    EXPECT_EQ(413, send(head(chunked) + "fffffffff\r\n").status);
     expectAnswer(400, "Line between chunks is too long",
                  send(head(chunked) + "2;" + std::string(20000, 'x')));
-    std::string trailers;
-    for (int i = 0; i < 200; ++i)
-        trailers += "a: b\r\n";
-    expectAnswer(400, "Too much behind the body", send(head(chunked) + "0\r\n" + trailers));
+    expectAnswer(400, "Line between chunks is too long",
+                 send(head(chunked) + "0\r\n" + std::string(20000, 'x')));
 }
 
 TEST_F(HostileRequests, AnIncompleteRequestGets400AndIsNotExecuted) {
@@ -232,30 +241,33 @@ TEST_F(HostileRequests, AClientThatSendsNothingGetsNothing) {
     EXPECT_EQ(0, send("", true).status);
 }
 
-TEST_F(HostileRequests, AHeadThatIsTooLongGets400) {
-    expectAnswer(400, "Head of the request is too long", send("GET /" + std::string(100000, 'x')));
+TEST_F(HostileRequests, AHeadThatIsTooLongGets431) {
+    const std::string tooLong = "Head of the request is longer than 32 KiB";
+    expectAnswer(431, tooLong, send("GET /" + std::string(100000, 'x')));
     std::string headers;
-    for (int i = 0; i < 200; ++i)
+    for (int i = 0; i < 5000; ++i)
         headers += "a" + std::to_string(i) + ": b\r\n";
-    expectAnswer(400, "Not an HTTP request", send(head(headers)));
+    expectAnswer(431, tooLong, send(head(headers)));
 }
 
 TEST_F(HostileRequests, EmptyLinesBeforeARequestAreSkipped) {
-    for (const char* lines : {"\r\n", "\n", "\r\n\r\n", "\n\r\n\n"}) {
+    for (const char* lines : {"\r\n", "\r\n\r\n"}) {
         HttpClient client(port());
         client.send(lines);
         client.get("/options");
         EXPECT_EQ(200, client.response().status);
     }
-    expectAnswer(400, "Head of the request is too long", send(std::string(100000, '\n')));
-    expectAnswer(400, "Request ends too early", send("\r\n", true));
+    std::string lines;
+    for (int i = 0; i < 50000; ++i)
+        lines += "\r\n";
+    EXPECT_EQ(431, send(lines).status);
+    expectAnswer(400, "Request ends too early", send("\r\nG", true));
 }
 
 TEST_F(HostileRequests, AMalformedHeadGets400) {
     const std::string host = "Host: 127.0.0.1:" + std::to_string(port()) + "\r\n";
     const std::string get = "GET /options HTTP/1.1\r\n";
     EXPECT_EQ(200, send(get + host + "a:\tb\xff\r\nc:\r\n\r\n").status);
-    EXPECT_EQ(200, send("GET /options HTTP/1.1\n" + host + "\n").status);
     const struct {
         int line;
         std::string head;
@@ -267,6 +279,8 @@ TEST_F(HostileRequests, AMalformedHeadGets400) {
         {__LINE__, get + host + "a: b\x7f\r\n"},
         {__LINE__, get + host + "a: b\rc: d\r\n"},
         {__LINE__, get + host + "a: b\r\r\n"},
+        {__LINE__, "GET /options HTTP/1.1\n" + host},
+        {__LINE__, get + host + "a: b\n"},
         {__LINE__, get + host + "a\r\n"},
         {__LINE__, get + host + "a b\r\n"},
         {__LINE__, get + host + ": b\r\n"},
@@ -284,6 +298,8 @@ TEST_F(HostileRequests, AMalformedHeadGets400) {
 
 TEST_F(HostileRequests, OtherProtocolsGet400) {
     expectAnswer(400, "Neither HTTP/1.0 nor HTTP/1.1", send("GET / HTTP/2.0\r\n\r\n"));
+    expectAnswer(400, "Neither HTTP/1.0 nor HTTP/1.1", send("GET / HTTP/1.2\r\n\r\n"));
+    EXPECT_EQ(400, send("GET /options HTTP/1.1 junk\r\n\r\n").status);
     EXPECT_EQ(400, send("nonsense\r\n\r\n").status);
     EXPECT_EQ(400, send(std::string("\x16\x03\x01\x02\x00\x01\n\n", 8)).status);
 }
@@ -299,13 +315,19 @@ TEST_F(HostileRequests, AClientThatExpects100ContinueGetsIt) {
     EXPECT_EQ(200, client.response().status);
 }
 
-TEST_F(HostileRequests, ASecondRequestOnTheSameConnectionIsNotServed) {
-    const std::string request =
+TEST_F(HostileRequests, ARequestBehindOneThatIsRefusedIsNotServed) {
+    const std::string second =
         "GET /options HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port()) + "\r\n\r\n";
-    HttpClient client(port());
-    client.send(request + request);
-    const std::string bytes = client.readToEnd();
-    EXPECT_EQ(bytes.find("HTTP/1.1 "), bytes.rfind("HTTP/1.1 "));
+    for (const std::string& first :
+         {head("Content-Length: 1, 1\r\n"), head("Transfer-Encoding: gzip\r\n"),
+          std::string("nonsense\r\n\r\n")}) {
+        SCOPED_TRACE(first);
+        HttpClient client(port());
+        client.send(first + second);
+        const std::string bytes = client.readToEnd();
+        EXPECT_EQ(0u, bytes.find("HTTP/1.1 400 "));
+        EXPECT_EQ(0u, bytes.rfind("HTTP/1.1 "));
+    }
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 /// POST /messages
 #include "service/support/HttpClient.hpp"
-#include "service/support/InProcessServer.hpp"
 #include "service/support/ServerProcess.hpp"
 
 #include <gtest/gtest.h>
@@ -11,7 +10,6 @@ using test::errorOf;
 using test::get;
 using test::getMessage;
 using test::HttpResponse;
-using test::InProcessServer;
 using test::post;
 using test::request;
 using test::ServerProcess;
@@ -60,7 +58,9 @@ TEST(PostMessages, ReportsAnInvalidMessageWithStatus400) {
 
 TEST(PostMessages, KeepsTheIdInAFailure) {
     const ServerProcess server;
-    EXPECT_EQ(R"({"id":7,"error":{"type":"std::invalid_argument","text":"Unknown message type: "}})"
+    EXPECT_EQ(R"({"id":7,"error":{"type":"std::invalid_argument","text":"Unknown message type: "},)"
+              R"("type":"about:blank","title":"Bad Request","status":400,)"
+              R"("detail":"Unknown message type: "})"
               "\n",
               post(server.port(), R"({"id":7})").body);
 }
@@ -72,17 +72,11 @@ TEST(PostMessages, ReportsAFailureOfTheConfigurationWithStatus422) {
         R"({"type":"connector/configuration/ConfigurationSet","message":{"key":"k","source":"nobody"}})");
     EXPECT_EQ(422, response.status);
     EXPECT_EQ(
-        R"({"error":{"type":"std::runtime_error","text":"Source not found or not writable: k, nobody"}})"
+        R"({"error":{"type":"std::runtime_error","text":"Source not found or not writable: k, nobody"},)"
+        R"("type":"about:blank","title":"Unprocessable Entity","status":422,)"
+        R"("detail":"Source not found or not writable: k, nobody","key":"k"})"
         "\n",
         response.body);
-}
-
-TEST(PostMessages, RespondsWithStatus503WhenTheServiceIsStopped) {
-    InProcessServer server;
-    server.stopMessages();
-    const HttpResponse response = post(server.port(), getMessage("a"));
-    EXPECT_EQ(503, response.status);
-    EXPECT_EQ("Service exists but is not running.", errorOf(response.body));
 }
 
 TEST(PostMessages, RespondsWithStatus200IfTheOptionIsMissing) {
@@ -103,7 +97,7 @@ TEST(PostMessages, DoesNotMaskSecretsInTheReplyToAGet) {
 TEST(Paths, UnknownOnesGet404) {
     const ServerProcess server;
     for (const char* path : {"/", "/message", "/messages/", "/Options", "/optionsx", "//options",
-                             "/watch/", "https://127.0.0.1/options", "*", "/../options"}) {
+                             "/watch/", "*", "/../options"}) {
         SCOPED_TRACE(path);
         EXPECT_EQ(404, request(server.port(), "GET", path).status);
     }
@@ -117,7 +111,7 @@ TEST(Paths, MeanTheSameInTheAbsoluteForm) {
     };
     EXPECT_EQ(get(server.port(), "/options").body, withRoot("/options").body);
     EXPECT_EQ(get(server.port(), "/options/a").body, withRoot("/options/a").body);
-    EXPECT_EQ(400, withRoot("/watch?key=a&key=b").status);
+    EXPECT_EQ(400, withRoot("/watch?x=a").status);
     EXPECT_EQ(404, withRoot("").status);
     EXPECT_EQ(404, withRoot("?key=a").status);
     EXPECT_EQ(403, get(server.port(), "http://elsewhere.example/options").status);
@@ -132,36 +126,37 @@ TEST(Methods, OthersThanThePathAllowsGet405AndAnAllowHeader) {
         const char* path;
         const char* allow;
     } rows[] = {
-        {__LINE__, "GET", "/messages", "POST"},     {__LINE__, "PUT", "/messages", "POST"},
-        {__LINE__, "OPTIONS", "/messages", "POST"}, {__LINE__, "POST", "/options", "GET"},
-        {__LINE__, "DELETE", "/options", "GET"},    {__LINE__, "PUT", "/options/a", "GET"},
-        {__LINE__, "POST", "/watch?key=a", "GET"},  {__LINE__, "get", "/options", "GET"},
-        {__LINE__, "NONSENSE", "/options", "GET"},
+        {__LINE__, "GET", "/messages", "POST"},
+        {__LINE__, "PUT", "/messages", "POST"},
+        {__LINE__, "OPTIONS", "/messages", "POST"},
+        {__LINE__, "POST", "/options", "GET, HEAD"},
+        {__LINE__, "DELETE", "/options", "GET, HEAD"},
+        {__LINE__, "POST", "/options/a", "GET, HEAD, PUT, DELETE"},
+        {__LINE__, "POST", "/watch?key=a", "GET, HEAD"},
+        {__LINE__, "get", "/options", "GET, HEAD"},
+        {__LINE__, "NONSENSE", "/options", "GET, HEAD"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
         const HttpResponse response = request(server.port(), row.method, row.path);
         EXPECT_EQ(405, response.status);
         EXPECT_EQ(row.allow, response.headers.at("allow"));
-        EXPECT_EQ(std::string("Method must be ") + row.allow, errorOf(response.body));
+        EXPECT_EQ(std::string("Method must be one of these: ") + row.allow, errorOf(response.body));
     }
 }
 
-TEST(Methods, TheResponseToHeadHasNoBody) {
-    const ServerProcess server;
-    const HttpResponse put = request(server.port(), "PUT", "/options");
-    const HttpResponse head = request(server.port(), "HEAD", "/options");
-    EXPECT_EQ(405, head.status);
-    EXPECT_EQ("GET", head.headers.at("allow"));
-    EXPECT_EQ(put.headers.at("content-length"), head.headers.at("content-length"));
-    EXPECT_EQ("", head.body);
-    for (const auto& response :
-         {request(server.port(), "HEAD", "/none"),
-          request(server.port(), "HEAD", "/options", "", {"Host: e.example"})}) {
-        EXPECT_EQ(4, response.status / 100);
-        EXPECT_TRUE(response.has("content-length"));
-        EXPECT_EQ("", response.body);
+TEST(Methods, HeadIsGetWithoutABody) {
+    const ServerProcess server({}, {"-s", "a=1"});
+    for (const char* path : {"/options", "/options/a", "/options/none", "/none", "/healthz"}) {
+        SCOPED_TRACE(path);
+        const HttpResponse whole = get(server.port(), path);
+        const HttpResponse head = request(server.port(), "HEAD", path);
+        EXPECT_EQ(whole.status, head.status);
+        EXPECT_EQ(whole.headers.at("content-length"), head.headers.at("content-length"));
+        EXPECT_EQ("", head.body);
     }
+    EXPECT_EQ(403, request(server.port(), "HEAD", "/options", "", {"Host: e.example"}).status);
+    EXPECT_EQ(405, request(server.port(), "HEAD", "/messages").status);
 }
 
 } // namespace

@@ -52,7 +52,7 @@ TEST(GetOptions, RespondsLikeShow) {
 
 TEST(GetOptions, RespondsWithAnEmptyArrayIfThereAreNoOptions) {
     const ServerProcess server;
-    EXPECT_EQ("[]\n", get(server.port(), "/options?anything").body);
+    EXPECT_EQ("[]\n", get(server.port(), "/options").body);
 }
 
 /// @return the peak memory of a process in KiB

@@ -48,14 +48,14 @@ TEST(Shutdown, CompletesEventStreams) {
         }
         EXPECT_EQ((Result{0, "", ""}), server.stop(signal));
         for (HttpClient& watcher : watchers)
-            EXPECT_EQ(std::string::npos, watcher.readToEnd().find("data"));
+            EXPECT_EQ("\nevent: end\ndata: {}\n\n", watcher.readToEnd());
     }
 }
 
 /// So that the tests do not wait for the default timeout.
 HttpLimits shortShutdown() {
     HttpLimits limits;
-    limits.timeouts.shutdown = std::chrono::milliseconds(50);
+    limits.shutdown = std::chrono::milliseconds(500);
     return limits;
 }
 
@@ -102,13 +102,25 @@ TEST(Shutdown, RespondsToRequestsInProgressWithStatus503) {
     late->send(body);
     EXPECT_EQ(503, late->response().status);
     late.reset(); // otherwise the server would wait for the client to close the connection
-    EXPECT_EQ((test::Result{0, "", ""}), server.stop());
+    EXPECT_EQ((test::Result{0, "", ""}), server.process().finish());
+}
+
+TEST(Shutdown, ASecondSignalEndsTheProgramAtOnce) {
+    ServerProcess server({}, {"-s", "k=1"});
+    HttpClient late(server.port());
+    late.send("GET /options HTTP/1.1\r\n"); // it is waited for
+    HttpClient watcher(server.port());
+    watcher.get("/watch?key=k");
+    EXPECT_NE("", watcher.readLineStartingWith("data: "));
+    server.process().signal(SIGTERM);
+    watcher.readToEnd(); // the shutdown has begun
+    EXPECT_EQ(128 + SIGTERM, server.stop().status);
 }
 
 TEST(Shutdown, DoesNotWaitForClientsThatHaveSentNothing) {
     HttpLimits longTimeouts;
-    longTimeouts.timeouts.request = std::chrono::hours(1);
-    longTimeouts.timeouts.shutdown = std::chrono::hours(1);
+    longTimeouts.connect = std::chrono::hours(1);
+    longTimeouts.shutdown = std::chrono::hours(1);
     InProcessServer server(longTimeouts);
     std::vector<HttpClient> silent;
     for (int i = 0; i < 20; ++i)

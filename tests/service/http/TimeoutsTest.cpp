@@ -19,8 +19,11 @@ using test::ServerProcess;
 
 HttpLimits shortTimeouts() {
     HttpLimits limits;
-    limits.timeouts.request = std::chrono::milliseconds(300);
-    limits.timeouts.close = std::chrono::milliseconds(300);
+    limits.connect = std::chrono::milliseconds(300);
+    limits.head = std::chrono::milliseconds(300);
+    limits.request = std::chrono::milliseconds(300);
+    limits.idle = std::chrono::milliseconds(300);
+    limits.close = std::chrono::milliseconds(300);
     return limits;
 }
 
@@ -49,6 +52,28 @@ TEST(Timeouts, AClientThatSendsNothingIsDisconnected) {
     EXPECT_EQ("", client.readToEnd());
 }
 
+TEST(Timeouts, AClientThatSendsNoFurtherRequestIsDisconnected) {
+    const InProcessServer server(shortTimeouts());
+    HttpClient client(server.port());
+    client.get("/options");
+    EXPECT_EQ(200, client.response().status);
+    EXPECT_EQ("", client.readToEnd());
+}
+
+TEST(Timeouts, AnEventStreamThatIsNotReadEnds) {
+    HttpLimits limits;
+    limits.stall = std::chrono::milliseconds(100);
+    const InProcessServer server(limits);
+    HttpClient client(server.port(), 4096);
+    client.get("/watch?key=k");
+    EXPECT_EQ("HTTP/1.1 200 OK", client.readLine());
+    server.configuration->set("k", std::string(5000000, 'x')).get();
+    while (get(server.port(), "/metrics").body.find("connector_event_streams 0\n") ==
+           std::string::npos) {
+    }
+    EXPECT_LT(client.readToEnd().size(), 5000000u);
+}
+
 TEST(Timeouts, SendingSingleBytesDoesNotExtendTheTimeout) {
     const InProcessServer server(shortTimeouts());
     HttpClient client(server.port());
@@ -64,12 +89,16 @@ TEST(Timeouts, SendingSingleBytesDoesNotExtendTheTimeout) {
 TEST(HttpLimits, DefaultsAreAsDocumented) {
     using std::chrono::seconds;
     const HttpLimits limits;
-    EXPECT_EQ(seconds(10), limits.timeouts.request);
-    EXPECT_EQ(seconds(60), limits.timeouts.response);
-    EXPECT_EQ(seconds(3), limits.timeouts.close);
-    EXPECT_EQ(seconds(2), limits.timeouts.shutdown);
-    EXPECT_EQ(seconds(15), limits.commentInterval);
-    EXPECT_EQ(4096u, limits.maxWatchers);
+    EXPECT_EQ(seconds(10), limits.connect);
+    EXPECT_EQ(seconds(10), limits.head);
+    EXPECT_EQ(seconds(30), limits.request);
+    EXPECT_EQ(seconds(60), limits.idle);
+    EXPECT_EQ(seconds(60), limits.stall);
+    EXPECT_EQ(seconds(3), limits.close);
+    EXPECT_EQ(seconds(5), limits.shutdown);
+    EXPECT_EQ(seconds(15), limits.comment);
+    EXPECT_EQ(32u * 1024, limits.headSize);
+    EXPECT_EQ(10000u, limits.connections);
 }
 
 TEST(Timeouts, IncompleteRequestsDoNotBlockOtherClients) {

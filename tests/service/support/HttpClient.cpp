@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <sstream>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -49,23 +48,6 @@ std::string envelope(const std::string& type, const std::string& message) {
 
 void PrintTo(const HttpResponse& response, std::ostream* out) {
     *out << response.status << ' ' << response.body;
-}
-
-HttpResponse parseResponse(const std::string& bytes) {
-    HttpResponse response;
-    std::istringstream text(bytes);
-    std::string line;
-    do { // skip 100 Continue
-        std::getline(text, line);
-        response.status = line.compare(0, 9, "HTTP/1.1 ") == 0 ? std::stoi(line.substr(9)) : 0;
-        while (std::getline(text, line) && !(line = withoutCarriageReturn(line)).empty())
-            response.headers[inLowerCase(line.substr(0, line.find(':')))] =
-                line.substr(std::min(line.find(':') + 2, line.size()));
-    } while (response.status == 100);
-    std::ostringstream body;
-    body << text.rdbuf();
-    response.body = body.str();
-    return response;
 }
 
 HttpClient::HttpClient(std::uint16_t newPort, int receiveBuffer)
@@ -145,6 +127,33 @@ std::string HttpClient::readToEnd() {
     return std::exchange(unread, {});
 }
 
+HttpResponse HttpClient::response() {
+    HttpResponse response;
+    do { // skip 100 Continue
+        response = HttpResponse();
+        const std::string status = readLine();
+        if (status.compare(0, 9, "HTTP/1.1 ") != 0)
+            return response;
+        response.status = std::stoi(status.substr(9));
+        for (std::string line; !(line = readLine()).empty();)
+            response.headers[inLowerCase(line.substr(0, line.find(':')))] =
+                line.substr(std::min(line.find(':') + 2, line.size()));
+    } while (response.status == 100);
+    response.body = readBody(response);
+    return response;
+}
+
+std::string HttpClient::readBody(const HttpResponse& response) {
+    if (!response.has("content-length"))
+        return readToEnd();
+    const std::size_t length = std::stoul(response.headers.at("content-length"));
+    while (unread.size() < length && readMore()) {
+    }
+    const std::string body = unread.substr(0, length);
+    unread.erase(0, body.size());
+    return body;
+}
+
 std::string HttpClient::readAvailable() {
     pollfd waiting{descriptor, POLLIN, 0};
     ::poll(&waiting, 1, 5);
@@ -175,15 +184,22 @@ HttpResponse request(std::uint16_t port, const std::string& method, const std::s
     }
     if (!hasHost)
         text += "Host: 127.0.0.1:" + std::to_string(port) + "\r\n";
-    if (method == "POST")
+    if (method == "POST" || method == "PUT")
         text += "Content-Length: " + std::to_string(body.size()) + "\r\n";
     HttpClient client(port);
-    client.send(text + "\r\n" + body);
-    return client.response();
+    client.send(text + "Connection: close\r\n\r\n" + body);
+    HttpResponse response = client.response();
+    if (method == "HEAD")
+        response.body = client.readToEnd(); // whatever is there is a fault
+    return response;
 }
 
 HttpResponse get(std::uint16_t port, const std::string& path, const Headers& headers) {
     return request(port, "GET", path, "", headers);
+}
+
+HttpResponse put(std::uint16_t port, const std::string& key, const std::string& body) {
+    return request(port, "PUT", "/options/" + key, body, {"Content-Type: application/json"});
 }
 
 HttpResponse post(std::uint16_t port, const std::string& body, const Headers& headers) {

@@ -19,9 +19,6 @@ struct HttpResponse {
 
 void PrintTo(const HttpResponse& response, std::ostream* out);
 
-/// @param bytes  everything that the server has sent
-HttpResponse parseResponse(const std::string& bytes);
-
 /// A connection. Waits at most a minute for the server.
 class HttpClient {
 public:
@@ -52,10 +49,12 @@ public:
     std::string readToEnd();
     /// @return what has arrived, or arrives within some milliseconds; may be empty
     std::string readAvailable();
-    HttpResponse response() { return parseResponse(readToEnd()); }
+    /// Reads one response, or everything up to the end if it does not tell its length.
+    HttpResponse response();
 
 private:
     bool readMore();
+    std::string readBody(const HttpResponse& response);
 
     const std::uint16_t port;
     int descriptor = -1;
@@ -68,6 +67,7 @@ using Headers = std::vector<std::string>; ///< "Name: value" each
 HttpResponse request(std::uint16_t port, const std::string& method, const std::string& path,
                      const std::string& body = "", const Headers& headers = {});
 HttpResponse get(std::uint16_t port, const std::string& path, const Headers& headers = {});
+HttpResponse put(std::uint16_t port, const std::string& key, const std::string& body);
 HttpResponse post(std::uint16_t port, const std::string& body, const Headers& headers = {});
 
 /// @return a request as JSON

@@ -2,23 +2,30 @@
 
 namespace test {
 
-using connector::service::Policy;
-using connector::service::RequestGuard;
-using connector::service::Secrets;
+using connector::service::HttpLimits;
+using connector::service::HttpOptions;
 
 namespace {
 
-constexpr int backlog = 64;
-
-Poco::Net::ServerSocket anyLoopbackPort() {
-    return {Poco::Net::SocketAddress("127.0.0.1", 0), backlog};
+HttpOptions optionsWith(const HttpLimits& limits) {
+    HttpOptions options;
+    options.writablePrefixes = {""};
+    options.limits = limits;
+    return options;
 }
 
 } // namespace
 
-InProcessServer::InProcessServer(const connector::service::HttpLimits& limits)
-    : socket(anyLoopbackPort()), service(*configuration, RequestGuard("", {}),
-                                         Policy({""}, {}, Secrets()), Secrets(), socket, limits) {
+InProcessServer::InProcessServer(const HttpLimits& limits) : InProcessServer(optionsWith(limits)) {
+}
+
+InProcessServer::InProcessServer(const HttpOptions& options) : service(configuration, options) {
+    service.start();
+}
+
+std::uint16_t InProcessServer::port() const {
+    const std::string url = service.urls().front();
+    return static_cast<std::uint16_t>(std::stoi(url.substr(url.rfind(':') + 1)));
 }
 
 } // namespace test

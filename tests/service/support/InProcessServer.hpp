@@ -1,11 +1,9 @@
-/// A server in the process of the test, which sets its limits and timeouts.
+/// A server in the process of the test, which sets its limits.
 #pragma once
 
-#include <connector/service/http/HttpService.hpp>
+#include <connector/service/HttpService.hpp>
 
 #include <connector/configuration/ConfigurationImpl.hpp>
-
-#include <Poco/Net/ServerSocket.h>
 
 #include <cstdint>
 #include <memory>
@@ -16,16 +14,13 @@ namespace test {
 class InProcessServer {
 public:
     explicit InProcessServer(const connector::service::HttpLimits& limits = {});
+    explicit InProcessServer(const connector::service::HttpOptions& options);
 
-    std::uint16_t port() const { return socket.address().port(); }
-    void stopMessages() { service.stopMessages(); }
-    void close() { service.close(); }
+    std::uint16_t port() const;
+    void close() { service.stop(); }
 
     const std::shared_ptr<connector::configuration::ConfigurationImpl> configuration =
         std::make_shared<connector::configuration::ConfigurationImpl>();
-
-private:
-    const Poco::Net::ServerSocket socket;
     connector::service::HttpService service;
 };
 

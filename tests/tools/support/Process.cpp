@@ -192,7 +192,8 @@ std::string Process::readLine(Pipe& pipe) {
 }
 
 void Process::signal(int number) {
-    ::kill(id, number);
+    if (id > 0) // otherwise the program has ended, and -1 would be every process there is
+        ::kill(id, number);
 }
 
 void Process::closeOutput() {

@@ -48,7 +48,7 @@ public:
     /// @return the same for standard error
     std::string readErrorLine() { return readLine(errors); }
 
-    void signal(int number);
+    void signal(int number); ///< does nothing once finish has returned
     pid_t processId() const { return id; }
     void closeOutput(); ///< closes our end of the pipe from its standard output
 

@@ -1,7 +1,10 @@
 #include "arguments/Arguments.hpp"
 
 #include "arguments/Help.hpp"
+#include "arguments/ListenAddress.hpp"
 #include "values/WrongArguments.hpp"
+
+#include <connector/service/text/Number.hpp>
 
 #include <CLI/CLI.hpp>
 
@@ -124,14 +127,22 @@ private:
     void addServe() {
         CLI::App* const serve = addCommand("serve", Command::Serve);
         addReload(*serve);
-        http = serve->add_option("--http", listenAddress)->type_name("HOST:PORT");
-        addRepeatable(*serve, "--writable", httpArguments.writablePrefixes, "PREFIX")->needs(http);
-        propertyRoot = serve->add_option("--property-root", httpArguments.propertyRoot.emplace())
-                           ->type_name("DIR")
-                           ->needs(http);
-        tokenFile = serve->add_option("--token-file", httpArguments.tokenFile.emplace())
-                        ->type_name("FILE")
-                        ->needs(http);
+        http = addRepeatable(*serve, "--http", listenAddresses, "HOST:PORT|unix:PATH");
+        addRepeatable(*serve, "--writable", httpOptions.writablePrefixes, "PREFIX")->needs(http);
+        addRepeatable(*serve, "--allow-host", httpOptions.allowedHosts, "NAME")->needs(http);
+        propertyRoot = addHttpOption(*serve, "--property-root", "DIR");
+        tokenFile = addHttpOption(*serve, "--token-file", "FILE");
+        maxFileSize = addHttpOption(*serve, "--max-file-size", "BYTES");
+        certificate = addHttpOption(*serve, "--tls-cert", "FILE");
+        key = addHttpOption(*serve, "--tls-key", "FILE");
+        clientAuthority = addHttpOption(*serve, "--client-ca", "FILE");
+        certificate->needs(key);
+        key->needs(certificate);
+        clientAuthority->needs(certificate);
+    }
+
+    CLI::Option* addHttpOption(CLI::App& serve, const char* name, const char* type) {
+        return serve.add_option(name, httpTexts[name])->type_name(type)->needs(http);
     }
 
     CLI::App* addCommand(const char* name, Command command) {
@@ -175,18 +186,33 @@ private:
     void collectHttp() {
         if (http->count() == 0)
             return;
-        httpArguments.address = parseListenAddress(unmarked(listenAddress));
-        unmarkAll(httpArguments.writablePrefixes);
-        keepIfGiven(propertyRoot, httpArguments.propertyRoot);
-        keepIfGiven(tokenFile, httpArguments.tokenFile);
-        arguments.http = std::move(httpArguments);
+        httpOptions.addresses.clear();
+        for (const std::string& address : listenAddresses)
+            httpOptions.addresses.push_back(parseListenAddress(unmarked(address)));
+        unmarkAll(httpOptions.writablePrefixes);
+        unmarkAll(httpOptions.allowedHosts);
+        httpOptions.propertyRoot = textOf(propertyRoot);
+        httpOptions.tokenFile = textOf(tokenFile);
+        if (const auto size = textOf(maxFileSize))
+            httpOptions.maxFileSize = parseSize(*size);
+        if (certificate->count() > 0)
+            httpOptions.tls = {*textOf(certificate), *textOf(key),
+                               textOf(clientAuthority).value_or("")};
+        arguments.http = std::move(httpOptions);
     }
 
-    static void keepIfGiven(const CLI::Option* option, std::optional<std::string>& text) {
+    static std::uintmax_t parseSize(const std::string& text) {
+        const auto size = connector::service::readNumber<std::uintmax_t>(text);
+        if (!size)
+            throw WrongArguments("Not a number of bytes: " + text);
+        return *size;
+    }
+
+    /// @return nothing if the option was not given
+    static std::optional<std::string> textOf(const CLI::Option* option) {
         if (option->count() == 0)
-            text.reset();
-        else
-            text = unmarked(*text);
+            return std::nullopt;
+        return unmarked(option->results().front());
     }
 
     /// Keeps the order of sources of different kinds on the command line.
@@ -221,8 +247,13 @@ private:
     CLI::Option* http;
     CLI::Option* propertyRoot;
     CLI::Option* tokenFile;
-    std::string listenAddress;
-    HttpArguments httpArguments;
+    CLI::Option* maxFileSize;
+    CLI::Option* certificate;
+    CLI::Option* key;
+    CLI::Option* clientAuthority;
+    std::vector<std::string> listenAddresses;
+    std::map<std::string, std::string> httpTexts; // of options with one value
+    connector::service::HttpOptions httpOptions;
 };
 
 } // namespace

@@ -4,7 +4,8 @@
 #include "arguments/Assignment.hpp"
 #include "arguments/EnvironmentArgument.hpp"
 #include "arguments/FileArgument.hpp"
-#include "arguments/HttpArguments.hpp"
+
+#include <connector/service/HttpOptions.hpp>
 
 #include <optional>
 #include <string>
@@ -27,12 +28,12 @@ struct Arguments {
     std::string information; ///< output of --help or --version; if not empty, the rest is unset
 
     Command command{};
-    std::string key;                   ///< of explain
-    std::string prefix;                ///< of keys and show; empty for all
-    std::vector<std::string> keys;     ///< of get and watch
-    bool forShell = false;             ///< of get: whether to write assignments for a shell
-    bool followsFiles = false;         ///< of watch and serve: whether to reload changed files
-    std::optional<HttpArguments> http; ///< of serve; none for standard input
+    std::string key;               ///< of explain
+    std::string prefix;            ///< of keys and show; empty for all
+    std::vector<std::string> keys; ///< of get and watch
+    bool forShell = false;         ///< of get: whether to write assignments for a shell
+    bool followsFiles = false;     ///< of watch and serve: whether to reload changed files
+    std::optional<connector::service::HttpOptions> http; ///< of serve; none for standard input
 
     std::vector<SourceArgument> sources; ///< in the order given
     std::vector<std::string> secrets;    ///< globs of keys whose values are masked

@@ -28,13 +28,21 @@ Commands:
   serve                  reads messages from standard input, one JSON object
                          per line, and writes replies to standard output
       --reload           reloads files when they change
-  serve --http HOST:PORT [HTTP OPTIONS]
-                         the same over HTTP, until SIGINT or SIGTERM
+  serve --http HOST:PORT|unix:PATH [HTTP OPTIONS]
+                         the same over HTTP, until SIGINT or SIGTERM; may be
+                         repeated
       --writable PREFIX  clients may set keys that begin with PREFIX; may be
                          repeated; an empty PREFIX allows all keys
       --property-root DIR
                          clients may add property files below DIR
+      --max-file-size BYTES
+                         of such a file; by default 64 MiB
       --token-file FILE  clients must send the token in FILE
+      --allow-host NAME  clients may reach the service by NAME, for example
+                         behind a proxy; may be repeated
+      --tls-cert FILE --tls-key FILE
+                         TLS with this certificate and its key
+      --client-ca FILE   clients need a certificate of this authority
 
 Sources, added in the order given:
   -f, --file FILE        a property, JSON, YAML or TOML file, read-only; FILE

@@ -1,18 +1,16 @@
-/// Parses HOST:PORT.
+/// Parses HOST:PORT and unix:PATH.
 #pragma once
 
-#include <cstdint>
+#include <connector/service/HttpOptions.hpp>
+
 #include <string>
 
 namespace connector_config {
 
-struct ListenAddress {
-    std::string host;       ///< a name, or an address without brackets; 127.0.0.1 by default
-    std::uint16_t port = 0; ///< 0 for any free port
-};
+using connector::service::ListenAddress;
 
-/// @param text  HOST:PORT, [ADDRESS]:PORT, :PORT or PORT
-/// @throws WrongArguments "Not of the form HOST:PORT: " + text
+/// @param text  HOST:PORT, [ADDRESS]:PORT, :PORT, PORT, or unix:PATH
+/// @throws WrongArguments "Not of the form HOST:PORT or unix:PATH: " + text
 ListenAddress parseListenAddress(const std::string& text);
 
 } // namespace connector_config

@@ -12,11 +12,15 @@ using connector::sources::FileSource;
 using connector::sources::FileWatcher;
 using connector::sources::TableChange;
 
-FileReloading::FileReloading(const NamedFiles& files, bool newFollows, OnReload newOnReload)
+FileReloading::FileReloading(const NamedFiles& files, bool newFollows, OnReload newOnReload,
+                             const OnHangup& onHangup)
     : follows(newFollows), onReload(std::move(newOnReload)) {
     for (const std::shared_ptr<NamedFile>& file : files)
         add(file);
-    hangup.emplace([this] { reloadAll(); }); // only now: a signal may have arrived already
+    const auto reload = [this] { reloadAll(); };
+    hangup.emplace([reload, onHangup] { // only now: a signal may have arrived already
+        onHangup ? onHangup(reload) : reload();
+    });
 }
 
 FileReloading::~FileReloading() = default;

@@ -26,14 +26,17 @@ enum class ReloadResult { Succeeded, Failed };
 class FileReloading {
 public:
     using OnReload = std::function<void(ReloadResult)>;
+    using OnHangup = std::function<void(const std::function<void()>& reload)>;
 
     /// blockHangup must have been called before. The threads of this object block all signals. They
     /// run the reloads, and therefore everything that the sources' watchers call.
     /// @param newFollows   whether to reload a file when it changes
     /// @param newOnReload  called for each reload that is reported, possibly on several threads at
     ///                     the same time; must not throw
+    /// @param newOnHangup  called for SIGHUP in place of `reload`, which it calls; must not throw
     /// @throws std::system_error when the system's limit of watches or threads is reached
-    FileReloading(const NamedFiles& files, bool newFollows, OnReload newOnReload = {});
+    FileReloading(const NamedFiles& files, bool newFollows, OnReload newOnReload = {},
+                  const OnHangup& onHangup = {});
 
     /// Waits for reloads in progress. Must not be called from a reload; the same holds for remove.
     ~FileReloading();

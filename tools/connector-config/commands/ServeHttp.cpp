@@ -1,16 +1,17 @@
 #include "commands/ServeHttp.hpp"
 
 #include "commands/FileReloading.hpp"
+#include "commands/SystemdNotifier.hpp"
 #include "display/Output.hpp"
 
-#include <connector/service/http/HttpService.hpp>
-
-#include <Poco/Exception.h>
-#include <Poco/Net/ServerSocket.h>
+#include <connector/service/HttpService.hpp>
 
 #include <algorithm>
 #include <csignal>
-#include <stdexcept>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <string>
 
 #include <pthread.h>
 #include <sys/resource.h>
@@ -18,15 +19,9 @@
 namespace connector_config {
 
 using connector::configuration::ConfigurationImpl;
+using connector::service::HttpOptions;
 using connector::service::HttpService;
-using connector::service::Policy;
-using connector::service::PropertyRoot;
-using connector::service::readToken;
-using connector::service::RequestGuard;
-using connector::service::Secrets;
-using connector::service::Token;
-using Poco::Net::ServerSocket;
-using Poco::Net::SocketAddress;
+using connector::service::ListenAddress;
 
 namespace {
 
@@ -49,6 +44,9 @@ public:
         }
     }
 
+    /// From now on, the next signal ends the process at once.
+    void unblock() const { pthread_sigmask(SIG_UNBLOCK, &signals, nullptr); }
+
 private:
     sigset_t signals{};
 };
@@ -62,53 +60,65 @@ void raiseDescriptorLimit() {
     ::setrlimit(RLIMIT_NOFILE, &limit); // on failure, fewer clients can connect
 }
 
-ServerSocket listen(const ListenAddress& address) {
-    constexpr int backlog = 1024;
-    try {
-        ServerSocket socket;
-        // Without SO_REUSEPORT, which would let other processes listen on the same port.
-        socket.bind(SocketAddress(address.host, address.port), true, false);
-        socket.listen(backlog);
-        return socket;
-    } catch (const Poco::Exception& error) {
-        throw std::runtime_error("Cannot listen on " + address.host + ":" +
-                                 std::to_string(address.port) + ": " + error.displayText());
+bool isLoopback(const ListenAddress& address) {
+    return address.host == "localhost" || address.host == "::1" ||
+           address.host.compare(0, 4, "127.") == 0;
+}
+
+/// Every client that reaches the address may read everything but secrets.
+void warnIfOpen(const HttpOptions& options) {
+    const bool needsCredentials =
+        options.tokenFile || (options.tls && !options.tls->clientAuthority.empty());
+    if (needsCredentials)
+        return;
+    for (const ListenAddress& address : options.addresses) {
+        if (!address.isUnix() && !isLoopback(address))
+            printError("Warning: every machine that reaches " + address.host +
+                       " may read the options; --token-file FILE or --client-ca FILE would "
+                       "prevent that");
     }
 }
 
-std::optional<Token> tokenOf(const HttpArguments& arguments) {
-    if (!arguments.tokenFile)
-        return std::nullopt;
-    return readToken(*arguments.tokenFile);
-}
-
-Policy policyOf(const HttpArguments& arguments, const Secrets& secrets) {
-    std::optional<PropertyRoot> root;
-    if (arguments.propertyRoot)
-        root.emplace(*arguments.propertyRoot);
-    return Policy(arguments.writablePrefixes, root, secrets);
+void reloadTls(HttpService& service) {
+    try {
+        service.reloadTls();
+    } catch (const std::exception& failure) {
+        printError(failure.what());
+    }
 }
 
 } // namespace
 
-void serveHttp(ConfigurationImpl& configuration, const Arguments& arguments,
+void serveHttp(const std::shared_ptr<ConfigurationImpl>& configuration, const Arguments& arguments,
                const NamedFiles& files) {
-    const HttpArguments& http = *arguments.http;
-    const Secrets secrets(arguments.secrets);
-    RequestGuard guard(http.address.host, tokenOf(http));
-    Policy policy = policyOf(http, secrets);
-    const ServerSocket socket = listen(http.address);
+    HttpOptions options = *arguments.http;
+    options.secretGlobs = arguments.secrets;
+    raiseDescriptorLimit();
+    HttpService service(configuration, options);
     // Only now, because reading the token and resolving the host can block, and the signals must
     // interrupt that.
     const TerminationSignals signals;
-    raiseDescriptorLimit();
-    HttpService service(configuration, std::move(guard), std::move(policy), secrets, socket);
-    // Ends before the service, because a reload calls the service's subscribers.
-    const FileReloading reloading(files, arguments.followsFiles);
+    warnIfOpen(options);
+    service.start();
+    // Ends before the service, because a reload calls the service's listeners.
+    const SystemdNotifier systemd;
+    const FileReloading reloading(
+        files, arguments.followsFiles,
+        [&](ReloadResult result) { service.countReload(result == ReloadResult::Succeeded); },
+        [&](const std::function<void()>& reload) {
+            systemd.reloading();
+            reload();
+            reloadTls(service);
+            systemd.ready();
+        });
 
-    writeOutput("listening on http://" + socket.address().toString() + '\n');
+    for (const std::string& url : service.urls())
+        writeOutput("listening on " + url + '\n');
+    systemd.ready();
     signals.wait();
-    service.close();
+    systemd.stopping();
+    signals.unblock();
+    service.stop();
 }
 
 } // namespace connector_config

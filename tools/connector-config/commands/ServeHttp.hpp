@@ -6,6 +6,8 @@
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
+#include <memory>
+
 namespace connector_config {
 
 /// Writes the listening address to standard output, serves clients and reloads files until SIGINT
@@ -15,7 +17,7 @@ namespace connector_config {
 /// @param files      of the sources; blockHangup must have been called before they were read
 /// @throws std::runtime_error  the token file, the property root or the address cannot be used
 /// @throws OutputError
-void serveHttp(connector::configuration::ConfigurationImpl& configuration,
+void serveHttp(const std::shared_ptr<connector::configuration::ConfigurationImpl>& configuration,
                const Arguments& arguments, const NamedFiles& files);
 
 } // namespace connector_config

@@ -1,0 +1,64 @@
+/// The configuration of a running process, over HTTP.
+#pragma once
+
+#include <connector/service/HttpOptions.hpp>
+
+#include <connector/configuration/ConfigurationImpl.hpp>
+#include <connector/service/Export.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace connector::service {
+
+/// Serves a configuration to other processes, on threads of its own. Clients may read everything
+/// but secrets; every change must be allowed by an option. The routes are described in
+/// docs/messages.md.
+///
+/// The functions may be called from any thread, but not at the same time, except for those that say
+/// otherwise. None is called from a callback of the configuration's.
+class CONNECTOR_SERVICE_EXPORT HttpService {
+public:
+    /// Reads the files of the options, and listens. Nobody is served yet.
+    /// @param configuration  not null
+    /// @throws std::runtime_error "Cannot listen on " + address + ": " + reason;
+    ///         "Token file could not be read: " + path and others of readToken's;
+    ///         "Not a directory: " + path; "TLS file could not be used: " + path + ": " + reason;
+    ///         "TLS key does not fit the certificate: " + path
+    HttpService(const std::shared_ptr<configuration::ConfigurationImpl>& configuration,
+                const HttpOptions& options);
+
+    /// Stops, without waiting for requests in progress.
+    ~HttpService();
+
+    HttpService(const HttpService&) = delete;
+    HttpService& operator=(const HttpService&) = delete;
+
+    /// Serves clients from now on.
+    /// @throws std::system_error  no thread can be started
+    void start();
+
+    /// Accepts nobody any more, ends all event streams with an event, and waits for the requests in
+    /// progress, at most for HttpLimits::shutdown. Does nothing the second time.
+    void stop();
+
+    /// @return where clients reach the service, in the order of the options: "http://HOST:PORT",
+    ///         "https://HOST:PORT" or "unix:PATH", with the port that was chosen
+    std::vector<std::string> urls() const;
+
+    /// Uses the TLS files as they are now, for connections from now on. May be called while other
+    /// functions run.
+    /// @throws std::runtime_error  as the constructor; the files that were read before stay in use
+    void reloadTls();
+
+    /// Counts a file that was read again, for GET /metrics. May be called while other functions
+    /// run.
+    void countReload(bool succeeded) noexcept;
+
+private:
+    class Impl;
+    const std::unique_ptr<Impl> impl;
+};
+
+} // namespace connector::service

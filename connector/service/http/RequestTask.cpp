@@ -1,0 +1,31 @@
+#include <connector/service/http/RequestTask.hpp>
+
+#include <connector/service/messages/Reply.hpp>
+
+#include <new>
+
+namespace connector::service {
+
+Response responseTo(const Request& request) {
+    try {
+        return request.operation->handler(request);
+    } catch (const HttpError& error) {
+        return problemResponse(error);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception& error) { // of the configuration
+        return problemResponse(Status::unprocessable_entity, errorJson(error), error.what(),
+                               request.key);
+    } catch (...) {
+        return problemResponse(HttpError(Status::unprocessable_entity, "Unknown failure"));
+    }
+}
+
+void RequestTask::work() noexcept {
+    try {
+        response = responseTo(request);
+    } catch (...) { // no memory; the connection says so
+    }
+}
+
+} // namespace connector::service

@@ -1,0 +1,36 @@
+/// Responses that all clients share who wait for them at the same time.
+#pragma once
+
+#include <connector/service/http/RequestTask.hpp>
+#include <connector/service/network/Workers.hpp>
+#include <connector/service/protocol/Request.hpp>
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace connector::service {
+
+/// A list of many options takes long to make. While a worker makes one, later requests for the same
+/// wait; then one more is made for all of them. So each gets what was true after it asked, and a
+/// thousand clients cost two lists. Used by the network thread only.
+class SharedResponses {
+public:
+    explicit SharedResponses(Workers& newWorkers) : workers(newWorkers) {}
+
+    /// @param target  equal for equal requests
+    void request(const std::string& target, Request request, RequestTask::Done done);
+
+private:
+    using Waiting = std::vector<RequestTask::Done>;
+
+    void make(const std::string& target, const std::shared_ptr<const Request>& request,
+              Waiting waiting);
+    void finish(const std::string& target, const std::shared_ptr<const Request>& request) noexcept;
+
+    Workers& workers;
+    std::unordered_map<std::string, Waiting> later; // by the targets that are being made
+};
+
+} // namespace connector::service
