@@ -3,13 +3,16 @@
 # Rooms whose headers are not installed
 set(connector_private_rooms
     connector/configuration/properties
+    connector/configuration/properties/lint
     connector/configuration/registry
     connector/configuration/watching)
 
-# Private headers that are installed, because public headers include them
+# Headers of private rooms that are installed: public headers include them, or applications do
 set(connector_installed_private_headers
     connector/async/detail/Errors.hpp
     connector/async/detail/PreallocatedResults.hpp
+    connector/configuration/properties/Finding.hpp
+    connector/configuration/properties/Lint.hpp
     connector/configuration/registry/ConfigurationSourceMap.hpp
     connector/configuration/sources/detail/OwnTable.hpp
     connector/configuration/sources/detail/SnapshotSource.hpp

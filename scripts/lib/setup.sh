@@ -26,6 +26,7 @@ base_packages=(
     ninja-build
     nlohmann-json3-dev
     openapi-specification
+    openjdk-17-jdk-headless
     openssl
     pkg-config
     python3

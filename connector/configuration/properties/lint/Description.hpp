@@ -1,0 +1,20 @@
+/// Says in words what the two readers make of a part of a file.
+#pragma once
+
+#include <connector/configuration/properties/lint/Comparison.hpp>
+
+#include <string>
+#include <string_view>
+
+namespace connector::configuration::properties::detail {
+
+/// @return the text on one line: what is no UTF-8 and what is a control character as <0xHH> or
+///         <U+HHHH>, and at most the first sixty bytes
+std::string shown(std::string_view text);
+
+/// @param segment  one that differs
+/// @return what the library reads, what java.util.Properties reads, and how to write it so that
+///         both agree
+std::string describe(const Comparison& files, const Segment& segment);
+
+} // namespace connector::configuration::properties::detail
