@@ -5,6 +5,7 @@
 #include <connector/configuration/properties/lint/Explanation.hpp>
 #include <connector/configuration/properties/lint/Fixer.hpp>
 #include <connector/configuration/properties/lint/Habits.hpp>
+#include <connector/configuration/properties/lint/Lines.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -16,31 +17,6 @@ namespace {
 
 using namespace detail;
 
-/// The lines of a text, which end with LF, CR LF or CR.
-class Lines {
-public:
-    explicit Lines(std::string_view text) : starts{0} {
-        for (std::size_t i = text.find_first_of("\r\n"); i < text.size();
-             i = text.find_first_of("\r\n", i)) {
-            i += text.compare(i, 2, "\r\n") == 0 ? 2 : 1;
-            starts.push_back(i);
-        }
-    }
-
-    /// @return the number of the line, from 1
-    std::size_t lineOf(std::size_t offset) const {
-        return static_cast<std::size_t>(std::upper_bound(starts.begin(), starts.end(), offset) -
-                                        starts.begin());
-    }
-
-    std::size_t columnOf(std::size_t offset) const {
-        return offset - starts[lineOf(offset) - 1] + 1;
-    }
-
-private:
-    std::vector<std::size_t> starts;
-};
-
 std::string readAll(std::istream& stream) {
     std::string text;
     char buffer[4096];
@@ -50,12 +26,12 @@ std::string readAll(std::istream& stream) {
 }
 
 /// @return the differences, in the order of the file
-std::vector<Reason> differences(const Comparison& files) {
+std::vector<Reason> differences(const Comparison& files, const IsSecret& isSecret) {
     std::vector<Reason> all;
     for (const Segment& segment : files.segments) {
         if (!segment.differs)
             continue;
-        const std::string description = describe(files, segment);
+        const std::string description = describe(files, segment, isSecret);
         for (Reason& reason : explain(files, segment)) {
             reason.text += ": " + description;
             all.push_back(std::move(reason));
@@ -67,12 +43,15 @@ std::vector<Reason> differences(const Comparison& files) {
 } // namespace
 
 std::vector<Finding> lint(std::istream& properties) {
+    return lint(properties, [](std::string_view) { return false; });
+}
+
+std::vector<Finding> lint(std::istream& properties, const IsSecret& isSecret) {
     const std::string text = readAll(properties);
     const Comparison files = compare(text);
     const Lines lines(text);
-    std::vector<Reason> reasons = differences(files);
-    std::vector<Reason> others =
-        habits(files, [&lines](std::size_t offset) { return lines.lineOf(offset); });
+    std::vector<Reason> reasons = differences(files, isSecret);
+    std::vector<Reason> others = habits(files, lines, isSecret);
     std::move(others.begin(), others.end(), std::back_inserter(reasons));
     std::stable_sort(reasons.begin(), reasons.end(), [](const Reason& left, const Reason& right) {
         return std::tie(left.offset, left.rule) < std::tie(right.offset, right.rule);
@@ -84,8 +63,19 @@ std::vector<Finding> lint(std::istream& properties) {
     return findings;
 }
 
-std::string fixed(std::string_view properties) {
-    return withoutDifferences(properties);
+std::string fixed(std::string_view properties, const std::set<Rule>& ignored) {
+    return withoutDifferences(properties, ignored);
+}
+
+std::vector<PlacedProperty> placedProperties(std::string_view text) {
+    const Lines lines(text);
+    std::vector<PlacedProperty> result;
+    for (const LibraryProperty& property : readAsLibrary(text).properties) {
+        if (property.isStored)
+            result.push_back({decoded(text, property.key), decoded(text, property.value),
+                              lines.lineOf(property.start), lines.columnOf(property.start)});
+    }
+    return result;
 }
 
 } // namespace connector::configuration::properties

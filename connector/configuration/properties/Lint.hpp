@@ -5,7 +5,10 @@
 #include <connector/Export.hpp>
 #include <connector/configuration/properties/Finding.hpp>
 
+#include <cstddef>
+#include <functional>
 #include <istream>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,12 +31,33 @@ namespace connector::configuration::properties {
 /// @throws what the stream throws where its exceptions are switched on
 CONNECTOR_EXPORT std::vector<Finding> lint(std::istream& properties);
 
+/// Whether the value of a key is secret.
+using IsSecret = std::function<bool(std::string_view key)>;
+
+/// The same, but the texts show ****** for all values on a line with a secret key.
+/// @param isSecret  called during the function, with the keys of either reader
+/// @throws also what isSecret throws
+CONNECTOR_EXPORT std::vector<Finding> lint(std::istream& properties, const IsSecret& isSecret);
+
 /// Rewrites the lines on which the two readers differ, so that both read what the library reads in
 /// the given text. All other lines stay byte for byte. A property that the library loses at the end
 /// of the file becomes a comment.
 ///
 /// What no text can say to both, escaped halves of surrogate pairs, stays as it is. Without them,
 /// `lint` finds no difference in the result. May be called from any thread.
-CONNECTOR_EXPORT std::string fixed(std::string_view properties);
+/// @param ignored  a line on which only these rules are broken stays as it is
+CONNECTOR_EXPORT std::string fixed(std::string_view properties, const std::set<Rule>& ignored = {});
+
+/// A property as PropertyFileSource stores it, and the place of its key.
+struct PlacedProperty {
+    std::string key;
+    std::string value;
+    std::size_t line;   ///< from 1
+    std::size_t column; ///< in bytes, from 1
+};
+
+/// May be called from any thread.
+/// @return the properties in the order of the text. Of equal keys, the last one counts.
+CONNECTOR_EXPORT std::vector<PlacedProperty> placedProperties(std::string_view properties);
 
 } // namespace connector::configuration::properties

@@ -81,6 +81,16 @@ bool isRefused(const Comparison& files, const Segment& segment) {
                        });
 }
 
+bool hasSecret(const Reading& reading, const std::function<bool(std::string_view)>& isSecret) {
+    return std::any_of(reading.properties.begin(), reading.properties.end(),
+                       [&isSecret](const auto& property) { return isSecret(property.first); });
+}
+
+void hideValues(Reading& reading) {
+    for (auto& property : reading.properties)
+        property.second = hiddenValue;
+}
+
 template <typename Show>
 std::string list(const Reading& reading, const char* between, Show show) {
     std::string text;
@@ -135,9 +145,14 @@ std::string shown(std::string_view text) {
     return result;
 }
 
-std::string describe(const Comparison& files, const Segment& segment) {
-    const Reading library = ofLibrary(files, segment);
-    const Reading convention = ofConvention(files, segment);
+std::string describe(const Comparison& files, const Segment& segment,
+                     const std::function<bool(std::string_view)>& isSecret) {
+    Reading library = ofLibrary(files, segment);
+    Reading convention = ofConvention(files, segment);
+    if (hasSecret(library, isSecret) || hasSecret(convention, isSecret)) {
+        hideValues(library);
+        hideValues(convention);
+    }
     const bool refused = isRefused(files, segment);
     return "the library reads " + properties(library) + ", java.util.Properties " +
            (refused ? "refuses the file" : "reads " + properties(convention)) + "; " +

@@ -3,6 +3,7 @@
 
 #include <connector/configuration/properties/lint/Comparison.hpp>
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -12,9 +13,14 @@ namespace connector::configuration::properties::detail {
 ///         <U+HHHH>, and at most the first sixty bytes
 std::string shown(std::string_view text);
 
+/// What stands for a secret value.
+inline constexpr const char* hiddenValue = "******";
+
 /// @param segment  one that differs
+/// @param isSecret  whether a key is secret; if one of the segment is, no value of it is shown
 /// @return what the library reads, what java.util.Properties reads, and how to write it so that
 ///         both agree
-std::string describe(const Comparison& files, const Segment& segment);
+std::string describe(const Comparison& files, const Segment& segment,
+                     const std::function<bool(std::string_view)>& isSecret);
 
 } // namespace connector::configuration::properties::detail

@@ -2,9 +2,12 @@
 
 #include <connector/configuration/properties/lint/Characters.hpp>
 #include <connector/configuration/properties/lint/Comparison.hpp>
+#include <connector/configuration/properties/lint/Explanation.hpp>
 #include <connector/configuration/properties/lint/Writing.hpp>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace connector::configuration::properties::detail {
 
@@ -20,8 +23,8 @@ std::string_view lineBreakAt(std::string_view text, std::size_t position) {
 
 class Fixer {
 public:
-    explicit Fixer(std::string_view newText)
-        : text(newText), files(compare(newText)),
+    Fixer(std::string_view newText, const std::set<Rule>& newIgnored)
+        : text(newText), ignored(newIgnored), files(compare(newText)),
           defaultBreak(
               lineBreakAt(newText, std::min(newText.find_first_of("\r\n"), newText.size()))) {
         if (defaultBreak.empty())
@@ -30,7 +33,7 @@ public:
 
     std::string fix() {
         for (const Segment& segment : files.segments) {
-            if (segment.differs)
+            if (segment.differs && !isIgnored(segment))
                 rewrite(segment);
             else
                 result += text.substr(segment.begin, segment.end - segment.begin);
@@ -39,6 +42,15 @@ public:
     }
 
 private:
+    bool isIgnored(const Segment& segment) const {
+        if (ignored.empty())
+            return false;
+        const std::vector<Reason> reasons = explain(files, segment);
+        return std::all_of(reasons.begin(), reasons.end(), [this](const Reason& reason) {
+            return ignored.count(reason.rule) != 0;
+        });
+    }
+
     void rewrite(const Segment& segment) {
         std::size_t position = segment.begin;
         for (std::size_t i = segment.firstOfLibrary; i < segment.lastOfLibrary; ++i) {
@@ -73,6 +85,7 @@ private:
     }
 
     const std::string_view text;
+    const std::set<Rule>& ignored;
     const Comparison files;
     std::string_view defaultBreak;
     std::string result;
@@ -80,8 +93,8 @@ private:
 
 } // namespace
 
-std::string withoutDifferences(std::string_view text) {
-    return Fixer(text).fix();
+std::string withoutDifferences(std::string_view text, const std::set<Rule>& ignored) {
+    return Fixer(text, ignored).fix();
 }
 
 } // namespace connector::configuration::properties::detail

@@ -13,7 +13,7 @@ namespace connector::configuration::properties::detail {
 
 namespace {
 
-using LineOf = std::function<std::size_t(std::size_t)>;
+using IsSecret = std::function<bool(std::string_view)>;
 
 std::string lowerCase(std::string text) {
     for (char& c : text) {
@@ -25,8 +25,8 @@ std::string lowerCase(std::string text) {
 
 class HabitFinder {
 public:
-    HabitFinder(const Comparison& newFiles, const LineOf& newLineOf)
-        : files(newFiles), lineOf(newLineOf) {}
+    HabitFinder(const Comparison& newFiles, const Lines& newLines, const IsSecret& newIsSecret)
+        : files(newFiles), lines(newLines), isSecret(newIsSecret) {}
 
     std::vector<Reason> find() {
         for (const LibraryProperty& property : files.library.properties) {
@@ -48,7 +48,7 @@ private:
         reasons.push_back({offset, rule, std::move(text)});
     }
 
-    std::string lineText(std::size_t offset) const { return std::to_string(lineOf(offset)); }
+    std::string lineText(std::size_t offset) const { return std::to_string(lines.lineOf(offset)); }
 
     void checkKey(const LibraryProperty& property) {
         std::string key = decoded(files.text, property.key);
@@ -69,15 +69,17 @@ private:
     }
 
     void checkValue(const LibraryProperty& property, const std::string& value) {
+        const std::string text =
+            isSecret(decoded(files.text, property.key)) ? hiddenValue : shown(value);
         const bool isQuoted = value.size() >= 2 && value.front() == value.back() &&
                               (value.front() == '"' || value.front() == '\'');
         if (isQuoted)
             add(property.valueStart, Rule::Suspicious,
-                "the quotation marks belong to the value " + shown(value));
+                "the quotation marks belong to the value " + text);
         const std::size_t placeholder = value.find("${");
         if (placeholder != std::string::npos && value.find('}', placeholder) != std::string::npos)
             add(placeholderOffset(property), Rule::Suspicious,
-                "a placeholder is not replaced: the value is " + shown(value));
+                "a placeholder is not replaced: the value is " + text);
     }
 
     std::size_t placeholderOffset(const LibraryProperty& property) const {
@@ -103,7 +105,8 @@ private:
     }
 
     const Comparison& files;
-    const LineOf& lineOf;
+    const Lines& lines;
+    const IsSecret& isSecret;
     std::unordered_map<std::string, std::size_t> lastOfKey;         // its offset
     std::unordered_map<std::string, std::size_t> firstIgnoringCase; // its offset
     std::vector<Reason> reasons;
@@ -111,8 +114,8 @@ private:
 
 } // namespace
 
-std::vector<Reason> habits(const Comparison& files, const LineOf& lineOf) {
-    return HabitFinder(files, lineOf).find();
+std::vector<Reason> habits(const Comparison& files, const Lines& lines, const IsSecret& isSecret) {
+    return HabitFinder(files, lines, isSecret).find();
 }
 
 } // namespace connector::configuration::properties::detail

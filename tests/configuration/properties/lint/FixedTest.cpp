@@ -63,6 +63,14 @@ TEST(Fixed, WhatNoTextCanSayStays) {
     EXPECT_EQ("a=x\\ud83dt\n", fixed("a==x\\ud83d\\t\n"));
 }
 
+TEST(Fixed, ALineOnWhichOnlyIgnoredRulesAreBrokenStays) {
+    using connector::configuration::properties::Rule;
+    const std::string text = "a=\\t\nb==c\nc==\\t\n";
+    EXPECT_EQ("a=\\t\nb=c\nc=t\n", fixed(text, {Rule::Escape}));
+    EXPECT_EQ("a=t\nb==c\nc=t\n", fixed(text, {Rule::SecondSeparator}));
+    EXPECT_EQ(text, fixed(text, {Rule::Escape, Rule::SecondSeparator}));
+}
+
 TEST(Fixed, WithoutAFindingNothingChanges) {
     for (const std::string text : {"", "a=b", " # c", "a==b\na=c\n", "\xEF\xBB\xBF"})
         EXPECT_EQ(text, fixed(text));

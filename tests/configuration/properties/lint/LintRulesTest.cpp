@@ -274,6 +274,23 @@ TEST(LintRules, ATextSaysWhatEachReadsAndHowToWriteIt) {
     }
 }
 
+TEST(LintRules, ASecretValueIsNotShown) {
+    for (const std::string text :
+         {"my.password==s3cret\n", " my.password=s3cret\n", "my.password=\"s3cret\"\n",
+          "my.password=${s3cret}\n", "next\nmy.password=s3cret\n", "my.password=s3\\cret\\t\n"}) {
+        SCOPED_TRACE(text);
+        std::istringstream stream(text);
+        const std::vector<Finding> findings = properties::lint(stream, [](std::string_view key) {
+            return key.find("password") != std::string_view::npos;
+        });
+        EXPECT_FALSE(findings.empty());
+        for (const Finding& finding : findings) {
+            EXPECT_EQ(std::string::npos, finding.text.find("cret")) << finding.text;
+            EXPECT_NE(std::string::npos, finding.text.find("******")) << finding.text;
+        }
+    }
+}
+
 TEST(LintRules, LongTextsAreShortened) {
     const std::string text = lint("a==" + std::string(10000, 'x') + "\n").at(0).text;
     EXPECT_LT(text.size(), 500u);
@@ -298,6 +315,18 @@ TEST(LintRules, ALongLineTakesTimeInProportion) {
     for (int i = 0; i < 200'000; ++i)
         separators += "k\n";
     EXPECT_EQ(200'000u, lint(separators).size());
+}
+
+TEST(LintRules, APlacedPropertyIsWhereItsKeyIs) {
+    const auto placed = properties::placedProperties("# c\na=b\r\n c=d\nlost=");
+    ASSERT_EQ(2u, placed.size());
+    EXPECT_EQ("a", placed[0].key);
+    EXPECT_EQ("b", placed[0].value);
+    EXPECT_EQ(2u, placed[0].line);
+    EXPECT_EQ("", placed[1].key);
+    EXPECT_EQ("c=d", placed[1].value);
+    EXPECT_EQ(3u, placed[1].line);
+    EXPECT_EQ(1u, placed[1].column);
 }
 
 TEST(LintRules, AReadErrorCountsAsTheEnd) {
