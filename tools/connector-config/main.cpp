@@ -3,6 +3,7 @@
 #include "ExitStatus.hpp"
 #include "arguments/Arguments.hpp"
 #include "arguments/Help.hpp"
+#include "commands/Check.hpp"
 #include "commands/Commands.hpp"
 #include "commands/FileReloading.hpp"
 #include "commands/HangupThread.hpp"
@@ -57,8 +58,16 @@ ExitStatus runCommand(const std::shared_ptr<ConfigurationImpl>& shared, const Ar
     case Command::Serve:
         serve(shared, arguments, files);
         break;
+    case Command::Check:
+        break; // needs no configuration
     }
     return Success;
+}
+
+ExitStatus statusOf(CheckResult result) {
+    if (result == CheckResult::Clean)
+        return Success;
+    return result == CheckResult::Findings ? Failure : UsageError;
 }
 
 ExitStatus run(const Arguments& arguments) {
@@ -66,6 +75,8 @@ ExitStatus run(const Arguments& arguments) {
         writeOutput(arguments.information);
         return Success;
     }
+    if (arguments.command == Command::Check)
+        return statusOf(check(arguments.check, Secrets(arguments.secrets)));
     if (arguments.command == Command::Watch || arguments.command == Command::Serve)
         blockHangup(); // before the files are read, so that no signal ends the program
     const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))

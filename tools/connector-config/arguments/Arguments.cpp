@@ -1,5 +1,6 @@
 #include "arguments/Arguments.hpp"
 
+#include "arguments/CheckOptions.hpp"
 #include "arguments/Help.hpp"
 #include "arguments/ListenAddress.hpp"
 #include "values/WrongArguments.hpp"
@@ -68,6 +69,7 @@ public:
         addCommand("explain", Command::Explain)->add_option("KEY", arguments.key)->required();
         addWatch();
         addServe();
+        checkOptions.declare(*addCommand("check", Command::Check));
     }
 
     Arguments parse(int argc, const char* const argv[]) {
@@ -87,6 +89,8 @@ public:
         if (arguments.forShell && arguments.json)
             throw WrongArguments("--export excludes --json");
         collectHttp();
+        if (arguments.command == Command::Check)
+            arguments.check = checkOptions.collect(arguments.json, unmarked);
         return std::move(arguments);
     }
 
@@ -254,6 +258,7 @@ private:
     std::vector<std::string> listenAddresses;
     std::map<std::string, std::string> httpTexts; // of options with one value
     connector::service::HttpOptions httpOptions;
+    CheckOptions checkOptions;
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "arguments/Assignment.hpp"
+#include "arguments/CheckArguments.hpp"
 #include "arguments/EnvironmentArgument.hpp"
 #include "arguments/FileArgument.hpp"
 
@@ -22,7 +23,7 @@ struct TableAssignment {
 
 using SourceArgument = std::variant<FileArgument, EnvironmentArgument, TableAssignment>;
 
-enum class Command { Get, Keys, Show, Explain, Watch, Serve };
+enum class Command { Get, Keys, Show, Explain, Watch, Serve, Check };
 
 struct Arguments {
     std::string information; ///< output of --help or --version; if not empty, the rest is unset
@@ -34,6 +35,7 @@ struct Arguments {
     bool forShell = false;         ///< of get: whether to write assignments for a shell
     bool followsFiles = false;     ///< of watch and serve: whether to reload changed files
     std::optional<connector::service::HttpOptions> http; ///< of serve; none for standard input
+    CheckArguments check;          ///< of check
 
     std::vector<SourceArgument> sources; ///< in the order given
     std::vector<std::string> secrets;    ///< globs of keys whose values are masked

@@ -43,6 +43,16 @@ Commands:
       --tls-cert FILE --tls-key FILE
                          TLS with this certificate and its key
       --client-ca FILE   clients need a certificate of this authority
+  check FILE...          what a file says to the library and not, or otherwise,
+                         to java.util.Properties, as FILE:LINE:COLUMN lines;
+                         "-" is standard input; JSON, YAML and TOML files are
+                         parsed
+      --schema FILE      also checks keys and values against a JSON Schema
+      --disable RULE     not this rule; may be repeated
+      --sarif            one SARIF document
+      --fix              rewrites lines so that both read what the library
+                         reads now
+      --diff             shows what --fix would change
 
 Sources, added in the order given:
   -f, --file FILE        a property, JSON, YAML or TOML file, read-only; FILE
@@ -80,8 +90,9 @@ For all commands, before or after the command:
 
 Exit status:
   0  success
-  1  no such option, a file that cannot be read, or another failure
-  2  invalid arguments
+  1  no such option, a file that cannot be read, or another failure; check:
+     there are findings
+  2  invalid arguments; check: also a file that cannot be read
 
 Examples:
   connector-config -f site.properties get net.port
@@ -90,6 +101,7 @@ Examples:
   connector-config -f site.yaml --env APP_ show
   connector-config -f site.properties -d log.level=info explain log.level
   printf '%s\n' 'set net.port=1' quit | connector-config watch net.port
+  connector-config check site.properties
   connector-config -f site.properties serve --reload --http 127.0.0.1:8080
 )";
 }

@@ -149,14 +149,15 @@ std::string describe(const Comparison& files, const Segment& segment,
                      const std::function<bool(std::string_view)>& isSecret) {
     Reading library = ofLibrary(files, segment);
     Reading convention = ofConvention(files, segment);
-    if (hasSecret(library, isSecret) || hasSecret(convention, isSecret)) {
+    const bool isHidden = hasSecret(library, isSecret) || hasSecret(convention, isSecret);
+    if (isHidden) {
         hideValues(library);
         hideValues(convention);
     }
     const bool refused = isRefused(files, segment);
     return "the library reads " + properties(library) + ", java.util.Properties " +
-           (refused ? "refuses the file" : "reads " + properties(convention)) + "; " +
-           advice(library, convention, refused);
+           (refused ? "refuses the file" : "reads " + properties(convention)) +
+           (isHidden ? "" : "; " + advice(library, convention, refused));
 }
 
 } // namespace connector::configuration::properties::detail

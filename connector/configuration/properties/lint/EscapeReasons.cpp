@@ -40,7 +40,8 @@ const Piece* escapeAt(const Pieces& escapes, std::size_t offset) {
 }
 
 std::string controlText(char letter) {
-    return std::string("\\") + letter + " is the letter " + letter + ", not a control character";
+    return std::string("\\") + letter + " is the letter " + letter +
+           ", not a control character, and \\\\ is a backslash";
 }
 
 /// Compares what both read as an escape. @return a text, empty if they agree

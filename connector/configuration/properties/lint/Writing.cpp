@@ -19,11 +19,12 @@ bool isControl(char c) {
     return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
 }
 
-/// Appends a character that stands in the middle of a value.
+/// Appends a character of a key or a value. Control characters are escaped, also those that need
+/// it only in some places: everybody can see an escape.
 void appendPlain(std::string& line, char c) {
     if (c == '\\')
         line += "\\\\";
-    else if (isControl(c) && c != '\t')
+    else if (isControl(c))
         appendUnit(line, static_cast<unsigned char>(c));
     else
         line += c;
@@ -32,10 +33,6 @@ void appendPlain(std::string& line, char c) {
 /// Appends the first character of a value, or of a line that continues one: it must not look like
 /// a part of the separator.
 void appendFirst(std::string& line, char c) {
-    if (c == '\t') {
-        appendUnit(line, '\t');
-        return;
-    }
     if (c == ' ' || isAssignment(c))
         line += '\\';
     appendPlain(line, c);
@@ -43,7 +40,7 @@ void appendFirst(std::string& line, char c) {
 
 void appendInKey(std::string& line, char c) {
     const bool isFirst = line.empty();
-    if (c == '\t' || c == ' ' || isAssignment(c) || (isFirst && isCommentSign(c)))
+    if (c == ' ' || isAssignment(c) || (isFirst && isCommentSign(c)))
         line += '\\';
     appendPlain(line, c);
 }

@@ -153,7 +153,8 @@ TEST(LintRules, LostAtEnd) {
         {__LINE__, "=b", "1:1 lost-at-end"},
         {__LINE__, "a=b\\", "1:1 lost-at-end"},
         {__LINE__, "a\\", "1:1 lost-at-end"},
-        {__LINE__, "a =", ""}, // kept, unlike "a="
+        {__LINE__, "a==\\t\\", "1:1 lost-at-end"}, // whatever else is wrong with it
+        {__LINE__, "a =", ""},                     // kept, unlike "a="
     });
 }
 
@@ -200,6 +201,7 @@ TEST(LintRules, OnlyALineThatMattersIsReported) {
     expectRows({
         {__LINE__, "a==b\na=c\n", "2:1 duplicate-key"},
         {__LINE__, "a=c\na==b\n", "2:1 duplicate-key, 2:3 second-separator"},
+        {__LINE__, "a==b\na==c\n", "2:1 duplicate-key, 2:3 second-separator"},
         // An empty key with an empty value comes from the one line here, from the other there.
         {__LINE__, " \n\\", ""},
     });
@@ -250,7 +252,8 @@ TEST(LintRules, ATextSaysWhatEachReadsAndHowToWriteIt) {
          "write "
          "key\\u000Aa=b or key= and a=b"},
         {__LINE__, "a=\\t\n",
-         "\\t is the letter t, not a control character: the library reads \"a\" = \"t\", "
+         "\\t is the letter t, not a control character, and \\\\ is a backslash: the library reads "
+         "\"a\" = \"t\", "
          "java.util.Properties reads \"a\" = \"<U+0009>\"; for both to agree, write a=t or "
          "a=\\u0009"},
         {__LINE__, "a=",

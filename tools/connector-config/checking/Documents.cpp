@@ -1,0 +1,54 @@
+#include "checking/Documents.hpp"
+
+#include "arguments/CheckRules.hpp"
+
+#include <connector/sources/FileSource.hpp>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace connector_config {
+
+using connector::sources::FileError;
+using connector::sources::FileSource;
+
+namespace {
+
+/// @return the text of the error without the path and the place in front of it
+std::string textOf(const FileError& error, const std::string& path) {
+    const std::string place =
+        ':' + std::to_string(error.line()) + ':' + std::to_string(error.column()) + ": ";
+    const std::string text = error.what();
+    for (const std::string& prefix : {path + place, path + ": "}) {
+        if (text.compare(0, prefix.size(), prefix) == 0)
+            return text.substr(prefix.size());
+    }
+    return text;
+}
+
+} // namespace
+
+bool isDocument(const std::string& name) {
+    std::string extension = std::filesystem::path(name).extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    });
+    const char* const known[] = {".json", ".yaml", ".yml", ".toml"};
+    return std::find(std::begin(known), std::end(known), extension) != std::end(known);
+}
+
+Document readDocument(const std::string& path) {
+    Document document;
+    try {
+        const FileSource source(path);
+        for (const auto& [key, value] : *source.table())
+            document.table.emplace(key, value);
+    } catch (const FileError& error) {
+        document.syntaxError = {std::max<std::size_t>(error.line(), 1),
+                                std::max<std::size_t>(error.column(), 1), std::string(syntaxRule),
+                                textOf(error, path)};
+    }
+    return document;
+}
+
+} // namespace connector_config
