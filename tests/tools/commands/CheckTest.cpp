@@ -26,8 +26,8 @@ std::string contentOf(const std::filesystem::path& path) {
 /// @return what is written for a finding of "a==b" in line 1
 std::string finding(const std::string& file) {
     return file + ":1:3: warning: the second separator is dropped: the library reads \"a\" = "
-                  "\"b\", java.util.Properties reads \"a\" = \"=b\"; for both to agree, write a=b "
-                  "or a=\\=b [second-separator]\n";
+                  "\"b\", java.util.Properties reads \"a\" = \"=b\"; write a=b for both to read "
+                  "the former, or a=\\=b for both to read the latter [second-separator]\n";
 }
 
 /// @return the places and the rules of what check writes

@@ -18,7 +18,8 @@ constexpr std::size_t most = 3;     // properties
 /// What one of the readers has in a segment.
 struct Reading {
     std::vector<std::pair<std::string, std::string>> properties;
-    bool isText = true; ///< whether a file can say it to both
+    bool isText = true;   ///< whether a file can say it to both
+    bool hasLost = false; ///< whether the end of the file loses a property
 };
 
 std::string hex(unsigned number, int digits) {
@@ -34,30 +35,48 @@ bool isControl(std::string_view character) {
     return first < 0x20 || first == 0x7F || isC1;
 }
 
-unsigned codePointOf(std::string_view controlCharacter) {
-    return static_cast<unsigned char>(controlCharacter.back());
+unsigned byteAt(std::string_view text, std::size_t i) {
+    return static_cast<unsigned char>(text[i]);
 }
 
-bool isUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t length = utf8Length(text);
-        if (length == 0)
-            return false;
-        text.remove_prefix(length);
-    }
-    return true;
+constexpr std::size_t lengthOfHalf = 3;
+
+/// @return whether the text begins with a half of a surrogate pair in the layout of UTF-8
+bool isHalf(std::string_view text) {
+    return text.size() >= lengthOfHalf && text[0] == '\xED' && byteAt(text, 1) >= 0xA0 &&
+           utf8Length(text) == 0;
+}
+
+/// @param character  well-formed, a half, or a single byte that is neither
+std::string shownCharacter(std::string_view character) {
+    if (isHalf(character))
+        return "<U+" +
+               hex(0xD000 | (byteAt(character, 1) & 0x3F) << 6 | (byteAt(character, 2) & 0x3F), 4) +
+               '>';
+    if (utf8Length(character) == 0)
+        return "<0x" + hex(byteAt(character, 0), 2) + '>';
+    if (isControl(character))
+        return "<U+" + hex(byteAt(character, character.size() - 1), 4) + '>';
+    return std::string(character);
+}
+
+bool hasSurrogate(std::string_view text, const Pieces& pieces) {
+    return std::any_of(pieces.begin(), pieces.end(), [text](const Piece& piece) {
+        return piece.kind == Piece::Kind::Unicode && isSurrogate(unitOf(text, piece));
+    });
 }
 
 Reading ofLibrary(const Comparison& files, const Segment& segment) {
     Reading reading;
     for (std::size_t i = segment.firstOfLibrary; i < segment.lastOfLibrary; ++i) {
         const LibraryProperty& property = files.library.properties[i];
+        reading.hasLost = reading.hasLost || !property.isStored;
         if (!property.isStored)
             continue;
         reading.properties.emplace_back(decoded(files.text, property.key),
                                         decoded(files.text, property.value));
-        const auto& [key, value] = reading.properties.back();
-        reading.isText = reading.isText && isUtf8(key) && isUtf8(value);
+        reading.isText = reading.isText && !hasSurrogate(files.text, property.key) &&
+                         !hasSurrogate(files.text, property.value);
     }
     return reading;
 }
@@ -67,8 +86,7 @@ Reading ofConvention(const Comparison& files, const Segment& segment) {
     for (std::size_t i = segment.firstOfConvention; i < segment.lastOfConvention; ++i) {
         const ConventionProperty& property = files.convention.properties[i];
         reading.properties.emplace_back(property.key.bytes, property.value.bytes);
-        reading.isText =
-            reading.isText && isUtf8(property.key.bytes) && isUtf8(property.value.bytes);
+        reading.isText = reading.isText && !property.key.hasHalf && !property.value.hasHalf;
     }
     return reading;
 }
@@ -99,11 +117,13 @@ std::string list(const Reading& reading, const char* between, Show show) {
     return text + (reading.properties.size() > most ? " ..." : "");
 }
 
-std::string properties(const Reading& reading) {
+/// @param hasHalf  whether three bytes may be a half of a surrogate pair
+std::string properties(const Reading& reading, bool hasHalf) {
     if (reading.properties.empty())
         return "nothing";
-    return list(reading, ", ", [](const auto& property) {
-        return '"' + shown(property.first) + "\" = \"" + shown(property.second) + '"';
+    return list(reading, ", ", [hasHalf](const auto& property) {
+        return '"' + shown(property.first, hasHalf) + "\" = \"" + shown(property.second, hasHalf) +
+               '"';
     });
 }
 
@@ -119,28 +139,27 @@ std::string lines(const Reading& reading) {
 std::string advice(const Reading& library, const Reading& convention, bool isConventionRefused) {
     const bool hasLibrary = library.isText;
     const bool hasConvention = convention.isText && !isConventionRefused;
+    const std::string former = lines(library) + " for both to read the former";
+    const std::string latter = lines(convention) + (library.hasLost ? " and a line break" : "") +
+                               " for both to read the latter";
     if (hasLibrary && hasConvention)
-        return "for both to agree, write " + lines(library) + " or " + lines(convention);
+        return "write " + former + ", or " + latter;
     if (hasLibrary || hasConvention)
-        return "for both to agree, write " + lines(hasLibrary ? library : convention);
-    return "no text says either to both";
+        return "write " + (hasLibrary ? former : latter);
+    return "no file can make both agree on either";
 }
 
 } // namespace
 
-std::string shown(std::string_view text) {
+std::string shown(std::string_view text, bool hasHalf) {
     std::string result;
-    for (std::size_t i = 0; i < text.size();) {
+    while (!text.empty()) {
         if (result.size() >= longest)
             return result + "...";
-        const std::size_t length = utf8Length(text.substr(i));
-        if (length == 0)
-            result += "<0x" + hex(static_cast<unsigned char>(text[i]), 2) + '>';
-        else if (isControl(text.substr(i, length)))
-            result += "<U+" + hex(codePointOf(text.substr(i, length)), 4) + '>';
-        else
-            result += text.substr(i, length);
-        i += std::max<std::size_t>(length, 1);
+        const std::size_t length =
+            hasHalf && isHalf(text) ? lengthOfHalf : std::max<std::size_t>(utf8Length(text), 1);
+        result += shownCharacter(text.substr(0, length));
+        text.remove_prefix(length);
     }
     return result;
 }
@@ -155,8 +174,8 @@ std::string describe(const Comparison& files, const Segment& segment,
         hideValues(convention);
     }
     const bool refused = isRefused(files, segment);
-    return "the library reads " + properties(library) + ", java.util.Properties " +
-           (refused ? "refuses the file" : "reads " + properties(convention)) +
+    return "the library reads " + properties(library, false) + ", java.util.Properties " +
+           (refused ? "refuses the file" : "reads " + properties(convention, !convention.isText)) +
            (isHidden ? "" : "; " + advice(library, convention, refused));
 }
 

@@ -10,8 +10,9 @@
 namespace connector::configuration::properties::detail {
 
 /// @return the text on one line: what is no UTF-8 and what is a control character as <0xHH> or
-///         <U+HHHH>, and at most the first sixty bytes
-std::string shown(std::string_view text);
+///         <U+HHHH>, and at most about the first sixty bytes
+/// @param hasHalf  whether what looks like a half of a surrogate pair is one
+std::string shown(std::string_view text, bool hasHalf = false);
 
 /// What stands for a secret value.
 inline constexpr const char* hiddenValue = "******";

@@ -9,6 +9,7 @@
 #include <connector/configuration/properties/StreamCursor.hpp>
 #include <connector/configuration/properties/lint/ConventionReader.hpp>
 #include <connector/configuration/properties/lint/LibraryReader.hpp>
+#include <connector/configuration/properties/lint/Writing.hpp>
 
 #include <gtest/gtest.h>
 
@@ -170,6 +171,19 @@ TEST(LintDifferential, NoDifferenceIsWithoutAReason) {
     });
 }
 
+TEST(LintDifferential, ALineThatIsWrittenSaysTheSameToBoth) {
+    const std::vector<std::string> files = allFiles();
+    forGeneratedFiles(files, [&files](std::size_t i) {
+        const std::string bytes = generatedBytes(static_cast<unsigned>(i));
+        for (const auto& [key, value] : readByLibrary(bytes)) {
+            const std::string line = properties::detail::written(key, value) + '\n';
+            SCOPED_TRACE(testing::PrintToString(line));
+            EXPECT_EQ((Table{{key, value}}), readByLibrary(line));
+            EXPECT_FALSE(hasDifference(lint(line)));
+        }
+    });
+}
+
 TEST(LintDifferential, AFixedFileHasTheSameTableAndOnlyWhatNoTextCanSay) {
     const std::vector<std::string> files = allFiles();
     const auto check = [](const std::string& text) {
@@ -189,6 +203,21 @@ TEST(LintDifferential, AFixedFileHasTheSameTableAndOnlyWhatNoTextCanSay) {
         const std::string bytes = generatedBytes(static_cast<unsigned>(i));
         SCOPED_TRACE(testing::PrintToString(bytes));
         check(bytes);
+    });
+}
+
+TEST(LintDifferential, JavaReadsAFixedFileAsTheLibraryReadTheOldOne) {
+    if (!hasJava())
+        GTEST_SKIP() << "There is no Java compiler";
+    const std::vector<std::string> files = allFiles();
+    std::vector<std::string> results;
+    for (const std::string& file : files)
+        results.push_back(properties::fixed(file));
+    const auto tables = readByJava(results);
+    forGeneratedFiles(files, [&](std::size_t i) {
+        if (!hasDifference(lint(results[i]))) {
+            EXPECT_EQ(unicodeTable(readByLibrary(files[i])), tables[i]);
+        }
     });
 }
 

@@ -214,6 +214,8 @@ TEST(LintRules, DuplicateKey) {
     });
     EXPECT_EQ("the key \"a\" is also given on line 1; the value on line 3 replaces that one",
               lint("a=b\n\na=c\n").at(0).text);
+    EXPECT_EQ("the key \"a\" is also given on line 3; the value on line 4 replaces that one",
+              lint("a=b\n\na=c\na=d\n").at(1).text);
 }
 
 TEST(LintRules, NotUtf8) {
@@ -245,31 +247,31 @@ TEST(LintRules, ATextSaysWhatEachReadsAndHowToWriteIt) {
     } rows[] = {
         {__LINE__, "a==b\n",
          "the second separator is dropped: the library reads \"a\" = \"b\", java.util.Properties "
-         "reads \"a\" = \"=b\"; for both to agree, write a=b or a=\\=b"},
+         "reads \"a\" = \"=b\"; write a=b for both to read the former, or a=\\=b for both to read "
+         "the latter"},
         {__LINE__, "key\na=b\n",
          "a line without a separator runs on into the next: the library reads \"key<U+000A>a\" = "
-         "\"b\", java.util.Properties reads \"key\" = \"\", \"a\" = \"b\"; for both to agree, "
-         "write "
-         "key\\u000Aa=b or key= and a=b"},
+         "\"b\", java.util.Properties reads \"key\" = \"\", \"a\" = \"b\"; write key\\u000Aa=b for "
+         "both to read the former, or key= and a=b for both to read the latter"},
         {__LINE__, "a=\\t\n",
          "\\t is the letter t, not a control character, and \\\\ is a backslash: the library reads "
-         "\"a\" = \"t\", "
-         "java.util.Properties reads \"a\" = \"<U+0009>\"; for both to agree, write a=t or "
-         "a=\\u0009"},
+         "\"a\" = \"t\", java.util.Properties reads \"a\" = \"<U+0009>\"; write a=t for both to "
+         "read the former, or a=\\u0009 for both to read the latter"},
         {__LINE__, "a=",
          "the last property of the file is lost: the library reads nothing, java.util.Properties "
-         "reads \"a\" = \"\"; for both to agree, write a comment or a="},
+         "reads \"a\" = \"\"; write a comment for both to read the former, or a= and a line break "
+         "for both to read the latter"},
         {__LINE__, "a=\\u41\n",
          "\\u is not followed by four hexadecimal digits: the library reads \"a\" = "
-         "\"A\", java.util.Properties refuses the file; for both to agree, write a=A"},
+         "\"A\", java.util.Properties refuses the file; write a=A for both to read the former"},
         {__LINE__, "a=\\ud83d\\ude00\n",
          "a half of a surrogate pair is stored on its own: the library reads \"a\" = "
          "\"<0xED><0xA0><0xBD><0xED><0xB8><0x80>\", java.util.Properties reads \"a\" = "
-         "\"\xF0\x9F\x98\x80\"; for both to agree, write a=\xF0\x9F\x98\x80"},
+         "\"\xF0\x9F\x98\x80\"; write a=\xF0\x9F\x98\x80 for both to read the latter"},
         {__LINE__, "a=\\ud83d\n",
          "a half of a surrogate pair is stored on its own: the library reads \"a\" = "
-         "\"<0xED><0xA0><0xBD>\", java.util.Properties reads \"a\" = \"<0xED><0xA0><0xBD>\"; no "
-         "text says either to both"},
+         "\"<0xED><0xA0><0xBD>\", java.util.Properties reads \"a\" = \"<U+D83D>\"; no file can "
+         "make both agree on either"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
