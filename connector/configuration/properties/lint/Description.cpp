@@ -60,9 +60,11 @@ std::string shownCharacter(std::string_view character) {
     return std::string(character);
 }
 
-bool hasSurrogate(std::string_view text, const Pieces& pieces) {
+/// @return whether escapes make bytes that are no UTF-8
+bool isNoText(std::string_view text, const Pieces& pieces) {
     return std::any_of(pieces.begin(), pieces.end(), [text](const Piece& piece) {
-        return piece.kind == Piece::Kind::Unicode && isSurrogate(unitOf(text, piece));
+        return piece.kind == Piece::Kind::Unicode &&
+               (isSurrogate(unitOf(text, piece)) || splitsCharacter(text, piece));
     });
 }
 
@@ -75,8 +77,8 @@ Reading ofLibrary(const Comparison& files, const Segment& segment) {
             continue;
         reading.properties.emplace_back(decoded(files.text, property.key),
                                         decoded(files.text, property.value));
-        reading.isText = reading.isText && !hasSurrogate(files.text, property.key) &&
-                         !hasSurrogate(files.text, property.value);
+        reading.isText = reading.isText && !isNoText(files.text, property.key) &&
+                         !isNoText(files.text, property.value);
     }
     return reading;
 }

@@ -152,6 +152,15 @@ bool isComplete(std::string_view text, const Piece& piece) {
     return digitsOf(text, piece).size() == 4;
 }
 
+bool splitsCharacter(std::string_view text, const Piece& piece) {
+    const std::size_t end = piece.offset + piece.length;
+    for (std::size_t start = piece.offset + 2; start < end; ++start) {
+        if (utf8Length(text.substr(start)) > end - start)
+            return true;
+    }
+    return false;
+}
+
 std::string decoded(std::string_view text, const Pieces& pieces) {
     std::string result;
     for (const Piece& piece : pieces) {

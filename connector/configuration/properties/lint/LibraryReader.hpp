@@ -48,6 +48,9 @@ unsigned unitOf(std::string_view text, const Piece& piece);
 /// @return whether a Unicode piece has its four digits
 bool isComplete(std::string_view text, const Piece& piece);
 
+/// @return whether a Unicode piece ends inside of a character, whose rest is then no UTF-8
+bool splitsCharacter(std::string_view text, const Piece& piece);
+
 /// @return the key or the value that the library stores
 std::string decoded(std::string_view text, const Pieces& pieces);
 

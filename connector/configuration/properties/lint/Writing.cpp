@@ -71,16 +71,17 @@ std::string writtenValue(std::string_view value) {
     return line;
 }
 
-/// @return whether an escape is read alike, so that it can stay
-bool isCommon(std::string_view text, const Piece& piece) {
+/// @return whether an escape is read alike, so that it can stay. One that takes a part of a
+/// character has to stay: the rest alone is no text.
+bool canStay(std::string_view text, const Piece& piece) {
     if (piece.kind == Piece::Kind::Unicode)
-        return isComplete(text, piece);
+        return isComplete(text, piece) || splitsCharacter(text, piece);
     const char escaped = text[piece.offset + 1];
     return controlCharacter(escaped) == '\0' && !isLineBreak(escaped);
 }
 
 void appendEscape(std::string& line, std::string_view text, const Piece& piece) {
-    if (isCommon(text, piece))
+    if (canStay(text, piece))
         line += text.substr(piece.offset, piece.length);
     else if (piece.kind == Piece::Kind::Unicode)
         appendUnit(line, unitOf(text, piece));

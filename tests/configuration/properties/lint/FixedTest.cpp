@@ -61,6 +61,8 @@ TEST(Fixed, ARewrittenLastLineGetsTheLineBreakOfTheFile) {
 TEST(Fixed, WhatNoTextCanSayStays) {
     EXPECT_EQ("a=\\ud83d\\uDE00\n", fixed("a=\\ud83d\\uDE00\n"));
     EXPECT_EQ("a=x\\ud83dt\n", fixed("a==x\\ud83d\\t\n"));
+    // The library takes three digits and the first byte of the character.
+    EXPECT_EQ("a=\\u123\xC3\xA9t\n", fixed("a==\\u123\xC3\xA9\\t\n"));
 }
 
 TEST(Fixed, ALineOnWhichOnlyIgnoredRulesAreBrokenStays) {
