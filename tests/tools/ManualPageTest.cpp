@@ -1,4 +1,6 @@
-/// Runs the examples in docs/connector-config.md in the root of the checkout.
+/// Runs the examples of docs/connector-config.md in the root of the checkout, and those of
+/// docs/checking-files.md, which write files, in an empty directory.
+#include "support/TemporaryDirectory.hpp"
 #include "tools/support/ConsoleExamples.hpp"
 #include "tools/support/Program.hpp"
 
@@ -10,14 +12,25 @@ namespace {
 
 using test::Example;
 
-TEST(ManualPage, ExamplesPrintWhatThePageShows) {
-    std::filesystem::current_path(PROJECT_ROOT);
-    const test::ConsoleExamples page("docs/connector-config.md");
-    EXPECT_GE(page.examples.size(), 12u);
+void expectExamples(const std::string& document, std::size_t fewest) {
+    const test::ConsoleExamples page(PROJECT_ROOT "/" + document);
+    EXPECT_GE(page.examples.size(), fewest);
     for (const Example& example : page.examples) {
-        SCOPED_TRACE("docs/connector-config.md:" + std::to_string(example.line));
+        SCOPED_TRACE(document + ":" + std::to_string(example.line));
         EXPECT_EQ(example.output, test::runInShell(example.command)) << example.command;
     }
+}
+
+TEST(ManualPage, ExamplesPrintWhatThePageShows) {
+    std::filesystem::current_path(PROJECT_ROOT);
+    expectExamples("docs/connector-config.md", 12);
+}
+
+TEST(ManualPage, ExamplesOfCheckingPrintWhatThePageShows) {
+    const test::TemporaryDirectory directory;
+    std::filesystem::current_path(directory.path);
+    expectExamples("docs/checking-files.md", 8);
+    std::filesystem::current_path(PROJECT_ROOT);
 }
 
 } // namespace

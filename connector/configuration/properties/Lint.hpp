@@ -44,7 +44,8 @@ CONNECTOR_EXPORT std::vector<Finding> lint(std::istream& properties, const IsSec
 /// of the file becomes a comment.
 ///
 /// What no text can say to both stays as it is: escaped halves of surrogate pairs, and malformed
-/// escapes that take a part of a character. Without them, `lint` finds no difference in the result. May be called from any thread.
+/// escapes that take a part of a character. Without them, `lint` finds no difference in the result.
+/// May be called from any thread.
 /// @param ignored  a line on which only these rules are broken stays as it is
 CONNECTOR_EXPORT std::string fixed(std::string_view properties, const std::set<Rule>& ignored = {});
 

@@ -55,6 +55,8 @@ std::string shownCharacter(std::string_view character) {
                '>';
     if (utf8Length(character) == 0)
         return "<0x" + hex(byteAt(character, 0), 2) + '>';
+    if (character == byteOrderMark)
+        return "<U+FEFF>"; // it has no width
     if (isControl(character))
         return "<U+" + hex(byteAt(character, character.size() - 1), 4) + '>';
     return std::string(character);

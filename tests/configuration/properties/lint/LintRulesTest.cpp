@@ -1,9 +1,12 @@
 /// The rules of the checker, one table for each.
 
+#include "configuration/properties/lint/DocumentedRules.hpp"
+
 #include <connector/configuration/properties/Lint.hpp>
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <sstream>
 
 namespace test {
@@ -294,6 +297,25 @@ TEST(LintRules, ASecretValueIsNotShown) {
             EXPECT_NE(std::string::npos, finding.text.find("******")) << finding.text;
         }
     }
+}
+
+TEST(LintRules, TheRowsOfTheDocumentAreTrue) {
+    const auto rows = test::documentedRules();
+    EXPECT_EQ(17u, rows.size());
+    std::set<properties::Rule> seen;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.file);
+        const std::vector<Finding> findings = lint(row.file);
+        ASSERT_FALSE(findings.empty());
+        EXPECT_EQ(row.rule, nameOf(findings[0].rule));
+        EXPECT_NE(std::string::npos,
+                  findings[0].text.find("the library reads " + row.library +
+                                        ", java.util.Properties " + row.convention + "; "))
+            << findings[0].text;
+        seen.insert(findings[0].rule);
+    }
+    for (const auto& description : properties::rules())
+        EXPECT_EQ(isDifference(description.rule), seen.count(description.rule) == 1);
 }
 
 TEST(LintRules, LongTextsAreShortened) {
