@@ -2,10 +2,10 @@
 
 #include "arguments/CheckRules.hpp"
 
+#include <connector/sources/FileFormat.hpp>
 #include <connector/sources/FileSource.hpp>
 
 #include <algorithm>
-#include <filesystem>
 
 namespace connector_config {
 
@@ -29,12 +29,8 @@ std::string textOf(const FileError& error, const std::string& path) {
 } // namespace
 
 bool isDocument(const std::string& name) {
-    std::string extension = std::filesystem::path(name).extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-    });
-    const char* const known[] = {".json", ".yaml", ".yml", ".toml"};
-    return std::find(std::begin(known), std::end(known), extension) != std::end(known);
+    const auto format = connector::sources::formatByExtension(name);
+    return format && *format != connector::sources::FileFormat::Properties;
 }
 
 Document readDocument(const std::string& path) {
