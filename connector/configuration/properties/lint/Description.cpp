@@ -29,14 +29,13 @@ std::string hex(unsigned number, int digits) {
     return text;
 }
 
-bool isControl(std::string_view character) {
-    const auto first = static_cast<unsigned char>(character[0]);
-    const bool isC1 = first == 0xC2 && static_cast<unsigned char>(character[1]) < 0xA0;
-    return first < 0x20 || first == 0x7F || isC1;
-}
-
 unsigned byteAt(std::string_view text, std::size_t i) {
     return static_cast<unsigned char>(text[i]);
+}
+
+bool isControl(std::string_view character) {
+    const unsigned first = byteAt(character, 0);
+    return first < 0x20 || first == 0x7F || (first == 0xC2 && byteAt(character, 1) < 0xA0);
 }
 
 constexpr std::size_t lengthOfHalf = 3;

@@ -69,8 +69,9 @@ private:
     }
 
     void checkValue(const LibraryProperty& property, const std::string& value) {
-        const std::string text =
-            isSecret(decoded(files.text, property.key)) ? hiddenValue : shown(value);
+        // A value may contain a whole property, if a blank has made the key empty.
+        const bool isHidden = isSecret(decoded(files.text, property.key)) || isSecret(value);
+        const std::string text = isHidden ? hiddenValue : shown(value);
         const bool isQuoted = value.size() >= 2 && value.front() == value.back() &&
                               (value.front() == '"' || value.front() == '\'');
         if (isQuoted)
@@ -83,8 +84,10 @@ private:
     }
 
     std::size_t placeholderOffset(const LibraryProperty& property) const {
-        const std::size_t offset = files.text.find("${", property.valueStart);
-        return offset < property.end ? offset : property.valueStart;
+        const std::string_view value =
+            files.text.substr(property.valueStart, property.end - property.valueStart);
+        const std::size_t offset = value.find("${"); // an escape may be in it
+        return property.valueStart + (offset != std::string_view::npos ? offset : 0);
     }
 
     void findInvalidBytes() {

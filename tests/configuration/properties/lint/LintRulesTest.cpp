@@ -237,6 +237,7 @@ TEST(LintRules, Suspicious) {
         {__LINE__, "a = 'b'\n", "1:5 suspicious"},
         {__LINE__, "a=\"\nb=\"c\n", ""},
         {__LINE__, "a=x/${HOME}/y\n", "1:5 suspicious"},
+        {__LINE__, "a=x$\\{HOME}\n", "1:3 suspicious"},
         {__LINE__, "a=${\n", ""},
         {__LINE__, "net.Port=1\nnet.port=2\nnet.port=3\n", "2:1 suspicious, 3:1 duplicate-key"},
     });
@@ -285,7 +286,8 @@ TEST(LintRules, ATextSaysWhatEachReadsAndHowToWriteIt) {
 TEST(LintRules, ASecretValueIsNotShown) {
     for (const std::string text :
          {"my.password==s3cret\n", " my.password=s3cret\n", "my.password=\"s3cret\"\n",
-          "my.password=${s3cret}\n", "next\nmy.password=s3cret\n", "my.password=s3\\cret\\t\n"}) {
+          "my.password=${s3cret}\n", " my.password=${s3cret}\n", "next\nmy.password=s3cret\n",
+          "my.password=s3\\cret\\t\n"}) {
         SCOPED_TRACE(text);
         std::istringstream stream(text);
         const std::vector<Finding> findings = properties::lint(stream, [](std::string_view key) {
