@@ -170,6 +170,9 @@ TEST(LintRules, UnicodeEscape) {
         {__LINE__, "a=\\ud83d\n", "1:3 unicode-escape"},
         {__LINE__, "a=\\ud83d\\ude00\n", "1:3 unicode-escape, 1:9 unicode-escape"},
         {__LINE__, "a=\\u00\\\n41\nb=c\n", "1:3 unicode-escape"},
+        {__LINE__, "\\u12", "1:1 lost-at-end, 1:1 unicode-escape"},
+        // The library takes the backslash as a digit, so its next line is a comment.
+        {__LINE__, "a=\\u000\\\n#\\u12\n", "1:3 unicode-escape, 2:2 unicode-escape"},
         {__LINE__, "a=b\n# \\u\na=\\uFFFF\\u0000\n", "3:1 duplicate-key"},
         // Given again: but the escape makes the other reader refuse the whole file.
         {__LINE__, "a=\\u\na=b\n", "1:3 unicode-escape"},
