@@ -127,6 +127,12 @@ TEST(SchemaCheck, AValueThatTheLibraryRefusesIsReported) {
     EXPECT_EQ("does not match the pattern of the schema: \"64K\"", problem("size", "64K"s));
 }
 
+TEST(SchemaCheck, BoundsBeyondSignedNumbersHold) {
+    const SchemaCheck check(R"({"properties":{"a":{"minimum":18446744073709551615}}})", Secrets());
+    EXPECT_TRUE(check.check({{"a", "18446744073709551615"s}}).empty());
+    EXPECT_EQ(1u, check.check({{"a", "-2"s}}).size());
+}
+
 TEST(SchemaCheck, ALongValueIsNoDurationAndDoesNoHarm) {
     EXPECT_NE("", problem("timeout", std::string(1'000'000, '1') + "s"));
 }

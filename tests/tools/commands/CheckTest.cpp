@@ -317,6 +317,13 @@ TEST_F(CheckSchema, ReportsWhatIsMissingAndWhatDoesNotConvert) {
               runConnectorConfig({"check", path, "--schema", file("schema.json", schema)}));
 }
 
+TEST_F(CheckSchema, EscapesKeys) {
+    const std::string schemaFile = file("schema.json", schema);
+    const std::string path = file("a", "net.name=x\n\x1bkey=1\n");
+    EXPECT_EQ((Result{1, path + ":2:1: warning: \\x1bkey is unknown [unknown-option]\n", ""}),
+              runConnectorConfig({"check", path, "--schema", schemaFile}));
+}
+
 TEST_F(CheckSchema, ChecksTheOtherFormats) {
     const std::string schemaFile = file("schema.json", schema);
     for (const auto& [name, content] :
