@@ -1,7 +1,6 @@
 #include "service/support/HttpClient.hpp"
 
 #include <Poco/JSON/Parser.h>
-#include <Poco/Net/SocketAddress.h>
 
 #include <algorithm>
 #include <cctype>
@@ -10,6 +9,8 @@
 #include <system_error>
 #include <utility>
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -35,6 +36,22 @@ std::string inLowerCase(std::string text) {
     return text;
 }
 
+/// @param host  an address of IPv4 or IPv6
+/// @return the length of the address
+socklen_t fill(sockaddr_storage& address, const std::string& host, std::uint16_t port) {
+    auto& ipv4 = reinterpret_cast<sockaddr_in&>(address);
+    if (::inet_pton(AF_INET, host.c_str(), &ipv4.sin_addr) == 1) {
+        ipv4.sin_family = AF_INET;
+        ipv4.sin_port = htons(port);
+        return sizeof ipv4;
+    }
+    auto& ipv6 = reinterpret_cast<sockaddr_in6&>(address);
+    ::inet_pton(AF_INET6, host.c_str(), &ipv6.sin6_addr);
+    ipv6.sin6_family = AF_INET6;
+    ipv6.sin6_port = htons(port);
+    return sizeof ipv6;
+}
+
 /// @param text  must not need escapes
 std::string quoted(const std::string& text) {
     return '"' + text + '"';
@@ -56,8 +73,9 @@ HttpClient::HttpClient(std::uint16_t newPort, int receiveBuffer)
 
 HttpClient::HttpClient(const std::string& host, std::uint16_t newPort, int receiveBuffer)
     : port(newPort) {
-    const Poco::Net::SocketAddress address(host, port);
-    descriptor = ::socket(address.af(), SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_storage address{};
+    const socklen_t length = fill(address, host, port);
+    descriptor = ::socket(address.ss_family, SOCK_STREAM | SOCK_CLOEXEC, 0);
     check(descriptor);
     if (receiveBuffer != 0)
         check(
@@ -65,7 +83,7 @@ HttpClient::HttpClient(const std::string& host, std::uint16_t newPort, int recei
     const timeval timeout{60, 0};
     check(::setsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &timeout, sizeof timeout));
     check(::setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &timeout, sizeof timeout));
-    check(::connect(descriptor, address.addr(), address.length()));
+    check(::connect(descriptor, reinterpret_cast<const sockaddr*>(&address), length));
 }
 
 HttpClient::~HttpClient() {

@@ -5,8 +5,6 @@
 #include "checking/ValueCheck.hpp"
 #include "values/ValueText.hpp"
 
-#include <connector/service/text/JsonValidation.hpp>
-
 #include <Poco/Exception.h>
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Parser.h>
@@ -28,10 +26,10 @@ constexpr std::size_t farthestSuggestion = 2;
 }
 
 Object::Ptr parse(const std::string& json) {
-    if (connector::service::isNestedDeeper(json, deepest))
-        refuse("it is nested too deeply");
     try {
-        return Poco::JSON::Parser().parse(json).extract<Object::Ptr>();
+        Poco::JSON::Parser parser;
+        parser.setDepth(deepest);
+        return parser.parse(json).extract<Object::Ptr>();
     } catch (const Poco::BadCastException&) {
         refuse("it is no JSON object");
     } catch (const Poco::Exception& error) {
