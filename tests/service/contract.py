@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Checks the description of the HTTP service, and that every operation in it keeps to it.
 
-The description is an OpenAPI 3.1 document. No schema of 3.1 is packaged, so it is checked against that
-of 3.0, which differs only in the version and in the dialect of the schemas. The schemas themselves are
-checked against JSON Schema 2020-12, which is the dialect of 3.1.
+The description is an OpenAPI 3.1 document. No schema of 3.1 is packaged, so it is checked against
+that of 3.0, which differs only in the version and in the dialect of the schemas. The schemas
+themselves are checked against JSON Schema 2020-12, which is the dialect of 3.1.
 """
 import argparse
 import json

@@ -34,7 +34,7 @@ TEST(ListenAddress, AcceptsHostAndPort) {
 TEST(ListenAddress, RejectsOtherForms) {
     for (const std::string text : {"", ":", "host", "host:", "host:x", "host:65536", "host:-1",
                                    "host:80 ", "::1:80", "[::1]", "[::1:80", "::1]:80", "[]:80"})
-        test::expectThrows<WrongArguments>("Not of the form HOST:PORT: " + text,
+        test::expectThrows<WrongArguments>("Not of the form HOST:PORT or unix:PATH: " + text,
                                            [&text] { parseListenAddress(text); });
 }
 
