@@ -47,7 +47,7 @@ bool Token::matches(const std::string& received) const {
     return difference == 0;
 }
 
-Token readToken(const std::string& path) {
+std::string readTokenText(const std::string& path) {
     std::string text = readStart(path);
     removeLineBreak(text);
     if (text.empty())
@@ -55,7 +55,11 @@ Token readToken(const std::string& path) {
     if (text.size() > maxTokenLength || !std::all_of(text.begin(), text.end(), isVisible))
         throw std::runtime_error("Token is not one line of visible ASCII of at most 4096 bytes: " +
                                  path);
-    return Token(std::move(text));
+    return text;
+}
+
+Token readToken(const std::string& path) {
+    return Token(readTokenText(path));
 }
 
 } // namespace connector::service

@@ -23,4 +23,7 @@ private:
 ///         path, or "Token is not one line of visible ASCII of at most 4096 bytes: " + path
 Token readToken(const std::string& path);
 
+/// The same for a client, which sends the token.
+std::string readTokenText(const std::string& path);
+
 } // namespace connector::service

@@ -1,6 +1,5 @@
 #include <connector/service/messages/ObjectBuilder.hpp>
 
-#include <connector/service/messages/TooManyElements.hpp>
 #include <connector/service/text/Number.hpp>
 
 #include <Poco/NumberParser.h>
@@ -86,7 +85,7 @@ Var ObjectBuilder::result() const {
 /// The longest text counts three times, because POCO copies what it is given.
 void ObjectBuilder::charge(std::size_t bytes) {
     held += bytes;
-    if (held + 2 * longest > maxElementMemory)
+    if (held + 2 * longest > limit)
         throw TooManyElements();
 }
 

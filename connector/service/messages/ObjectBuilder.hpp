@@ -1,6 +1,7 @@
 /// Builds the objects of a JSON text, within a limit of memory.
 #pragma once
 
+#include <connector/service/messages/TooManyElements.hpp>
 #include <connector/service/text/JsonReader.hpp>
 
 #include <Poco/JSON/Array.h>
@@ -17,6 +18,9 @@ namespace connector::service {
 /// Receives the parts of a text like a JsonHandler. Afterwards result() has the value.
 class ObjectBuilder {
 public:
+    /// @param newLimit  in bytes
+    explicit ObjectBuilder(std::size_t newLimit = maxElementMemory) : limit(newLimit) {}
+
     /// @throws TooManyElements from all of these; the memory is then still held
     void begin(JsonContainer container);
     void end();
@@ -40,6 +44,7 @@ private:
     void add(const Poco::Dynamic::Var& value);
     Poco::JSON::Array::Ptr takeArray(std::size_t start);
 
+    std::size_t limit;
     std::vector<Open> open;
     std::deque<Poco::Dynamic::Var> elements; // of all open arrays, and the value of the text
     std::size_t held = 1024;                 // bytes, with those of this object

@@ -1,0 +1,143 @@
+#include <connector/service/client/ServiceResponses.hpp>
+
+#include <connector/service/client/JsonElements.hpp>
+
+#include <connector/configuration/json/OptionValueJson.hpp>
+
+#include <Poco/Exception.h>
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Object.h>
+
+#include <stdexcept>
+
+namespace connector::service {
+
+using configuration::Option;
+using configuration::SourceAnswer;
+using Poco::Dynamic::Var;
+using Poco::JSON::Array;
+using Poco::JSON::Object;
+
+namespace {
+
+const Object& objectIn(const Var& value) {
+    if (value.type() != typeid(Object::Ptr))
+        throw NotUnderstood("an object is missing");
+    return *value.extract<Object::Ptr>();
+}
+
+const Array& arrayIn(const Object& object, const char* name) {
+    const Var value = object.get(name);
+    if (value.type() != typeid(Array::Ptr))
+        throw NotUnderstood(std::string("an array is missing: ") + name);
+    return *object.getArray(name);
+}
+
+template <typename Type>
+Type member(const Object& object, const char* name) {
+    const Var value = object.get(name);
+    if (value.type() != typeid(Type))
+        throw NotUnderstood(std::string("a member is missing: ") + name);
+    return value.extract<Type>();
+}
+
+Option optionIn(const Object& object) {
+    return {member<std::string>(object, "key"), member<std::string>(object, "source"),
+            configuration::toOptionValue(member<Object::Ptr>(object, "value"))};
+}
+
+SourceAnswer answerIn(const Object& object) {
+    SourceAnswer answer{};
+    answer.name = member<std::string>(object, "name");
+    answer.group = member<std::string>(object, "group");
+    answer.order = object.getValue<int>("order");
+    answer.readOnly = member<bool>(object, "readOnly");
+    answer.servesKey = member<std::string>(object, "verdict") != "does not serve this key";
+    if (object.has("value"))
+        answer.value = configuration::toOptionValue(member<Object::Ptr>(object, "value"));
+    return answer;
+}
+
+/// Calls a function that reads, and translates the exceptions of the readers below it.
+template <typename Function>
+auto reading(Function function) {
+    try {
+        return function();
+    } catch (const Poco::Exception& error) {
+        throw NotUnderstood(error.displayText());
+    } catch (const std::invalid_argument& error) {
+        throw NotUnderstood(error.what());
+    }
+}
+
+/// Keeps the objects of the text for as long as they are read.
+template <typename Function>
+auto readingObject(std::string_view json, Function function) {
+    return reading([&] {
+        const Var value = readJsonValue(json);
+        return function(objectIn(value));
+    });
+}
+
+std::string textIn(const Object& object, const char* name) {
+    const Var value = object.get(name);
+    return value.type() == typeid(std::string) ? value.extract<std::string>() : std::string();
+}
+
+} // namespace
+
+Option readOption(std::string_view json) {
+    return readingObject(json, optionIn);
+}
+
+std::optional<Option> readReplyWithOption(std::string_view json) {
+    return readingObject(json, [](const Object& reply) -> std::optional<Option> {
+        const Object::Ptr message = member<Object::Ptr>(reply, "message");
+        if (message->size() == 0)
+            return std::nullopt;
+        return optionIn(*message);
+    });
+}
+
+std::vector<Option> readOptions(std::string_view json) {
+    return reading([&] {
+        std::vector<Option> options;
+        readJsonArray(json, [&options](const Var& element) {
+            options.push_back(optionIn(objectIn(element)));
+        });
+        return options;
+    });
+}
+
+std::set<std::string> readReplyWithKeys(std::string_view json) {
+    return readingObject(json, [](const Object& reply) {
+        std::set<std::string> keys;
+        const Object::Ptr message = member<Object::Ptr>(reply, "message");
+        for (const Var& key : arrayIn(*message, "keys"))
+            keys.insert(keys.end(), key.convert<std::string>());
+        return keys;
+    });
+}
+
+std::vector<SourceAnswer> readExplanation(std::string_view json) {
+    return readingObject(json, [](const Object& explanation) {
+        std::vector<SourceAnswer> answers;
+        for (const Var& source : arrayIn(explanation, "sources"))
+            answers.push_back(answerIn(objectIn(source)));
+        return answers;
+    });
+}
+
+ServiceError readProblem(std::string_view json, unsigned status, const std::string& statusLine) {
+    try {
+        return readingObject(json, [&](const Object& problem) {
+            const std::string detail = textIn(problem, "detail");
+            return ServiceError(detail.empty() ? statusLine : detail, status,
+                                textIn(problem, "key"));
+        });
+    } catch (const NotUnderstood&) {
+        return ServiceError(statusLine, status);
+    }
+}
+
+} // namespace connector::service
