@@ -7,6 +7,8 @@
 #include "commands/Commands.hpp"
 #include "commands/FileReloading.hpp"
 #include "commands/HangupThread.hpp"
+#include "commands/OptionReader.hpp"
+#include "commands/RemoteCommands.hpp"
 #include "commands/ServeHttp.hpp"
 #include "commands/ServeStandardInput.hpp"
 #include "commands/Sources.hpp"
@@ -37,29 +39,25 @@ void serve(const std::shared_ptr<ConfigurationImpl>& configuration, const Argume
     serveStandardInput(configuration);
 }
 
-ExitStatus runCommand(const std::shared_ptr<ConfigurationImpl>& shared, const Arguments& arguments,
-                      const NamedFiles& files) {
-    ConfigurationImpl& configuration = *shared;
+/// The commands that only read.
+ExitStatus runReader(OptionReader& reader, const Arguments& arguments) {
     switch (arguments.command) {
     case Command::Get:
-        return report(get(configuration, arguments));
+        return report(get(reader, arguments));
     case Command::Keys:
-        writeOutput(keys(configuration, arguments));
+        writeOutput(keys(reader, arguments));
         break;
     case Command::Show:
-        writeOutput(show(configuration, arguments, terminalOfOutput()));
+        writeOutput(show(reader, arguments, terminalOfOutput()));
         break;
     case Command::Explain:
-        writeOutput(explain(configuration, arguments, terminalOfOutput()));
+        writeOutput(explain(reader, arguments, terminalOfOutput()));
         break;
     case Command::Watch:
-        watch(configuration, arguments, files);
-        break;
+    case Command::Set:
     case Command::Serve:
-        serve(shared, arguments, files);
-        break;
     case Command::Check:
-        break; // needs no configuration
+        break; // the callers run them
     }
     return Success;
 }
@@ -70,6 +68,35 @@ ExitStatus statusOf(CheckResult result) {
     return result == CheckResult::Findings ? Failure : UsageError;
 }
 
+ExitStatus runOnService(const Arguments& arguments) {
+    HttpClient client(*arguments.service);
+    RemoteOptions reader(client);
+    if (arguments.command == Command::Watch)
+        watchRemotely(client, arguments);
+    else if (arguments.command == Command::Set)
+        setRemotely(client, arguments);
+    else
+        return runReader(reader, arguments);
+    return Success;
+}
+
+ExitStatus runOnSources(const Arguments& arguments) {
+    if (arguments.command == Command::Watch || arguments.command == Command::Serve)
+        blockHangup(); // before the files are read, so that no signal ends the program
+    const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
+                                                       : nullptr);
+    const auto configuration = std::make_shared<ConfigurationImpl>();
+    const NamedFiles files = addSources(*configuration, arguments.sources);
+    LocalOptions reader(*configuration);
+    if (arguments.command == Command::Watch)
+        watch(*configuration, arguments, files);
+    else if (arguments.command == Command::Serve)
+        serve(configuration, arguments, files);
+    else
+        return runReader(reader, arguments);
+    return Success;
+}
+
 ExitStatus run(const Arguments& arguments) {
     if (!arguments.information.empty()) {
         writeOutput(arguments.information);
@@ -77,13 +104,7 @@ ExitStatus run(const Arguments& arguments) {
     }
     if (arguments.command == Command::Check)
         return statusOf(check(arguments.check, Secrets(arguments.secrets)));
-    if (arguments.command == Command::Watch || arguments.command == Command::Serve)
-        blockHangup(); // before the files are read, so that no signal ends the program
-    const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
-                                                       : nullptr);
-    const auto configuration = std::make_shared<ConfigurationImpl>();
-    const NamedFiles files = addSources(*configuration, arguments.sources);
-    return runCommand(configuration, arguments, files);
+    return arguments.service ? runOnService(arguments) : runOnSources(arguments);
 }
 
 ExitStatus runReportingFailure(int argc, const char* const argv[]) {

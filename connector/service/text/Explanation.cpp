@@ -38,8 +38,13 @@ Poco::JSON::Object::Ptr jsonOf(const Explanation& explanation, const SourceAnswe
 } // namespace
 
 Explanation::Explanation(configuration::ConfigurationImpl& configuration, const Secrets& secrets,
+                         const std::string& key)
+    : Explanation(configuration.explain(key), secrets, key) {
+}
+
+Explanation::Explanation(std::vector<SourceAnswer> newAnswers, const Secrets& secrets,
                          std::string newKey)
-    : key(std::move(newKey)), answers(configuration.explain(key)),
+    : key(std::move(newKey)), answers(std::move(newAnswers)),
       supplier(std::find_if(answers.cbegin(), answers.cend(), hasValue)),
       target(std::find_if(answers.cbegin(), answers.cend(), isWritable)) {
     for (SourceAnswer& answer : answers) {

@@ -18,7 +18,11 @@ public:
     /// Asks all sources, and masks their values if the key is secret.
     /// @throws what the sources throw
     Explanation(configuration::ConfigurationImpl& configuration, const Secrets& secrets,
-                std::string newKey);
+                const std::string& key);
+
+    /// Explains answers from elsewhere, and masks them in the same way.
+    /// @param newAnswers  in the order of consultation
+    Explanation(std::vector<SourceAnswer> newAnswers, const Secrets& secrets, std::string newKey);
 
     Explanation(const Explanation&) = delete;
     Explanation& operator=(const Explanation&) = delete;

@@ -5,6 +5,7 @@
 #include "arguments/ListenAddress.hpp"
 #include "values/WrongArguments.hpp"
 
+#include <connector/service/client/ServiceUrl.hpp>
 #include <connector/service/text/Number.hpp>
 
 #include <CLI/CLI.hpp>
@@ -60,6 +61,7 @@ public:
         overrides = addSourceOption("-s,--set", "KEY[:TYPE]=VALUE");
         defaults = addSourceOption("-d,--default", "KEY[:TYPE]=VALUE");
         addRepeatable(app, "--secret", arguments.secrets, "GLOB");
+        addService();
 
         app.require_subcommand(0, 1);
         app.fallthrough();
@@ -68,6 +70,7 @@ public:
         addCommand("show", Command::Show)->add_option("PREFIX", arguments.prefix);
         addCommand("explain", Command::Explain)->add_option("KEY", arguments.key)->required();
         addWatch();
+        addCommand("set", Command::Set)->add_option("KEY[:TYPE]=VALUE", assignment)->required();
         addServe();
         checkOptions.declare(*addCommand("check", Command::Check));
     }
@@ -91,6 +94,7 @@ public:
         collectHttp();
         if (arguments.command == Command::Check)
             arguments.check = checkOptions.collect(arguments.json, unmarked);
+        collectService();
         return std::move(arguments);
     }
 
@@ -110,6 +114,14 @@ private:
     static CLI::Option* addRepeatable(CLI::App& command, const char* name,
                                       std::vector<std::string>& texts, const char* type) {
         return command.add_option(name, texts)->type_name(type)->allow_extra_args(false);
+    }
+
+    void addService() {
+        url = app.add_option("--url", texts["--url"])->type_name("URL");
+        // serve has an option with the same name
+        serviceToken = app.add_option("--token-file", texts["token of a service"]);
+        serviceToken->type_name("FILE")->needs(url);
+        authority = app.add_option("--ca", texts["--ca"])->type_name("FILE")->needs(url);
     }
 
     void addGet() {
@@ -146,7 +158,7 @@ private:
     }
 
     CLI::Option* addHttpOption(CLI::App& serve, const char* name, const char* type) {
-        return serve.add_option(name, httpTexts[name])->type_name(type)->needs(http);
+        return serve.add_option(name, texts[name])->type_name(type)->needs(http);
     }
 
     CLI::App* addCommand(const char* name, Command command) {
@@ -205,6 +217,39 @@ private:
         arguments.http = std::move(httpOptions);
     }
 
+    /// A command on a service has no sources, and set has nothing else.
+    void collectService() {
+        if (arguments.command == Command::Set)
+            arguments.assignment =
+                parseAssignment(unmarked(assignment), Secrets(arguments.secrets));
+        if (url->count() == 0) {
+            if (arguments.command == Command::Set)
+                throw WrongArguments("set requires --url");
+            return;
+        }
+        checkNothingIsLocal();
+        connector::service::HttpClientOptions service;
+        service.url = *textOf(url);
+        service.tokenFile = textOf(serviceToken);
+        service.authority = textOf(authority).value_or("");
+        if (!connector::service::parseServiceUrl(service.url))
+            throw WrongArguments("Not of the form http://HOST:PORT, https://HOST:PORT or "
+                                 "unix:PATH: " +
+                                 service.url);
+        arguments.service = std::move(service);
+    }
+
+    void checkNothingIsLocal() const {
+        for (const CLI::Option* const option : sourceOptions) {
+            if (option->count() > 0)
+                throw WrongArguments("--url excludes " + option->get_name());
+        }
+        if (arguments.followsFiles)
+            throw WrongArguments("--url excludes --reload");
+        if (arguments.command == Command::Serve)
+            throw WrongArguments("--url excludes serve");
+    }
+
     static std::uintmax_t parseSize(const std::string& text) {
         const auto size = connector::service::readNumber<std::uintmax_t>(text);
         if (!size)
@@ -248,6 +293,9 @@ private:
     CLI::Option* environments;
     CLI::Option* overrides;
     CLI::Option* defaults;
+    CLI::Option* url;
+    CLI::Option* serviceToken;
+    CLI::Option* authority;
     CLI::Option* http;
     CLI::Option* propertyRoot;
     CLI::Option* tokenFile;
@@ -255,8 +303,9 @@ private:
     CLI::Option* certificate;
     CLI::Option* key;
     CLI::Option* clientAuthority;
+    std::string assignment;
     std::vector<std::string> listenAddresses;
-    std::map<std::string, std::string> httpTexts; // of options with one value
+    std::map<std::string, std::string> texts; // of options with one value
     connector::service::HttpOptions httpOptions;
     CheckOptions checkOptions;
 };

@@ -6,6 +6,7 @@
 #include "arguments/EnvironmentArgument.hpp"
 #include "arguments/FileArgument.hpp"
 
+#include <connector/service/HttpClient.hpp>
 #include <connector/service/HttpOptions.hpp>
 
 #include <optional>
@@ -23,7 +24,7 @@ struct TableAssignment {
 
 using SourceArgument = std::variant<FileArgument, EnvironmentArgument, TableAssignment>;
 
-enum class Command { Get, Keys, Show, Explain, Watch, Serve, Check };
+enum class Command { Get, Keys, Show, Explain, Watch, Set, Serve, Check };
 
 struct Arguments {
     std::string information; ///< output of --help or --version; if not empty, the rest is unset
@@ -37,6 +38,10 @@ struct Arguments {
     std::optional<connector::service::HttpOptions> http; ///< of serve; none for standard input
     CheckArguments check;          ///< of check
 
+    std::optional<Assignment> assignment; ///< of set
+
+    /// of the service that is asked; none for a configuration of the program's own
+    std::optional<connector::service::HttpClientOptions> service;
     std::vector<SourceArgument> sources; ///< in the order given
     std::vector<std::string> secrets;    ///< globs of keys whose values are masked
     bool json = false;

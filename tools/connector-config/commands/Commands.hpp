@@ -1,9 +1,10 @@
-/// The commands of the program except serve. All except get and watch return the text for standard
-/// output.
+/// The commands of the program except serve and set. All except get and watch return the text for
+/// standard output.
 #pragma once
 
 #include "arguments/Arguments.hpp"
 #include "commands/NamedFile.hpp"
+#include "commands/OptionReader.hpp"
 #include "display/Terminal.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
@@ -22,27 +23,21 @@ struct GetResult {
 
 /// @return the values of options, in the order of the keys
 /// @throws std::runtime_error if the values are for a shell and a key has no variable of its own
-GetResult get(ConfigurationImpl& configuration, const Arguments& arguments);
+GetResult get(OptionReader& reader, const Arguments& arguments);
 
 /// @return the keys that begin with the prefix, compared byte by byte
-std::string keys(ConfigurationImpl& configuration, const Arguments& arguments);
+std::string keys(OptionReader& reader, const Arguments& arguments);
 
 /// @return the options whose keys begin with the prefix, with types, values and sources
-std::string show(ConfigurationImpl& configuration, const Arguments& arguments,
-                 const Terminal& terminal);
+std::string show(OptionReader& reader, const Arguments& arguments, const Terminal& terminal);
 
 /// @return the value of an option in each source, and which source a new value would be written to
-std::string explain(ConfigurationImpl& configuration, const Arguments& arguments,
-                    const Terminal& terminal);
+std::string explain(OptionReader& reader, const Arguments& arguments, const Terminal& terminal);
 
 /// Writes the values of options as they change, while it reads changes from standard input and
 /// reloads files. Reports invalid changes on standard error.
 /// @param files  of the sources; blockHangup must have been called before they were read
 /// @throws OutputError
 void watch(ConfigurationImpl& configuration, const Arguments& arguments, const NamedFiles& files);
-
-/// @return all keys that begin with the prefix, sorted
-std::vector<std::string> keysWithPrefix(ConfigurationImpl& configuration,
-                                        const std::string& prefix);
 
 } // namespace connector_config

@@ -24,7 +24,7 @@ std::vector<Cell> rowOf(const Explanation& explanation, const Explanation::Sourc
             {answer.value ? displayText(*answer.value) : ""}};
 }
 
-/// The program always has a source to write to, because "override" accepts every key.
+/// There always is a source to write to, because "override" accepts every key.
 std::string textOf(const Explanation& explanation, const std::string& key,
                    const Terminal& terminal) {
     TextTable table;
@@ -37,9 +37,9 @@ std::string textOf(const Explanation& explanation, const std::string& key,
 
 } // namespace
 
-std::string explain(ConfigurationImpl& configuration, const Arguments& arguments,
-                    const Terminal& terminal) {
-    const Explanation explanation(configuration, Secrets(arguments.secrets), arguments.key);
+std::string explain(OptionReader& reader, const Arguments& arguments, const Terminal& terminal) {
+    const Explanation explanation(reader.explain(arguments.key), Secrets(arguments.secrets),
+                                  arguments.key);
     return arguments.json ? explanation.json() + '\n'
                           : textOf(explanation, arguments.key, terminal);
 }

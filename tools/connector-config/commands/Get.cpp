@@ -31,20 +31,19 @@ std::vector<std::string> forEachKey(const std::vector<std::string>& keys, Functi
     return failures;
 }
 
-GetResult asText(ConfigurationImpl& configuration, const std::vector<std::string>& keys) {
+GetResult asText(OptionReader& reader, const std::vector<std::string>& keys) {
     GetResult result;
     result.failures = forEachKey(keys, [&](const std::string& key) {
-        result.output += plainText(configuration.get(key).get()) + '\n';
+        result.output += plainText(reader.value(key)) + '\n';
     });
     return result;
 }
 
-GetResult asJson(ConfigurationImpl& configuration, const std::vector<std::string>& keys) {
+GetResult asJson(OptionReader& reader, const std::vector<std::string>& keys) {
     GetResult result;
     Poco::JSON::Array::Ptr options = new Poco::JSON::Array;
-    result.failures = forEachKey(keys, [&](const std::string& key) {
-        options->add(toJson(configuration.getOption(key).get()));
-    });
+    result.failures =
+        forEachKey(keys, [&](const std::string& key) { options->add(toJson(reader.option(key))); });
     if (keys.size() > 1)
         result.output = jsonText(options) + '\n';
     else if (options->size() == 1)
@@ -74,22 +73,21 @@ std::string assignmentOf(const std::string& key, const OptionValue& value) {
     return shellVariable(key) + '=' + shellQuoted(text) + '\n';
 }
 
-GetResult forShell(ConfigurationImpl& configuration, const std::vector<std::string>& keys) {
+GetResult forShell(OptionReader& reader, const std::vector<std::string>& keys) {
     checkVariables(keys);
     GetResult result;
     result.failures = forEachKey(keys, [&](const std::string& key) {
-        result.output += assignmentOf(key, configuration.get(key).get());
+        result.output += assignmentOf(key, reader.value(key));
     });
     return result;
 }
 
 } // namespace
 
-GetResult get(ConfigurationImpl& configuration, const Arguments& arguments) {
+GetResult get(OptionReader& reader, const Arguments& arguments) {
     if (arguments.forShell)
-        return forShell(configuration, arguments.keys);
-    return arguments.json ? asJson(configuration, arguments.keys)
-                          : asText(configuration, arguments.keys);
+        return forShell(reader, arguments.keys);
+    return arguments.json ? asJson(reader, arguments.keys) : asText(reader, arguments.keys);
 }
 
 } // namespace connector_config

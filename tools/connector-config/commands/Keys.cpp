@@ -25,20 +25,8 @@ std::string asLines(const std::vector<std::string>& keys) {
 
 } // namespace
 
-std::vector<std::string> keysWithPrefix(ConfigurationImpl& configuration,
-                                        const std::string& prefix) {
-    const std::set<std::string> all = configuration.keys().get();
-    std::vector<std::string> matching;
-    for (auto key = all.lower_bound(prefix); key != all.end(); ++key) {
-        if (key->compare(0, prefix.size(), prefix) != 0)
-            break; // the set is sorted, so all matching keys are adjacent
-        matching.push_back(*key);
-    }
-    return matching;
-}
-
-std::string keys(ConfigurationImpl& configuration, const Arguments& arguments) {
-    const std::vector<std::string> keys = keysWithPrefix(configuration, arguments.prefix);
+std::string keys(OptionReader& reader, const Arguments& arguments) {
+    const std::vector<std::string> keys = reader.keys(arguments.prefix);
     return arguments.json ? asJson(keys) : asLines(keys);
 }
 

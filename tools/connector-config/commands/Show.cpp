@@ -20,11 +20,11 @@ namespace {
 
 using connector::configuration::Option;
 
-std::vector<Option> optionsToShow(ConfigurationImpl& configuration, const Arguments& arguments) {
+std::vector<Option> optionsToShow(OptionReader& reader, const Arguments& arguments) {
     const Secrets secrets(arguments.secrets);
     std::vector<Option> options;
-    for (const std::string& key : keysWithPrefix(configuration, arguments.prefix))
-        options.push_back(secrets.masked(configuration.getOption(key).get()));
+    for (const Option& option : reader.options(arguments.prefix))
+        options.push_back(secrets.masked(option));
     return options;
 }
 
@@ -54,9 +54,8 @@ std::string asTable(const std::vector<Option>& options, const Terminal& terminal
 
 } // namespace
 
-std::string show(ConfigurationImpl& configuration, const Arguments& arguments,
-                 const Terminal& terminal) {
-    const std::vector<Option> options = optionsToShow(configuration, arguments);
+std::string show(OptionReader& reader, const Arguments& arguments, const Terminal& terminal) {
+    const std::vector<Option> options = optionsToShow(reader, arguments);
     return arguments.json ? asJson(options) : asTable(options, terminal);
 }
 

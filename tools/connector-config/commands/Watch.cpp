@@ -1,15 +1,13 @@
 #include "commands/Commands.hpp"
 
 #include "arguments/WatchLine.hpp"
+#include "commands/ChangeText.hpp"
 #include "commands/FileReloading.hpp"
 #include "commands/PromptLines.hpp"
 #include "commands/Sources.hpp"
 #include "display/Output.hpp"
-#include "values/ValueText.hpp"
 #include "values/WrongArguments.hpp"
 
-#include <connector/service/text/Escaping.hpp>
-#include <connector/service/text/Json.hpp>
 #include <connector/service/text/Secrets.hpp>
 
 #include <connector/reactive_streams/Subscriber.hpp>
@@ -19,11 +17,8 @@
 
 namespace connector_config {
 
-using connector::service::escaped;
-using connector::service::jsonText;
 using connector::service::Secrets;
 using connector::service::shortened;
-using connector::service::toJson;
 
 namespace {
 
@@ -31,11 +26,6 @@ using connector::configuration::Option;
 using connector::reactive_streams::Subscription;
 
 constexpr std::size_t maxComplaint = 200; // in bytes; a line can be much longer
-
-std::string formatLine(const Option& option) {
-    return escaped(option.key) + " = " + displayText(option.value) + "  (" +
-           escaped(option.source) + ")\n";
-}
 
 /// What the printers share. Must outlive the reloads, which call the printers.
 struct PrinterContext {
@@ -74,10 +64,8 @@ private:
     /// Prints the value and its source as of one moment. Another thread may have changed the option
     /// again, or removed it, since the library called onNext.
     void print() const {
-        for (const Option& option : context.configuration.optionsOf({key})) {
-            const Option shown = context.secrets.masked(option);
-            writeOutput(context.json ? jsonText(toJson(shown)) + '\n' : formatLine(shown));
-        }
+        for (const Option& option : context.configuration.optionsOf({key}))
+            writeOutput(changeText(context.secrets.masked(option), context.json));
     }
 
     void requestOne() const {

@@ -1,0 +1,74 @@
+/// Where the commands read options.
+#pragma once
+
+#include <connector/configuration/ConfigurationImpl.hpp>
+#include <connector/configuration/SourceAnswer.hpp>
+#include <connector/service/HttpClient.hpp>
+
+#include <string>
+#include <vector>
+
+namespace connector_config {
+
+/// Every function throws what its source of options throws.
+class OptionReader {
+public:
+    using Option = connector::configuration::Option;
+    using OptionValue = connector::configuration::OptionValue;
+    using SourceAnswer = connector::configuration::SourceAnswer;
+
+    virtual ~OptionReader() = default;
+
+    /// @return the value, even if it is secret
+    /// @throws "No option with the specified key was found: " + key
+    virtual OptionValue value(const std::string& key) = 0;
+
+    /// @return the option, even if it is secret
+    /// @throws as `value`
+    virtual Option option(const std::string& key) = 0;
+
+    /// @return all keys that begin with the prefix, sorted
+    virtual std::vector<std::string> keys(const std::string& prefix) = 0;
+
+    /// @return the options whose keys begin with the prefix, sorted; secrets may be masked
+    virtual std::vector<Option> options(const std::string& prefix) = 0;
+
+    /// @return what each source has for a key, in the order of consultation; secrets may be masked
+    virtual std::vector<SourceAnswer> explain(const std::string& key) = 0;
+};
+
+/// Reads a configuration of this process.
+class LocalOptions : public OptionReader {
+public:
+    using ConfigurationImpl = connector::configuration::ConfigurationImpl;
+
+    /// @param newConfiguration  must outlive this object
+    explicit LocalOptions(ConfigurationImpl& newConfiguration) : configuration(newConfiguration) {}
+
+    OptionValue value(const std::string& key) override;
+    Option option(const std::string& key) override;
+    std::vector<std::string> keys(const std::string& prefix) override;
+    std::vector<Option> options(const std::string& prefix) override;
+    std::vector<SourceAnswer> explain(const std::string& key) override;
+
+private:
+    ConfigurationImpl& configuration;
+};
+
+/// Asks a service.
+class RemoteOptions : public OptionReader {
+public:
+    /// @param newClient  must outlive this object
+    explicit RemoteOptions(connector::service::HttpClient& newClient) : client(newClient) {}
+
+    OptionValue value(const std::string& key) override;
+    Option option(const std::string& key) override;
+    std::vector<std::string> keys(const std::string& prefix) override;
+    std::vector<Option> options(const std::string& prefix) override;
+    std::vector<SourceAnswer> explain(const std::string& key) override;
+
+private:
+    connector::service::HttpClient& client;
+};
+
+} // namespace connector_config
