@@ -3,8 +3,9 @@
 #include <connector/service/client/ServiceResponses.hpp>
 
 #include <boost/asio/steady_timer.hpp>
-#include <boost/none.hpp>
 
+#include <cstdint>
+#include <limits>
 #include <stdexcept>
 #include <utility>
 
@@ -47,6 +48,7 @@ void OptionFollower::run(const WatchedOptions& watched, const HttpClient::OnOpti
             option = next(watched);
         } catch (const ServiceError& error) {
             parser.reset();
+            connection.close(); // the service may wait for that
             if (!wasOpen || isRefusal(error))
                 throw;
             if (onLoss)
@@ -81,7 +83,7 @@ void OptionFollower::open(const WatchedOptions& watched) {
     connection.open();
     events = EventStreamReader();
     parser.emplace();
-    parser->body_limit(boost::none);
+    parser->body_limit(std::numeric_limits<std::uint64_t>::max()); // none would limit it to 0
     connection.start(requests.watch(watched, lastEventId), *parser);
     const ClientResponse& response = parser->get();
     if (response.result() != http::status::ok) {

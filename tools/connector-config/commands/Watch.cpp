@@ -8,6 +8,7 @@
 #include "display/Output.hpp"
 #include "values/WrongArguments.hpp"
 
+#include <connector/service/text/Escaping.hpp>
 #include <connector/service/text/Secrets.hpp>
 
 #include <connector/reactive_streams/Subscriber.hpp>
