@@ -252,6 +252,7 @@ void EventHub::submit() {
     std::vector<Wanted> wanted;
     for (const Topic* topic = firstWanted; topic != nullptr; topic = topic->nextWanted)
         wanted.push_back({topic->key, topic->isStale});
+    std::reverse(wanted.begin(), wanted.end()); // into the order in which they became wanted
     std::set<std::string> prefixes;
     for (const EventSession* const session : prefixSessions) {
         if (session->wantsPrefixes)
