@@ -46,7 +46,8 @@ struct WatchedOptions {
 /// service has closed it; each watch has a connection of its own.
 ///
 /// All functions may be called from any thread, also at the same time; requests then take turns.
-/// Keys and values must be valid UTF-8, which is all that JSON can carry.
+/// Keys and values must be valid UTF-8, which is all that JSON can carry. What is not valid in the
+/// service arrives with U+FFFD in place of each invalid byte.
 ///
 /// @throws ServiceError from all functions that ask the service, with status 0:
 ///         "Cannot connect to " + url + ": " + reason; "No response from " + url + ": " + reason;

@@ -84,7 +84,7 @@ ClientRequest ServiceRequests::get(const std::string& key) const {
 }
 
 ClientRequest ServiceRequests::list(const std::string& prefix) const {
-    return make(Verb::get, prefix.empty() ? "/options" : pathOf("/options?prefix=", prefix));
+    return make(Verb::get, "/options?prefix=" + percentEncoded(prefix));
 }
 
 ClientRequest ServiceRequests::keys() const {

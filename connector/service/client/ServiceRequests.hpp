@@ -16,9 +16,10 @@ public:
     /// @param newToken      of the client; nothing for none
     ServiceRequests(std::string newAuthority, std::optional<std::string> newToken);
 
-    /// @throws ServiceError "Text is not valid UTF-8: " + key, as do all functions with a key
+    /// @throws ServiceError "Text is not valid UTF-8: " + key, as do all functions with keys
     ClientRequest get(const std::string& key) const;
 
+    /// @param prefix  any bytes; it may end inside a character
     ClientRequest list(const std::string& prefix) const;
     ClientRequest keys() const;
     ClientRequest explain(const std::string& key) const;

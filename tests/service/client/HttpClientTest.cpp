@@ -74,6 +74,10 @@ TEST_F(HttpClientTest, ListsOptionsAndKeys) {
     EXPECT_EQ("net.host", all[1].key);
     EXPECT_TRUE(OptionValue(8080) == all[2].value);
     EXPECT_EQ(2u, client.list("net.").size());
+    configuration->set("gr\u00fcn", 1).get();
+    EXPECT_EQ(1u, client.list("gr\xc3").size()); // a prefix may end inside a character
+    EXPECT_EQ(1u, client.keys("gr\xc3").size());
+    configuration->reset("gr\u00fcn").get();
     EXPECT_EQ(0u, client.list("x").size());
     EXPECT_EQ((std::set<std::string>{"db.password", "net.host", "net.port"}), client.keys());
     EXPECT_EQ((std::set<std::string>{"net.host", "net.port"}), client.keys("net."));
