@@ -42,6 +42,7 @@ set(connector_installed_private_headers
 # them, too
 set(connector_uninstalled_directories
     connector/service/access
+    connector/service/client
     connector/service/events
     connector/service/http
     connector/service/messages

@@ -1,7 +1,8 @@
 /// A connection to a service.
 #pragma once
 
-#include <connector/service/HttpClient.hpp>
+#include <connector/service/HttpClientOptions.hpp>
+#include <connector/service/ServiceError.hpp>
 #include <connector/service/client/ServiceUrl.hpp>
 #include <connector/service/client/Waiter.hpp>
 

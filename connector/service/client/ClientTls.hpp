@@ -1,7 +1,7 @@
 /// Which services a client trusts, and the certificate by which services know it.
 #pragma once
 
-#include <connector/service/HttpClient.hpp>
+#include <connector/service/HttpClientOptions.hpp>
 
 #include <boost/asio/ssl/context.hpp>
 

@@ -40,8 +40,8 @@ OptionFollower::OptionFollower(const HttpClientOptions& newOptions, const Client
       connection(newTarget, newWaiter), delay(options.minRetry, options.maxRetry) {
 }
 
-void OptionFollower::run(const WatchedOptions& watched, const HttpClient::OnOption& onOption,
-                         const HttpClient::OnLoss& onLoss) {
+void OptionFollower::run(const WatchedOptions& watched, const OnOption& onOption,
+                         const OnLoss& onLoss) {
     while (!waiter.isStopped()) {
         std::optional<Option> option;
         try {

@@ -1,13 +1,17 @@
 /// Follows the options of a service.
 #pragma once
 
-#include <connector/service/HttpClient.hpp>
+#include <connector/service/HttpClientOptions.hpp>
+#include <connector/service/ServiceError.hpp>
 #include <connector/service/client/ClientConnection.hpp>
 #include <connector/service/client/EventStreamReader.hpp>
 #include <connector/service/client/RetryDelay.hpp>
 #include <connector/service/client/ServiceRequests.hpp>
 #include <connector/service/client/Waiter.hpp>
 
+#include <connector/configuration/Option.hpp>
+
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -16,13 +20,15 @@ namespace connector::service {
 /// One call of HttpClient::watch.
 class OptionFollower {
 public:
+    using OnOption = std::function<void(const configuration::Option&)>;
+    using OnLoss = std::function<void(const ServiceError&)>;
+
     /// @param newWaiter  ends `run` when it is stopped; all arguments must outlive this object
     OptionFollower(const HttpClientOptions& newOptions, const ClientTarget& newTarget,
                    const ServiceRequests& newRequests, Waiter& newWaiter);
 
     /// @throws as HttpClient::watch
-    void run(const WatchedOptions& watched, const HttpClient::OnOption& onOption,
-             const HttpClient::OnLoss& onLoss);
+    void run(const WatchedOptions& watched, const OnOption& onOption, const OnLoss& onLoss);
 
 private:
     void open(const WatchedOptions& watched);

@@ -1,8 +1,11 @@
 /// The requests that a client sends.
 #pragma once
 
-#include <connector/service/HttpClient.hpp>
+#include <connector/service/HttpClientOptions.hpp>
+#include <connector/service/ServiceError.hpp>
 #include <connector/service/client/ClientConnection.hpp>
+
+#include <connector/configuration/OptionValue.hpp>
 
 #include <optional>
 #include <string>

@@ -106,6 +106,9 @@ TEST(Help, NamesEveryOptionAndTypeAndHasAnExampleOfEachCommand) {
                                "prefix=P[,name=N][,group=G][,order=O]",
                                "--export",
                                "--reload",
+                               "--url URL",
+                               "--token-file FILE",
+                               "--ca FILE",
                                "bool,",
                                "int,",
                                "uint,",
@@ -121,7 +124,7 @@ TEST(Help, NamesEveryOptionAndTypeAndHasAnExampleOfEachCommand) {
         EXPECT_NE(std::string::npos, text.find(option)) << option;
     const std::size_t examples = text.find("Examples:\n");
     ASSERT_NE(std::string::npos, examples);
-    for (const char* command : {" get ", " keys ", " show ", " explain ", " watch "})
+    for (const char* command : {" get ", " keys ", " show ", " explain ", " watch ", " set "})
         EXPECT_NE(std::string::npos, text.find(command, examples)) << command;
 }
 

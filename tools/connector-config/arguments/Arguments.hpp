@@ -6,7 +6,7 @@
 #include "arguments/EnvironmentArgument.hpp"
 #include "arguments/FileArgument.hpp"
 
-#include <connector/service/HttpClient.hpp>
+#include <connector/service/HttpClientOptions.hpp>
 #include <connector/service/HttpOptions.hpp>
 
 #include <optional>

@@ -25,6 +25,7 @@ Commands:
                            remove NAME
                            quit
       --reload           reloads files when they change
+  set KEY[:TYPE]=VALUE   sets an option of a running service, see --url
   serve                  reads messages from standard input, one JSON object
                          per line, and writes replies to standard output
       --reload           reloads files when they change
@@ -76,6 +77,14 @@ Sources, added in the order given:
                          doubleArray, stringArray or ustringArray; arrays
                          are written as JSON arrays
 
+A running service in place of sources, for all commands but serve:
+      --url URL          http://HOST:PORT, https://HOST:PORT or unix:PATH;
+                         watch then connects again when the service is lost,
+                         and does not read standard input
+      --token-file FILE  sends the token in FILE
+      --ca FILE          trusts the certificates in FILE, in place of those
+                         that the system trusts
+
 SIGHUP makes watch and serve reload all files once.
 
 For all commands, before or after the command:
@@ -103,6 +112,7 @@ Examples:
   printf '%s\n' 'set net.port=1' quit | connector-config watch net.port
   connector-config check site.properties
   connector-config -f site.properties serve --reload --http 127.0.0.1:8080
+  connector-config --url http://127.0.0.1:8080 set net.port:int=8080
 )";
 }
 
