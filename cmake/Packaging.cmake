@@ -41,7 +41,7 @@ endfunction()
 
 # The library
 connector_install_headers("${PROJECT_SOURCE_DIR}/connector" connector
-    REGEX "/connector/(service|sources|testing)$" EXCLUDE)
+    REGEX "/connector/(etcd|service|sources|testing)$" EXCLUDE)
 foreach(header IN LISTS connector_installed_private_headers)
     cmake_path(GET header PARENT_PATH parent)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}"
@@ -73,6 +73,11 @@ if(TARGET connector-service)
     connector_install_component(service)
     install(FILES "${PROJECT_BINARY_DIR}/connector/service/include/connector/service/Export.hpp"
         DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/service")
+endif()
+if(TARGET connector-etcd)
+    connector_install_component(etcd)
+    install(FILES "${PROJECT_BINARY_DIR}/connector/etcd/include/connector/etcd/Export.hpp"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/connector/etcd")
 endif()
 if(TARGET connector-testing)
     connector_install_component(testing)
@@ -141,5 +146,17 @@ if(TARGET connector-service)
     configure_file("${CMAKE_CURRENT_LIST_DIR}/connector-service.pc.in"
         "${PROJECT_BINARY_DIR}/cmake/connector-service.pc" @ONLY)
     install(FILES "${PROJECT_BINARY_DIR}/cmake/connector-service.pc"
+        DESTINATION "${connector_pkgconfig_dir}")
+endif()
+if(TARGET connector-etcd)
+    set(connector_etcd_static_definitions "")
+    set(connector_etcd_static_requires "")
+    if(NOT BUILD_SHARED_LIBS)
+        set(connector_etcd_static_definitions "-DCONNECTOR_ETCD_STATIC_DEFINE")
+        set(connector_etcd_static_requires ", grpc++, protobuf-lite")
+    endif()
+    configure_file("${CMAKE_CURRENT_LIST_DIR}/connector-etcd.pc.in"
+        "${PROJECT_BINARY_DIR}/cmake/connector-etcd.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/cmake/connector-etcd.pc"
         DESTINATION "${connector_pkgconfig_dir}")
 endif()

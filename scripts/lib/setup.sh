@@ -13,13 +13,17 @@ base_packages=(
     ccache
     cmake
     curl
+    etcd-client
+    etcd-server
     g++
     libbenchmark-dev
     libboost-log-dev
     libcli11-dev
     libgmock-dev
+    libgrpc++-dev
     libgtest-dev
     libpoco-dev
+    libprotobuf-dev
     libssl-dev
     libtomlplusplus-dev
     libyaml-cpp-dev
@@ -29,6 +33,8 @@ base_packages=(
     openjdk-17-jdk-headless
     openssl
     pkg-config
+    protobuf-compiler
+    protobuf-compiler-grpc
     python3
     python3-jsonschema
     python3-yaml

@@ -27,6 +27,7 @@ EXPORT_HEADERS = {
     "connector/Export.hpp": ("connector/",),
     "connector/service/Export.hpp": ("connector/service/",),
     "connector/sources/Export.hpp": ("connector/sources/",),
+    "connector/etcd/Export.hpp": ("connector/etcd/",),
     "connector/platform/Export.hpp": ("platform/", "messaging/"),
 }
 

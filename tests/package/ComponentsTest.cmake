@@ -1,5 +1,5 @@
-# A consumer of the components of the moved package, through find_package, and of connector-sources
-# and connector-service through pkg-config.
+# A consumer of the components of the moved package, through find_package, and of connector-sources,
+# connector-service and connector-etcd through pkg-config.
 include("${CMAKE_CURRENT_LIST_DIR}/Steps.cmake")
 
 build_project("${CMAKE_CURRENT_LIST_DIR}/components" "${WORK_DIR}/components"
@@ -11,6 +11,10 @@ endif()
 run(output "${WORK_DIR}/components/serves")
 if(NOT output STREQUAL "http://127.0.0.1:\n")
     fail("the consumer of the component service says: ${output}")
+endif()
+run(output "${WORK_DIR}/components/names-etcd")
+if(NOT output STREQUAL "The prefix is empty\n")
+    fail("the consumer of the component etcd says: ${output}")
 endif()
 run(output "${WORK_DIR}/components/conforms")
 if(NOT output MATCHES "PASSED")
@@ -44,3 +48,4 @@ endfunction()
 
 check_pkg_config(connector-sources reads-yaml "8080\n")
 check_pkg_config(connector-service serves "http://127.0.0.1:\n")
+check_pkg_config(connector-etcd names-etcd "The prefix is empty\n")

@@ -1,0 +1,120 @@
+// The end of a source, whatever the network and the watchers do.
+#include "Fixture.hpp"
+
+#include <connector/configuration/ConfigurationImpl.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <future>
+
+namespace {
+
+using namespace test;
+using connector::configuration::ConfigurationImpl;
+
+/// @return how many threads of sources there are in this process
+int threadsOfSources() {
+    int count = 0;
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::string name;
+        std::getline(std::ifstream(task.path() / "comm"), name);
+        count += name == "etcd-network" || name == "etcd-telling";
+    }
+    return count;
+}
+
+/// Destroys a source.
+/// @return whether that took less than a second
+template <typename Source>
+bool endsWithinASecond(Source& source) {
+    const auto begin = std::chrono::steady_clock::now();
+    source.reset();
+    return std::chrono::steady_clock::now() - begin < 1s;
+}
+
+class EndTest : public testing::Test {
+protected:
+    ~EndTest() override {
+        EXPECT_TRUE(eventually([] { return threadsOfSources() == 0; }));
+    }
+
+    EtcdServer server;
+    Client client{server.endpoint()};
+};
+
+TEST_F(EndTest, LeavesNoThread) {
+    auto source = sourceOf(server.endpoint());
+    EXPECT_EQ(2, threadsOfSources());
+    EXPECT_TRUE(endsWithinASecond(source));
+    EXPECT_EQ(0, threadsOfSources());
+}
+
+TEST_F(EndTest, DoesNotWaitForAFrozenServer) {
+    auto source = sourceOf(server.endpoint());
+    server.freeze();
+    auto write = source->put("a", "unknown");
+    EXPECT_TRUE(endsWithinASecond(source));
+    EXPECT_THROW(write.get(), std::runtime_error);
+}
+
+TEST_F(EndTest, DoesNotWaitForAConnection) {
+    Proxy proxy(server.port());
+    proxy.drop();
+    Options options = optionsFor({proxy.endpoint()});
+    options.startup = Startup::Empty();
+    for (int i = 0; i < 5; ++i) {
+        auto source = std::make_shared<EtcdSource>(options);
+        EXPECT_TRUE(endsWithinASecond(source));
+    }
+}
+
+TEST_F(EndTest, DoesNotWaitForAWatcherForEver) {
+    auto source = sourceOf(server.endpoint());
+    auto entered = std::make_shared<std::promise<void>>();
+    auto released = std::make_shared<std::promise<void>>();
+    source->setWatcher([entered, released](const std::string&) {
+        entered->set_value();
+        released->get_future().wait();
+    });
+    client.put(prefix + "a", "1");
+    entered->get_future().wait();
+    EXPECT_TRUE(endsWithinASecond(source));
+    released->set_value();
+}
+
+TEST_F(EndTest, MayComeWhileTheLockOfAConfigurationIsHeld) {
+    const auto configuration = std::make_shared<ConfigurationImpl>();
+    auto source = sourceOf(server.endpoint());
+    configuration->addSource("fleet", "", 60, true, source).get();
+    const std::weak_ptr<EtcdSource> observed = source;
+    source.reset();
+    for (int i = 0; i < 20; ++i)
+        client.put(prefix + "a", std::to_string(i));
+    EXPECT_TRUE(configuration->removeSource("fleet").get());
+    EXPECT_TRUE(observed.expired());
+}
+
+TEST_F(EndTest, MayComeFromTheWatcher) {
+    auto source = std::make_shared<std::shared_ptr<EtcdSource>>(sourceOf(server.endpoint()));
+    auto ended = std::make_shared<std::promise<void>>();
+    (*source)->setWatcher([source, ended](const std::string&) {
+        const auto kept = source; // the next line destroys the captures
+        const auto keptEnd = ended;
+        kept->reset();
+        keptEnd->set_value();
+    });
+    client.put(prefix + "a", "1");
+    ended->get_future().wait();
+}
+
+TEST_F(EndTest, MayComeFromAContinuation) {
+    auto source = std::make_shared<std::shared_ptr<EtcdSource>>(sourceOf(server.endpoint()));
+    std::promise<void> ended;
+    (*source)->put("a", "1").then([&](connector::Future<std::int64_t>&) {
+        source->reset();
+        ended.set_value();
+    });
+    ended.get_future().wait();
+}
+
+} // namespace
