@@ -21,7 +21,7 @@ std::string failureOf(const Options& options) {
 }
 
 TEST(StartupTest, WaitThrowsTheCause) {
-    const Options options = withoutEngine(Startup::Wait(300ms));
+    const Options options = withoutEngine(Startup::Wait(2s));
     const std::string failure = failureOf(options);
     EXPECT_EQ(0u, failure.find("etcd does not answer: " + options.endpoints[0])) << failure;
     EXPECT_NE(std::string::npos, failure.find("refused")) << failure;
