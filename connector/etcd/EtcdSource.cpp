@@ -1,5 +1,6 @@
 #include <connector/etcd/EtcdSource.hpp>
 
+#include <connector/etcd/detail/BlockedSignals.hpp>
 #include <connector/etcd/detail/Core.hpp>
 
 #include <algorithm>
@@ -21,6 +22,12 @@ std::vector<std::string> keysOf(sources::TableChange change) {
         std::move(more->begin(), more->end(), std::back_inserter(keys));
     std::sort(keys.begin(), keys.end());
     return keys;
+}
+
+/// The first completion queue starts the threads of gRPC.
+std::shared_ptr<detail::Core> makeCore(Options options) {
+    const detail::BlockedSignals blocked;
+    return std::make_shared<detail::Core>(detail::checked(std::move(options)));
 }
 
 } // namespace
@@ -51,8 +58,7 @@ private:
 };
 
 EtcdSource::EtcdSource(Options options)
-    : core(std::make_shared<detail::Core>(detail::checked(std::move(options)))),
-      publication(std::make_shared<Publication>(*this)) {
+    : core(makeCore(std::move(options))), publication(std::make_shared<Publication>(*this)) {
     exchangeTable(core->takeCachedTable());
     core->start(publication, table());
     const Startup startup = core->getSettings().options.startup;

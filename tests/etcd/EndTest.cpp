@@ -12,12 +12,17 @@ namespace {
 using namespace test;
 using connector::configuration::ConfigurationImpl;
 
+std::string threadNameOf(const std::filesystem::path& task) {
+    std::string name;
+    std::getline(std::ifstream(task / "comm"), name);
+    return name;
+}
+
 /// @return how many threads of sources there are in this process
 int threadsOfSources() {
     int count = 0;
     for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::string name;
-        std::getline(std::ifstream(task.path() / "comm"), name);
+        const std::string name = threadNameOf(task.path());
         count += name == "etcd-network" || name == "etcd-telling";
     }
     return count;
@@ -47,6 +52,19 @@ TEST_F(EndTest, LeavesNoThread) {
     EXPECT_EQ(2, threadsOfSources());
     EXPECT_TRUE(endsWithinASecond(source));
     EXPECT_EQ(0, threadsOfSources());
+}
+
+TEST_F(EndTest, ItsThreadsTakeNoSignals) {
+    const auto source = sourceOf(server.endpoint());
+    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
+        std::string line;
+        std::ifstream status(task.path() / "status");
+        while (std::getline(status, line) && line.compare(0, 7, "SigBlk:") != 0) {
+        }
+        const bool isSource = threadNameOf(task.path()).compare(0, 5, "etcd-") == 0;
+        const bool takesTermination = (std::stoull(line.substr(7), nullptr, 16) >> 14 & 1) == 0;
+        EXPECT_FALSE(isSource && takesTermination) << line;
+    }
 }
 
 TEST_F(EndTest, DoesNotWaitForAFrozenServer) {
