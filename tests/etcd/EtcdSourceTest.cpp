@@ -93,7 +93,7 @@ TEST_F(EtcdSourceTest, TellsALargeTransactionAsOneChange) {
     std::set<std::size_t> sizes;
     source->setWatcher([&](const std::string&) { sizes.insert(source->table()->size()); });
     Client::Pairs changes;
-    for (int i = 0; i < 100; ++i) // more than the engine sends in one message
+    for (int i = 0; i < 100; ++i) // more than a megabyte
         changes.emplace_back(prefix + "key." + std::to_string(i), std::string(12'000, 'x'));
     ASSERT_TRUE(source->waitFor(client.write(changes), 30s));
     source->setWatcher({});
