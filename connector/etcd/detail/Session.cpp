@@ -1,20 +1,10 @@
 #include <connector/etcd/detail/Session.hpp>
 
 #include <connector/etcd/detail/Channel.hpp>
-#include <connector/etcd/detail/Keys.hpp>
-#include <connector/etcd/detail/Reading.hpp>
 
-#include <algorithm>
-#include <exception>
 #include <utility>
 
 namespace connector::etcd::detail {
-
-namespace {
-
-constexpr int mostLists = 3; // in a row, before the session gives up
-
-} // namespace
 
 Session::Session(const Settings& newSettings, const Endpoint& newEndpoint,
                  grpc::CompletionQueue& newQueue, SessionListener& newListener,
@@ -30,18 +20,6 @@ Session::~Session() {
     }
     if (stream)
         stream->cancel();
-}
-
-/// What a step throws is the failure of the session.
-template <typename Action>
-void Session::step(Action action) {
-    if (hasFailed)
-        return;
-    try {
-        action();
-    } catch (const std::exception& error) {
-        fail(error.what());
-    }
 }
 
 void Session::start() {
@@ -75,16 +53,6 @@ void Session::range(const etcdserverpb::RangeRequest& request, std::chrono::mill
         return kv->PrepareAsyncRange(context, request, &queue);
     });
 }
-
-template <typename Started, typename Prepare>
-void Session::begin(const std::shared_ptr<Started>& call, Prepare prepare) {
-    const auto isOver = [](const std::weak_ptr<Call>& weak) { return weak.expired(); };
-    calls.erase(std::remove_if(calls.begin(), calls.end(), isOver), calls.end());
-    calls.push_back(call);
-    call->start(prepare);
-}
-
-// Authentication
 
 void Session::authenticate(Next next) {
     etcdserverpb::AuthenticateRequest request;
@@ -128,245 +96,6 @@ void Session::renewToken() {
         token.clear();
         authenticate(&Session::tokenRenewed);
     });
-}
-
-// Listing
-
-/// The first call. It finds out soon whether somebody is there, and whether the history of the
-/// engine is the known one.
-void Session::greet() {
-    const Witness& witness = known.witness;
-    etcdserverpb::RangeRequest request;
-    if (known.revision > 0 && !witness.key.empty()) {
-        request.set_key(witness.key);
-        request.set_revision(witness.at > 0 ? witness.at : known.revision);
-    } else {
-        request.set_key(probeKey(settings.options.prefix));
-        request.set_revision(known.revision);
-        request.set_keys_only(true);
-    }
-    range(request, settings.options.timing.answerTimeout, &Session::greeted);
-}
-
-void Session::greeted(const grpc::Status& status, const Range& answer) {
-    const bool isGone = status.error_code() == grpc::StatusCode::OUT_OF_RANGE;
-    if (wantsToken(status)) {
-        refused(status, &Session::greet);
-        return;
-    }
-    if (!status.ok() && !(isGone && known.revision > 0)) {
-        fail(causeOf(status));
-        return;
-    }
-    hasRenewed = false;
-    target = answer.header().revision();
-    if (status.ok() && continues(answer))
-        watch();
-    else
-        list();
-}
-
-/// @return whether the changes since the known revision can be watched
-bool Session::continues(const Range& answer) const {
-    return known.revision > 0 && answer.header().cluster_id() == known.clusterId &&
-           answer.header().revision() >= known.revision &&
-           (known.witness.key.empty() || shows(answer, known.witness));
-}
-
-void Session::list() {
-    if (++attempts > mostLists) {
-        fail("the list was compacted while it was read, several times");
-        return;
-    }
-    listing.emplace(settings.options.prefix);
-    askForPage();
-}
-
-void Session::askForPage() {
-    range(listing->next(), settings.options.timing.pageTimeout, &Session::listed);
-}
-
-void Session::listed(const grpc::Status& status, const Range& page) {
-    if (wantsToken(status)) {
-        refused(status, &Session::askForPage);
-        return;
-    }
-    if (status.error_code() == grpc::StatusCode::OUT_OF_RANGE) {
-        list();
-        return;
-    }
-    if (!status.ok()) {
-        fail(causeOf(status));
-        return;
-    }
-    hasRenewed = false;
-    if (!listing->take(page)) {
-        askForPage();
-        return;
-    }
-    List result = listing->result();
-    known = result.known;
-    target = known.revision;
-    listener.sessionListed(std::move(result), listing->ignored());
-    listing.reset();
-    watch();
-}
-
-// Watching
-
-void Session::watch() {
-    watching.emplace(settings.options.prefix, known);
-    const auto ifPresent = [weak = weak_from_this(), number = ++watches](auto action) {
-        const auto self = weak.lock();
-        if (self && self->watches == number)
-            self->step([&] { action(*self); });
-    };
-    stream = std::make_shared<WatchStream>(
-        token,
-        [ifPresent](const etcdserverpb::WatchResponse& message) {
-            ifPresent([&](Session& self) { self.watchSpoke(message); });
-        },
-        [ifPresent](const grpc::Status& status) {
-            ifPresent([&](Session& self) { self.watchEnded(status); });
-        });
-    stream->start(channel, queue, watching->begin());
-    askedAt = Clock::now();
-    probeAt = Clock::now() + settings.options.timing.probeInterval;
-}
-
-void Session::watchSpoke(const etcdserverpb::WatchResponse& message) {
-    lastSign = Clock::now();
-    askedAt.reset();
-    switch (watching->take(message)) {
-    case Watching::News::None:
-        break;
-    case Watching::News::Began:
-        watchBegan();
-        break;
-    case Watching::News::Changed:
-        watchChanged();
-        break;
-    case Watching::News::Compacted:
-        startAgain();
-        break;
-    }
-}
-
-void Session::watchBegan() {
-    attempts = 0;
-    hasFollowed = true;
-    listener.sessionBeganToWatch();
-    if (watching->known().revision >= target)
-        becomeCurrent();
-    else
-        quietAt = Clock::now() + settings.options.timing.catchUpTime;
-}
-
-void Session::watchChanged() {
-    const std::uint64_t ignored = watching->takeIgnored();
-    listener.sessionChanged(watching->takeChanges(), ignored);
-    if (isCurrent)
-        return;
-    isLastProbe = false;
-    if (watching->known().revision >= target)
-        becomeCurrent();
-    else
-        quietAt = Clock::now() + settings.options.timing.catchUpTime;
-}
-
-/// The revision after the known one is compacted.
-void Session::startAgain() {
-    ++watches; // what the present one says is ignored
-    stream->cancel();
-    stream.reset();
-    watching.reset();
-    quietAt.reset();
-    askedAt.reset();
-    hasFollowed = false;
-    list();
-}
-
-void Session::watchEnded(const grpc::Status& status) {
-    fail(status.ok() ? "the watch ended" : causeOf(status));
-}
-
-/// The engine does not say that a watch has caught up. It looks for missed changes ten times a
-/// second and reports them; so when nothing came for longer, and the engine answers a question
-/// after that, there were none.
-void Session::becomeCurrent() {
-    isCurrent = true;
-    quietAt.reset();
-    listener.sessionIsCurrent();
-}
-
-// Signs of life
-
-Session::Clock::time_point Session::due() const {
-    if (!stream || hasFailed)
-        return Clock::time_point::max(); // calls have deadlines of their own
-    Clock::time_point first = probeAt;
-    if (askedAt)
-        first = std::min(first, *askedAt + settings.options.timing.answerTimeout);
-    if (quietAt && !isProbing)
-        first = std::min(first, *quietAt);
-    return first;
-}
-
-void Session::onTime() {
-    step([this] {
-        const Clock::time_point now = Clock::now();
-        if (!stream || now < due())
-            return;
-        if (askedAt && now >= *askedAt + settings.options.timing.answerTimeout)
-            fail("the watch does not answer");
-        else
-            askForLife();
-    });
-}
-
-void Session::askForLife() {
-    const Clock::time_point now = Clock::now();
-    const bool isQuiet = quietAt && now >= *quietAt;
-    if (now < probeAt && (isProbing || !isQuiet))
-        return;
-    probeAt = now + settings.options.timing.probeInterval;
-    if (hasFollowed && !askedAt) {
-        stream->requestProgress();
-        askedAt = now;
-    }
-    if (isProbing)
-        return;
-    isLastProbe = isQuiet;
-    probe();
-}
-
-/// Asks for a key that does not exist. The answer needs a leader, and costs the engine next to
-/// nothing.
-void Session::probe() {
-    etcdserverpb::RangeRequest request;
-    request.set_key(probeKey(settings.options.prefix));
-    request.set_keys_only(true);
-    isProbing = true;
-    range(request, settings.options.timing.answerTimeout, &Session::probed);
-}
-
-void Session::probed(const grpc::Status& status, const Range& answer) {
-    if (wantsToken(status)) {
-        refused(status, &Session::probe);
-        return;
-    }
-    if (!status.ok()) {
-        fail(causeOf(status));
-        return;
-    }
-    if (answer.header().cluster_id() != known.clusterId) {
-        fail("the cluster changed");
-        return;
-    }
-    hasRenewed = false;
-    isProbing = false;
-    if (std::exchange(isLastProbe, false) && quietAt)
-        becomeCurrent();
 }
 
 } // namespace connector::etcd::detail

@@ -11,8 +11,10 @@
 #include <etcdserverpb/rpc.grpc.pb.h>
 #include <grpcpp/grpcpp.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -124,5 +126,25 @@ private:
     std::optional<Clock::time_point> quietAt; // when the watch has caught up if nothing comes
     bool isLastProbe = false; // the probe after whose answer the watch has caught up
 };
+
+/// What a step throws is the failure of the session.
+template <typename Action>
+void Session::step(Action action) {
+    if (hasFailed)
+        return;
+    try {
+        action();
+    } catch (const std::exception& error) {
+        fail(error.what());
+    }
+}
+
+template <typename Started, typename Prepare>
+void Session::begin(const std::shared_ptr<Started>& call, Prepare prepare) {
+    const auto isOver = [](const std::weak_ptr<Call>& weak) { return weak.expired(); };
+    calls.erase(std::remove_if(calls.begin(), calls.end(), isOver), calls.end());
+    calls.push_back(call);
+    call->start(prepare);
+}
 
 } // namespace connector::etcd::detail

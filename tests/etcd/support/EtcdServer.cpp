@@ -68,6 +68,10 @@ void EtcdServer::start() {
         command.push_back("--cert-file=" + tls->certificate);
         command.push_back("--key-file=" + tls->key);
     }
+    if (cluster.find(',') == std::string::npos) { // alone it is elected soon
+        command.push_back("--heartbeat-interval=10");
+        command.push_back("--election-timeout=100");
+    }
     command.insert(command.end(), arguments.begin(), arguments.end());
     process = std::make_unique<Process>(command, folder.path / "log");
 }
