@@ -182,7 +182,7 @@ TEST(LintDifferential, NoDifferenceIsWithoutAReason) {
 
 TEST(LintDifferential, ALineThatIsWrittenSaysTheSameToBoth) {
     const std::vector<std::string> files = allFiles();
-    forGeneratedFiles(files, [&files](std::size_t i) {
+    forGeneratedFiles(files, [](std::size_t i) {
         const std::string bytes = generatedBytes(static_cast<unsigned>(i));
         for (const auto& [key, value] : readByLibrary(bytes)) {
             const std::string line = properties::detail::written(key, value) + '\n';
