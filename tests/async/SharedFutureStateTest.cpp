@@ -11,6 +11,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <type_traits>
 
 namespace connector::detail {
@@ -145,12 +146,12 @@ TEST(SharedFutureState, TheFutureKeepsTheStateAlive) {
 
 TEST(SharedFutureState, GetFutureThrowsWithoutASharedPointer) {
     State state;
-    EXPECT_THROW(state.getFuture(), std::bad_weak_ptr);
+    EXPECT_THROW(std::ignore = state.getFuture(), std::bad_weak_ptr);
 }
 
 TEST(SharedFutureState, AFailedGetFutureCounts) {
     State state;
-    EXPECT_THROW(state.getFuture(), std::bad_weak_ptr);
+    EXPECT_THROW(std::ignore = state.getFuture(), std::bad_weak_ptr);
     expectThrows<std::runtime_error>(futureAlreadyReturned, [&] { return state.getFuture(); });
 }
 

@@ -100,7 +100,8 @@ TEST_F(CoreDiagnostics, AddPropertyFileSourceLogsItsType) {
 }
 
 TEST_F(CoreDiagnostics, AFileThatCannotBeOpenedLogsNothing) {
-    EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, u"/no/such/file"));
+    EXPECT_ANY_THROW(
+        std::ignore = configuration->addPropertyFileSource("file", "", 5, true, u"/no/such/file"));
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 

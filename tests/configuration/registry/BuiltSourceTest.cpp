@@ -96,7 +96,8 @@ TEST(AddPropertyFileSource, ThrowsForAFileThatCannotBeOpened) {
 
 TEST(AddPropertyFileSource, LeavesTheNameFreeAfterAFailure) {
     const auto configuration = makeConfiguration();
-    EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, missingFile));
+    EXPECT_ANY_THROW(std::ignore =
+                         configuration->addPropertyFileSource("file", "", 5, true, missingFile));
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
     EXPECT_TRUE(configuration->addInMemorySource("file", "", 5, true, {}).get());
 }
@@ -111,7 +112,8 @@ TEST(AddPropertyFileSource, OpensTheFileBeforeItChecksTheName) {
 TEST(AddPropertyFileSource, OpensTheFileWithoutTheMutex) {
     const auto configuration = makeConfiguration();
     EXPECT_FALSE(test::waitsForMutex(*configuration, [&] {
-        EXPECT_ANY_THROW(configuration->addPropertyFileSource("file", "", 5, true, missingFile));
+        EXPECT_ANY_THROW(
+            std::ignore = configuration->addPropertyFileSource("file", "", 5, true, missingFile));
     }));
 }
 

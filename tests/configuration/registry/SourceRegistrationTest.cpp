@@ -107,13 +107,15 @@ TEST_F(SourceRegistration, DeliversAChangeThatTheSourceReports) {
 }
 
 TEST_F(SourceRegistration, OfANullSourceThrowsAndRegistersNothing) {
-    EXPECT_THROW(configuration->addSource("a", "", 5, false, nullptr), std::bad_typeid);
+    EXPECT_THROW(std::ignore = configuration->addSource("a", "", 5, false, nullptr),
+                 std::bad_typeid);
     EXPECT_THAT(sourcesOf(*configuration), ElementsAre("override", "default"));
 }
 
 TEST_F(SourceRegistration, OfANullSourceThrowsAndLogsNothing) {
     const test::CoreLog log;
-    EXPECT_THROW(configuration->addSource("a", "", 5, false, nullptr), std::bad_typeid);
+    EXPECT_THROW(std::ignore = configuration->addSource("a", "", 5, false, nullptr),
+                 std::bad_typeid);
     EXPECT_THAT(log.lines(), ElementsAre());
 }
 

@@ -115,7 +115,7 @@ TEST(Dispatch, SeesTheStopOnAnotherThread) {
 }
 
 TEST(Dispatch, OfANullMessageThrows) {
-    EXPECT_THROW(dispatch(*makeRunning(), nullptr), std::bad_typeid);
+    EXPECT_THROW(std::ignore = dispatch(*makeRunning(), nullptr), std::bad_typeid);
 }
 
 TEST(Dispatch, OfEachRequestCallsItsHandler) {
@@ -190,7 +190,7 @@ TEST(Dispatch, ToAProviderOnTheStackThrows) {
     RecordingProvider provider;
     provider.start();
     MessagePtr message = std::make_unique<ConfigurationGet>("key");
-    EXPECT_THROW(dispatch(provider, message), std::bad_weak_ptr);
+    EXPECT_THROW(std::ignore = dispatch(provider, message), std::bad_weak_ptr);
     EXPECT_NE(nullptr, message);
     EXPECT_THAT(provider.calls, IsEmpty());
 }
@@ -198,7 +198,7 @@ TEST(Dispatch, ToAProviderOnTheStackThrows) {
 TEST(Dispatch, ToAProviderOnTheStackChecksTheMessageFirst) {
     RecordingProvider provider;
     provider.start();
-    EXPECT_THROW(dispatch(provider, nullptr), std::bad_typeid);
+    EXPECT_THROW(std::ignore = dispatch(provider, nullptr), std::bad_typeid);
     expectWrongClass("N9connector7MessageE", send<Message>(provider));
 }
 

@@ -152,7 +152,7 @@ TEST_F(ServiceWithConfiguration, ThrowsForASourceNameThatIsTaken) {
 }
 
 TEST_F(ServiceWithConfiguration, WorksAfterAFailure) {
-    EXPECT_ANY_THROW(send<ConfigurationSet>(*provider, "port", 80, "unknown"));
+    EXPECT_ANY_THROW(std::ignore = send<ConfigurationSet>(*provider, "port", 80, "unknown"));
     EXPECT_TRUE(hasNoOption("port"));
 }
 

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <tuple>
 
 namespace {
 
@@ -100,7 +101,7 @@ TEST_F(LoadedService, RefusesAMessageThatIsNotARequest) {
 }
 
 TEST_F(LoadedService, ThrowsForANullMessage) {
-    EXPECT_THROW(dispatch(nullptr), std::bad_typeid);
+    EXPECT_THROW(std::ignore = dispatch(nullptr), std::bad_typeid);
 }
 
 TEST_F(LoadedService, RefusesEveryMessageAfterTheProgramStopsIt) {
