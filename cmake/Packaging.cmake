@@ -88,6 +88,11 @@ if(TARGET connector-config)
     connector_relative_path("${CMAKE_INSTALL_BINDIR}" "${CMAKE_INSTALL_LIBDIR}" bin_to_lib)
     set_target_properties(connector-config PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
     install(TARGETS connector-config)
+    set(network_destination "${CMAKE_INSTALL_LIBEXECDIR}/connector-config")
+    connector_relative_path("${network_destination}" "${CMAKE_INSTALL_LIBDIR}" network_to_lib)
+    set_target_properties(connector-config-network PROPERTIES
+        INSTALL_RPATH "$ORIGIN/${network_to_lib}")
+    install(TARGETS connector-config-network DESTINATION "${network_destination}")
 endif()
 
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}")

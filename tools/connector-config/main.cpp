@@ -1,126 +1,26 @@
 /// connector-config: shows the values of options and where they come from. See
 /// docs/connector-config.md.
-#include "ExitStatus.hpp"
-#include "arguments/Arguments.hpp"
-#include "arguments/Help.hpp"
-#include "commands/Check.hpp"
-#include "commands/Commands.hpp"
-#include "commands/FileReloading.hpp"
-#include "commands/HangupThread.hpp"
-#include "commands/OptionReader.hpp"
-#include "commands/RemoteCommands.hpp"
-#include "commands/ServeHttp.hpp"
-#include "commands/ServeStandardInput.hpp"
-#include "commands/Sources.hpp"
-#include "display/Output.hpp"
-#include "display/Trace.hpp"
-#include "values/WrongArguments.hpp"
+#include "Program.hpp"
 
-#include <iostream>
+#include <cerrno>
+#include <filesystem>
+#include <stdexcept>
+#include <system_error>
+
+#include <unistd.h>
 
 namespace connector_config {
 
-using connector::service::Secrets;
-
 namespace {
 
-ExitStatus report(const GetResult& result) {
-    writeOutput(result.output);
-    for (const std::string& failure : result.failures)
-        printError(failure);
-    return result.failures.empty() ? Success : Failure;
-}
-
-void serve(const std::shared_ptr<ConfigurationImpl>& configuration, const Arguments& arguments,
-           const NamedFiles& files) {
-    if (arguments.http)
-        return serveHttp(configuration, arguments, files);
-    const FileReloading reloading(files, arguments.followsFiles);
-    serveStandardInput(configuration);
-}
-
-/// The commands that only read.
-ExitStatus runReader(OptionReader& reader, const Arguments& arguments) {
-    switch (arguments.command) {
-    case Command::Get:
-        return report(get(reader, arguments));
-    case Command::Keys:
-        writeOutput(keys(reader, arguments));
-        break;
-    case Command::Show:
-        writeOutput(show(reader, arguments, terminalOfOutput()));
-        break;
-    case Command::Explain:
-        writeOutput(explain(reader, arguments, terminalOfOutput()));
-        break;
-    case Command::Watch:
-    case Command::Set:
-    case Command::Serve:
-    case Command::Check:
-        break; // the callers run them
-    }
-    return Success;
-}
-
-ExitStatus statusOf(CheckResult result) {
-    if (result == CheckResult::Clean)
-        return Success;
-    return result == CheckResult::Findings ? Failure : UsageError;
-}
-
-ExitStatus runOnService(const Arguments& arguments) {
-    HttpClient client(*arguments.service);
-    RemoteOptions reader(client);
-    if (arguments.command == Command::Watch)
-        watchRemotely(client, arguments);
-    else if (arguments.command == Command::Set)
-        setRemotely(client, arguments);
-    else
-        return runReader(reader, arguments);
-    return Success;
-}
-
-ExitStatus runOnSources(const Arguments& arguments) {
-    if (arguments.command == Command::Watch || arguments.command == Command::Serve)
-        blockHangup(); // before the files are read, so that no signal ends the program
-    const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
-                                                       : nullptr);
-    const auto configuration = std::make_shared<ConfigurationImpl>();
-    const NamedFiles files = addSources(*configuration, arguments.sources);
-    LocalOptions reader(*configuration);
-    if (arguments.command == Command::Watch)
-        watch(*configuration, arguments, files);
-    else if (arguments.command == Command::Serve)
-        serve(configuration, arguments, files);
-    else
-        return runReader(reader, arguments);
-    return Success;
-}
-
-ExitStatus run(const Arguments& arguments) {
-    if (!arguments.information.empty()) {
-        writeOutput(arguments.information);
-        return Success;
-    }
-    if (arguments.command == Command::Check)
-        return statusOf(check(arguments.check, Secrets(arguments.secrets)));
-    return arguments.service ? runOnService(arguments) : runOnSources(arguments);
-}
-
-ExitStatus runReportingFailure(int argc, const char* const argv[]) {
-    try {
-        return run(parseArguments(argc, argv));
-    } catch (const WrongArguments& error) {
-        printError(error.what());
-        std::cerr << usageLine() << "Try connector-config --help\n" << std::flush;
-        return UsageError;
-    } catch (const OutputError& error) {
-        if (!error.isBrokenPipe())
-            printError(error.what());
-    } catch (const std::exception& error) {
-        printError(error.what());
-    }
-    return Failure;
+/// Replaces this process by the program that can use the network.
+[[noreturn]] void startNetworkProgram(char* const argv[]) {
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe");
+    const std::filesystem::path program =
+        (self.parent_path() / CONNECTOR_CONFIG_NETWORK).lexically_normal();
+    ::execv(program.c_str(), argv);
+    throw std::runtime_error("Cannot run " + program.string() + ": " +
+                             std::generic_category().message(errno));
 }
 
 } // namespace
@@ -128,5 +28,8 @@ ExitStatus runReportingFailure(int argc, const char* const argv[]) {
 } // namespace connector_config
 
 int main(int argc, char* argv[]) {
-    return connector_config::runReportingFailure(argc, argv);
+    return connector_config::runProgram(
+        argc, argv, [argv](const connector_config::Arguments&) -> connector_config::ExitStatus {
+            connector_config::startNetworkProgram(argv);
+        });
 }

@@ -3,7 +3,6 @@
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/configuration/SourceAnswer.hpp>
-#include <connector/service/HttpClient.hpp>
 
 #include <string>
 #include <vector>
@@ -53,22 +52,6 @@ public:
 
 private:
     ConfigurationImpl& configuration;
-};
-
-/// Asks a service.
-class RemoteOptions : public OptionReader {
-public:
-    /// @param newClient  must outlive this object
-    explicit RemoteOptions(connector::service::HttpClient& newClient) : client(newClient) {}
-
-    OptionValue value(const std::string& key) override;
-    Option option(const std::string& key) override;
-    std::vector<std::string> keys(const std::string& prefix) override;
-    std::vector<Option> options(const std::string& prefix) override;
-    std::vector<SourceAnswer> explain(const std::string& key) override;
-
-private:
-    connector::service::HttpClient& client;
 };
 
 } // namespace connector_config

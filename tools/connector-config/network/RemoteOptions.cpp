@@ -1,4 +1,4 @@
-#include "commands/OptionReader.hpp"
+#include "network/RemoteOptions.hpp"
 
 #include <optional>
 #include <set>

@@ -1,4 +1,4 @@
-#include "commands/RemoteCommands.hpp"
+#include "network/RemoteCommands.hpp"
 
 #include "commands/ChangeText.hpp"
 #include "commands/Sources.hpp"

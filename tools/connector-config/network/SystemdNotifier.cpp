@@ -1,4 +1,4 @@
-#include "commands/SystemdNotifier.hpp"
+#include "network/SystemdNotifier.hpp"
 
 #include <cstddef>
 #include <cstdint>

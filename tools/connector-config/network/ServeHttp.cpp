@@ -1,8 +1,8 @@
-#include "commands/ServeHttp.hpp"
+#include "network/ServeHttp.hpp"
 
 #include "commands/FileReloading.hpp"
-#include "commands/SystemdNotifier.hpp"
 #include "display/Output.hpp"
+#include "network/SystemdNotifier.hpp"
 
 #include <connector/service/HttpService.hpp>
 

@@ -1,0 +1,43 @@
+/// What the program does with its arguments.
+///
+/// There are two programs with the same sources and commands: connector-config, and
+/// connector-config-network, which can also use the network. Loading the libraries for that takes
+/// longer than most commands run, so connector-config starts the other program when it must.
+#pragma once
+
+#include "ExitStatus.hpp"
+#include "arguments/Arguments.hpp"
+#include "commands/NamedFile.hpp"
+
+#include <connector/configuration/ConfigurationImpl.hpp>
+
+#include <functional>
+#include <memory>
+
+namespace connector_config {
+
+class OptionReader;
+
+/// Runs a command that uses the network.
+/// @return the exit status of the program
+using RunOnNetwork = std::function<ExitStatus(const Arguments&)>;
+
+/// Serves a configuration until the program ends.
+/// @param files  of its sources
+using Serve =
+    std::function<void(const std::shared_ptr<connector::configuration::ConfigurationImpl>&,
+                       const Arguments&, const NamedFiles& files)>;
+
+/// Runs the program. Failures are printed.
+/// @param argv  as main gets it
+/// @return the exit status
+int runProgram(int argc, const char* const argv[], const RunOnNetwork& runOnNetwork);
+
+/// Runs a command on the sources of the arguments.
+/// @param serve  for serve
+ExitStatus runOnSources(const Arguments& arguments, const Serve& serve);
+
+/// Runs get, keys, show or explain.
+ExitStatus runReader(OptionReader& reader, const Arguments& arguments);
+
+} // namespace connector_config
