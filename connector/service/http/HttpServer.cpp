@@ -51,7 +51,7 @@ HttpServer::HttpServer(const HttpOptions& newOptions, const Router& router,
                        const Secrets& secrets, Metrics& metrics)
     : options(newOptions), workers(io), events(io, configuration, secrets, workers),
       shared(workers), context{options.limits, router, guard, workers, events, shared, metrics},
-      timer(io) {
+      places(options.limits.connections), timer(io) {
     if (options.tls)
         tls = makeServerContext(*options.tls);
     for (const ListenAddress& address : options.addresses) {
@@ -123,25 +123,17 @@ void HttpServer::resume() {
 }
 
 void HttpServer::accept(Socket socket, const Peer& peer) {
-    if (isFull(peer))
+    if (!places.take(peer))
         return; // the socket is closed
-    const auto connection =
-        std::make_shared<Connection>(context, std::move(socket), peer, peer.isTls ? tls : nullptr);
-    connections.push_back(connection);
-    ++connectionsByAddress[peer.remote];
+    try {
+        connections.push_back(std::make_shared<Connection>(context, std::move(socket), peer,
+                                                           peer.isTls ? tls : nullptr));
+    } catch (...) { // no memory
+        places.giveBack(peer);
+        throw;
+    }
     scheduleTick();
-    connection->start();
-}
-
-/// One other machine must not take all places.
-bool HttpServer::isFull(const Peer& peer) const {
-    const std::size_t most = options.limits.connections;
-    if (connections.size() >= most)
-        return true;
-    const bool isOwn =
-        peer.isUnix || unmapped(peer.remote).is_loopback() || peer.remote == peer.local;
-    const auto count = connectionsByAddress.find(peer.remote);
-    return !isOwn && count != connectionsByAddress.end() && count->second >= most / 2;
+    connections.back()->start();
 }
 
 /// One timer for all deadlines: it costs no request anything, and nothing while nobody is there.
@@ -180,9 +172,7 @@ void HttpServer::sweep() {
             ++connection;
             continue;
         }
-        const auto count = connectionsByAddress.find((*connection)->peer().remote);
-        if (--count->second == 0)
-            connectionsByAddress.erase(count);
+        places.giveBack((*connection)->peer());
         connection = connections.erase(connection);
     }
 }

@@ -11,6 +11,7 @@
 #include <connector/service/http/ServerContext.hpp>
 #include <connector/service/http/SharedResponses.hpp>
 #include <connector/service/network/Listener.hpp>
+#include <connector/service/network/Places.hpp>
 #include <connector/service/network/Workers.hpp>
 
 #include <boost/asio/io_context.hpp>
@@ -18,7 +19,6 @@
 #include <boost/asio/steady_timer.hpp>
 
 #include <list>
-#include <map>
 #include <memory>
 #include <string>
 #include <thread>
@@ -55,7 +55,6 @@ private:
     void releaseHandlers() noexcept;
     void resume();
     void accept(Socket socket, const Peer& peer);
-    bool isFull(const Peer& peer) const;
     void tick();
     void scheduleTick();
     void sweep();
@@ -72,7 +71,7 @@ private:
     std::list<Listener> listeners;
     std::vector<std::string> addresses;
     std::list<std::shared_ptr<Connection>> connections;
-    std::map<boost::asio::ip::address, std::size_t> connectionsByAddress;
+    Places places;
     boost::asio::steady_timer timer;
     bool isTimerSet = false;
     Clock::time_point stopDeadline = never;

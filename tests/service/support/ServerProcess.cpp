@@ -8,17 +8,21 @@ namespace {
 
 std::vector<std::string> allArguments(const std::vector<std::string>& httpArguments,
                                       std::vector<std::string> arguments,
-                                      const std::string& address) {
+                                      const std::string& address, const std::string& limits) {
     arguments.insert(arguments.end(), {"serve", "--http", address});
     arguments.insert(arguments.end(), httpArguments.begin(), httpArguments.end());
-    return connectorConfig(arguments);
+    std::vector<std::string> command = connectorConfig(arguments);
+    if (!limits.empty())
+        command.insert(command.begin(), {"/bin/sh", "-c", limits + " && exec \"$0\" \"$@\""});
+    return command;
 }
 
 } // namespace
 
 ServerProcess::ServerProcess(const std::vector<std::string>& httpArguments,
-                             std::vector<std::string> sourceArguments, const std::string& address)
-    : running(allArguments(httpArguments, std::move(sourceArguments), address)) {
+                             std::vector<std::string> sourceArguments, const std::string& address,
+                             const std::string& limits)
+    : running(allArguments(httpArguments, std::move(sourceArguments), address, limits)) {
     const std::string line = running.readLine();
     const std::string beginning = "listening on http://";
     const std::size_t colon = line.rfind(':');

@@ -15,9 +15,11 @@ class ServerProcess {
 public:
     /// @param httpArguments    after serve --http ADDRESS
     /// @param sourceArguments  before it
+    /// @param limits           a shell command that is run before, as "ulimit -n 64"
     explicit ServerProcess(const std::vector<std::string>& httpArguments = {},
                            std::vector<std::string> sourceArguments = {},
-                           const std::string& address = "127.0.0.1:0");
+                           const std::string& address = "127.0.0.1:0",
+                           const std::string& limits = "");
     ~ServerProcess();
 
     /// @return the host that the program reports; an IPv6 address in brackets

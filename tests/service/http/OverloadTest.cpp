@@ -1,0 +1,192 @@
+/// More than a server has room for: descriptors, memory, clients that leave or never read.
+#include "service/support/HttpClient.hpp"
+#include "service/support/ServerProcess.hpp"
+#include "tools/support/Program.hpp"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+
+namespace {
+
+using test::get;
+using test::HttpClient;
+using test::HttpResponse;
+using test::put;
+using test::ServerProcess;
+using Clock = std::chrono::steady_clock;
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isSanitized = true;
+#else
+constexpr bool isSanitized = false;
+#endif
+constexpr int slowdown = isSanitized ? 10 : 1;
+
+const std::string anyAddress = "127.0.0.1:0";
+
+/// The test needs a descriptor for each client.
+void raiseDescriptorLimit() {
+    rlimit limit{};
+    ASSERT_EQ(0, ::getrlimit(RLIMIT_NOFILE, &limit));
+    limit.rlim_cur = limit.rlim_max;
+    ASSERT_EQ(0, ::setrlimit(RLIMIT_NOFILE, &limit));
+}
+
+std::vector<HttpClient> watchersOf(const std::string& key, std::uint16_t port, int count,
+                                   int receiveBuffer = 0) {
+    std::vector<HttpClient> watchers;
+    for (int i = 0; i < count; ++i) {
+        watchers.emplace_back(port, receiveBuffer);
+        watchers.back().get("/watch?key=" + key);
+    }
+    return watchers;
+}
+
+/// @return the memory of a process that is no file, in bytes
+long memoryOf(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.compare(0, 8, "RssAnon:") == 0)
+            return std::stol(line.substr(8)) * 1024;
+    }
+    return 0;
+}
+
+double secondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+}
+
+bool isServed(std::uint16_t port) {
+    return get(port, "/healthz").status == 200;
+}
+
+TEST(Overload, WithoutDescriptorsClientsAreDisconnectedAtOnce) {
+    const ServerProcess server({}, {"-s", "k=1"}, anyAddress, "ulimit -n 64");
+    {
+        const std::vector<HttpClient> watchers = watchersOf("k", server.port(), 58);
+        const Clock::time_point begin = Clock::now();
+        for (int i = 0; i < 40; ++i) {
+            const int status = get(server.port(), "/options/k").status;
+            EXPECT_TRUE(status == 200 || status == 503 || status == 0) << status;
+        }
+        EXPECT_LT(secondsSince(begin), 5);
+    }
+    while (!isServed(server.port())) { // until the server has noticed that the watchers left
+    }
+}
+
+TEST(Overload, TheSoftLimitOfDescriptorsIsRaised) {
+    const ServerProcess server({}, {"-s", "k=1"}, anyAddress, "ulimit -Sn 64");
+    std::vector<HttpClient> watchers = watchersOf("k", server.port(), 100);
+    for (HttpClient& watcher : watchers)
+        EXPECT_NE("", watcher.readLineStartingWith("data: "));
+    EXPECT_TRUE(isServed(server.port()));
+}
+
+TEST(Overload, WithoutMemoryRequestsFailAndEverythingElseGoesOn) {
+    if (isSanitized)
+        GTEST_SKIP() << "sanitizers reserve more address space than the limit";
+    ServerProcess server({"--writable", ""}, {"-s", "k=1"}, anyAddress, "ulimit -v 250000");
+    std::vector<HttpClient> watchers = watchersOf("k", server.port(), 20);
+    for (HttpClient& watcher : watchers)
+        ASSERT_NE("", watcher.readLineStartingWith("data: "));
+
+    const std::string large = '"' + std::string(1000000, 'x') + '"';
+    int failures = 0;
+    int stored = 0;
+    for (int i = 0; i < 1000 && failures < 20; ++i) {
+        const int status = put(server.port(), "large" + std::to_string(i), large).status;
+        if (status == 200) {
+            ++stored;
+            continue;
+        }
+        EXPECT_TRUE(status == 503 || status == 0) << status;
+        ++failures;
+    }
+    EXPECT_EQ(20, failures);
+    EXPECT_GT(stored, 20);
+
+    for (int i = 0; i < 3; ++i) // in between, this may succeed or not
+        get(server.port(), "/options");
+    EXPECT_TRUE(isServed(server.port()));
+    for (int i = 0; i < 10; ++i)
+        test::request(server.port(), "DELETE", "/options/large" + std::to_string(i));
+    EXPECT_EQ(200, put(server.port(), "k", "2").status);
+    for (HttpClient& watcher : watchers)
+        EXPECT_NE(std::string::npos, watcher.readLineStartingWith("data: ").find(R"("value":2)"));
+    EXPECT_EQ((test::Result{0, "", ""}), server.stop());
+}
+
+TEST(Overload, WorkForClientsThatHaveLeftStops) {
+    std::string file;
+    for (int i = 0; i < 50000; ++i)
+        file += "key" + std::to_string(i) + " = a value of some length, as files have them\n";
+    const test::TemporaryFile properties(file);
+    ServerProcess server({}, {"--file", properties.path()});
+    for (int i = 0; i < 1100 / slowdown; ++i) {
+        HttpClient client(server.port());
+        client.get("/options");
+    }
+    const Clock::time_point begin = Clock::now();
+    EXPECT_TRUE(isServed(server.port()));
+    EXPECT_LT(secondsSince(begin), 1 * slowdown);
+    EXPECT_EQ(0, server.stop().status);
+    EXPECT_LT(secondsSince(begin), 5 * slowdown);
+}
+
+TEST(Overload, AThousandReadersOfOneTextDoNotDelayTheEnd) {
+    std::string file;
+    for (int i = 0; i < 50000; ++i)
+        file += "key" + std::to_string(i) + " = a value of some length, as files have them\n";
+    const test::TemporaryFile properties(file);
+    ServerProcess server({}, {"--file", properties.path()});
+    std::vector<HttpClient> clients;
+    for (int i = 0; i < 100; ++i) {
+        clients.emplace_back(server.port(), 4096);
+        clients.back().get("/options");
+    }
+    for (HttpClient& client : clients)
+        EXPECT_EQ("HTTP/1.1 200 OK", client.readLine());
+    if (!isSanitized) {
+        EXPECT_LT(memoryOf(server.process().processId()), 100 * 1000 * 1000);
+    }
+    clients.clear();
+    const Clock::time_point begin = Clock::now();
+    EXPECT_EQ(0, server.stop().status);
+    EXPECT_LT(secondsSince(begin), 5);
+}
+
+TEST(Overload, LargeEventsDoNotDelayOthersNorPileUp) {
+    raiseDescriptorLimit();
+    ServerProcess server({"--writable", ""}, {"-s", "large=1", "-s", "small=0"});
+    std::vector<HttpClient> idle = watchersOf("large", server.port(), 1500 / slowdown, 4096);
+    for (HttpClient& watcher : idle)
+        ASSERT_NE("", watcher.readLineStartingWith("data: "));
+    HttpClient other(server.port());
+    other.get("/watch?key=small");
+    ASSERT_NE("", other.readLineStartingWith("data: "));
+    const long before = memoryOf(server.process().processId());
+
+    for (int round = 1; round <= 3; ++round) { // none of the many reads what it is sent
+        const std::string value(1000000, static_cast<char>('a' + round));
+        ASSERT_EQ(200, put(server.port(), "large", '"' + value + '"').status);
+        const Clock::time_point begin = Clock::now();
+        ASSERT_EQ(200, put(server.port(), "small", std::to_string(round)).status);
+        EXPECT_NE("", other.readLineStartingWith("data: "));
+        EXPECT_LT(secondsSince(begin), 0.5 * slowdown);
+    }
+    if (!isSanitized) {
+        EXPECT_LT(memoryOf(server.process().processId()) - before, 32 * 1000 * 1000);
+    }
+    const Clock::time_point begin = Clock::now();
+    EXPECT_EQ(0, server.stop().status);
+    EXPECT_LT(secondsSince(begin), 7);
+}
+
+} // namespace
