@@ -63,18 +63,4 @@ void OptionStreams::removeWatcher(const std::string& key, std::uint64_t id) {
         watchersByKey.erase(ofKey);
 }
 
-std::vector<OptionPublisher*> OptionStreams::publishersOf(const std::string& key) const {
-    std::vector<OptionPublisher*> publishers;
-    const auto ofKey = watchersByKey.find(key);
-    if (ofKey == watchersByKey.end())
-        return publishers;
-    const auto& [all, removed] = ofKey->second;
-    publishers.reserve(all.size() - removed);
-    for (const Watcher& watcher : all) {
-        if (watcher.publisher != nullptr)
-            publishers.push_back(watcher.publisher);
-    }
-    return publishers;
-}
-
 } // namespace connector::configuration::detail

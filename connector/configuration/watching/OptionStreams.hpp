@@ -64,7 +64,6 @@ private:
         std::size_t removed = 0;  // of all; never more than half
     };
 
-    std::vector<OptionPublisher*> publishersOf(const std::string& key) const;
     void removeWatcher(const std::string& key, std::uint64_t id);
     Publisher release(Streams::node_type stream);
 
