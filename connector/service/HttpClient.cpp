@@ -141,7 +141,12 @@ HttpClient::HttpClient(const HttpClientOptions& options) : impl(std::make_unique
 HttpClient::~HttpClient() = default;
 
 std::optional<HttpClient::Option> HttpClient::get(const std::string& key) {
-    return impl->ask(impl->requests.get(key), readReplyWithOption);
+    return impl->ask(impl->requests.get(key), [&key](std::string_view json) {
+        std::optional<Option> option = readReplyWithOption(json);
+        if (option && option->key != key)
+            throw NotUnderstood("it has another option");
+        return option;
+    });
 }
 
 std::vector<HttpClient::Option> HttpClient::list(const std::string& prefix) {

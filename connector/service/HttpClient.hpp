@@ -28,7 +28,8 @@ namespace connector::service {
 /// @throws ServiceError from all functions that ask the service, with status 0:
 ///         "Cannot connect to " + url + ": " + reason; "No response from " + url + ": " + reason;
 ///         "Response of " + url + " is not understood: " + reason;
-///         "Text is not valid UTF-8: " + key, without asking the service.
+///         "Text is not valid UTF-8: " + key, or "Value is not valid UTF-8: " + key, without asking
+///         the service.
 ///         With the status of a response that reports a failure: the detail of the problem
 ///         document, or the status line of a response without one.
 class CONNECTOR_SERVICE_EXPORT HttpClient {

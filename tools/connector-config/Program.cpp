@@ -52,6 +52,9 @@ ExitStatus run(const Arguments& arguments, const RunOnNetwork& runOnNetwork) {
     }
     if (arguments.command == Command::Check)
         return statusOf(check(arguments.check, Secrets(arguments.secrets)));
+    // Before the files are read, and before another program is started: no such signal ends them.
+    if (arguments.command == Command::Watch || arguments.command == Command::Serve)
+        blockHangup();
     if (needsNetwork(arguments))
         return runOnNetwork(arguments);
     return runOnSources(arguments, serveWithoutNetwork);
@@ -82,8 +85,6 @@ ExitStatus runReader(OptionReader& reader, const Arguments& arguments) {
 }
 
 ExitStatus runOnSources(const Arguments& arguments, const Serve& serve) {
-    if (arguments.command == Command::Watch || arguments.command == Command::Serve)
-        blockHangup(); // before the files are read, so that no signal ends the program
     const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
                                                        : nullptr);
     const auto configuration = std::make_shared<ConfigurationImpl>();

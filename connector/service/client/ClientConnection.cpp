@@ -22,6 +22,11 @@ namespace {
 constexpr std::size_t maxBody = 256 * 1024 * 1024;
 constexpr std::uint32_t maxHead = 64 * 1024;
 
+/// Such a response is followed by another one (RFC 9110, 15.2). 101 is not: nobody asked for it.
+bool isInterim(unsigned status) {
+    return status / 100 == 1 && status != 101;
+}
+
 bool isClosing(const boost::system::error_code& error) {
     return error == http::error::end_of_stream || error == asio::error::eof ||
            error == asio::error::connection_reset || error == asio::error::broken_pipe ||
@@ -166,33 +171,38 @@ void ClientConnection::close() noexcept {
 }
 
 ClientResponse ClientConnection::exchange(const ClientRequest& request) {
-    ClientParser parser;
-    parser.body_limit(maxBody);
-    start(request, parser);
+    std::optional<ClientParser> parser;
+    start(request, parser, maxBody);
     const Error error = run([&](auto handler) {
-        withStream([&](auto& stream) { http::async_read(stream, buffer, parser, handler); });
+        withStream([&](auto& stream) { http::async_read(stream, buffer, *parser, handler); });
     });
     if (error)
         failToRead(error);
-    if (!parser.keep_alive())
+    if (!parser->keep_alive())
         close();
-    return parser.release();
+    return parser->release();
 }
 
-void ClientConnection::start(const ClientRequest& request, ClientParser& parser) {
+void ClientConnection::start(const ClientRequest& request, std::optional<ClientParser>& parser,
+                             std::uint64_t bodyLimit) {
     hasReceived = false;
     startTimer(target.request);
     // If this fails, the service may have answered without reading all of the request.
     const Error writing = run([&](auto handler) {
         withStream([&](auto& stream) { http::async_write(stream, request, handler); });
     });
-    parser.header_limit(maxHead);
-    const Error reading = run([&](auto handler) {
-        withStream([&](auto& stream) { http::async_read_header(stream, buffer, parser, handler); });
-    });
-    hasReceived = parser.got_some() || buffer.size() > 0;
-    if (reading)
-        failToRead(writing ? writing : reading);
+    do {
+        parser.emplace();
+        parser->header_limit(maxHead);
+        parser->body_limit(bodyLimit);
+        const Error reading = run([&](auto handler) {
+            withStream(
+                [&](auto& stream) { http::async_read_header(stream, buffer, *parser, handler); });
+        });
+        hasReceived = hasReceived || parser->got_some() || buffer.size() > 0;
+        if (reading)
+            failToRead(writing ? writing : reading);
+    } while (isInterim(parser->get().result_int()));
 }
 
 bool ClientConnection::readSome(ClientParser& parser, Duration timeout) {

@@ -64,7 +64,10 @@ public:
     bool wasClosedEarly() const { return closedEarly; }
 
     /// Sends a request and reads the head of the response.
-    void start(const ClientRequest& request, ClientParser& parser);
+    /// @param parser     set to one that has read the head
+    /// @param bodyLimit  in bytes
+    void start(const ClientRequest& request, std::optional<ClientParser>& parser,
+               std::uint64_t bodyLimit);
 
     /// Reads some of the body, which may already be complete.
     /// @return whether anything may follow

@@ -1,7 +1,6 @@
 #include <connector/service/client/ClientTls.hpp>
 
-#include <stdexcept>
-#include <string>
+#include <connector/service/network/TlsFile.hpp>
 
 namespace connector::service {
 
@@ -10,17 +9,14 @@ using boost::system::error_code;
 
 namespace {
 
-void check(const error_code& error, const std::string& path) {
-    if (error)
-        throw std::runtime_error("TLS file could not be used: " + path + ": " + error.message());
-}
-
 void useCertificate(ssl::context& context, const HttpClientOptions& options) {
+    checkTlsFile(options.certificate);
+    checkTlsFile(options.key);
     error_code error;
     context.use_certificate_chain_file(options.certificate, error);
-    check(error, options.certificate);
+    checkTlsResult(error, options.certificate);
     context.use_private_key_file(options.key, ssl::context::pem, error);
-    check(error, options.key);
+    checkTlsResult(error, options.key);
 }
 
 } // namespace
@@ -30,11 +26,13 @@ std::shared_ptr<ssl::context> makeClientContext(const HttpClientOptions& options
     SSL_CTX_set_min_proto_version(context->native_handle(), TLS1_2_VERSION);
     context->set_verify_mode(ssl::verify_peer);
     error_code error;
-    if (options.authority.empty())
+    if (options.authority.empty()) {
         context->set_default_verify_paths(error);
-    else
+    } else {
+        checkTlsFile(options.authority);
         context->load_verify_file(options.authority, error);
-    check(error, options.authority);
+    }
+    checkTlsResult(error, options.authority);
     if (!options.certificate.empty())
         useCertificate(*context, options);
     return context;

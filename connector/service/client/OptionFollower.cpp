@@ -82,9 +82,8 @@ std::optional<Option> OptionFollower::next(const WatchedOptions& watched) {
 void OptionFollower::open(const WatchedOptions& watched) {
     connection.open();
     events = EventStreamReader();
-    parser.emplace();
-    parser->body_limit(std::numeric_limits<std::uint64_t>::max()); // none would limit it to 0
-    connection.start(requests.watch(watched, lastEventId), *parser);
+    constexpr auto noLimit = std::numeric_limits<std::uint64_t>::max(); // none would mean 0
+    connection.start(requests.watch(watched, lastEventId), parser, noLimit);
     const ClientResponse& response = parser->get();
     if (response.result() != http::status::ok) {
         while (connection.readSome(*parser, options.request)) {

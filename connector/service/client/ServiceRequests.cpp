@@ -18,9 +18,14 @@ using configuration::OptionValue;
 
 namespace {
 
+void checkKey(const std::string& key) {
+    if (!isUtf8(key))
+        throw ServiceError("Text is not valid UTF-8: " + key, 0, key);
+}
+
 void checkText(const std::string& key, const std::string& text) {
     if (!isUtf8(text))
-        throw ServiceError("Text is not valid UTF-8: " + key, 0, key);
+        throw ServiceError("Value is not valid UTF-8: " + key, 0, key);
 }
 
 bool isUnreserved(char byte) {
@@ -42,7 +47,7 @@ std::string percentEncoded(const std::string& text) {
 }
 
 std::string pathOf(const char* collection, const std::string& key) {
-    checkText(key, key);
+    checkKey(key);
     return collection + percentEncoded(key);
 }
 
@@ -77,7 +82,7 @@ ServiceRequests::ServiceRequests(std::string newAuthority, std::optional<std::st
 }
 
 ClientRequest ServiceRequests::get(const std::string& key) const {
-    checkText(key, key);
+    checkKey(key);
     Poco::JSON::Object::Ptr content = makeObject();
     content->set("key", key);
     return message("ConfigurationGet", jsonText(content));

@@ -1,6 +1,7 @@
 #include <connector/service/client/ServiceResponses.hpp>
 
 #include <connector/service/client/JsonElements.hpp>
+#include <connector/service/text/Json.hpp>
 
 #include <connector/configuration/json/OptionValueJson.hpp>
 
@@ -13,6 +14,7 @@
 namespace connector::service {
 
 using configuration::Option;
+using configuration::OptionValue;
 using configuration::SourceAnswer;
 using Poco::Dynamic::Var;
 using Poco::JSON::Array;
@@ -41,9 +43,21 @@ Type member(const Object& object, const char* name) {
     return value.extract<Type>();
 }
 
+/// The conversion is tolerant, but a service only sends what it would convert back to the same.
+OptionValue valueIn(const Object& object) {
+    const Object::Ptr json = member<Object::Ptr>(object, "value");
+    OptionValue value = configuration::toOptionValue(json);
+    const Object::Ptr back = configuration::fromOptionValue(value);
+    for (const char* const name : {"type", "value"}) {
+        if (jsonText(json->get(name)) != jsonText(back->get(name)))
+            throw NotUnderstood("a value does not fit its type");
+    }
+    return value;
+}
+
 Option optionIn(const Object& object) {
     return {member<std::string>(object, "key"), member<std::string>(object, "source"),
-            configuration::toOptionValue(member<Object::Ptr>(object, "value"))};
+            valueIn(object)};
 }
 
 SourceAnswer answerIn(const Object& object) {
@@ -54,7 +68,7 @@ SourceAnswer answerIn(const Object& object) {
     answer.readOnly = member<bool>(object, "readOnly");
     answer.servesKey = member<std::string>(object, "verdict") != "does not serve this key";
     if (object.has("value"))
-        answer.value = configuration::toOptionValue(member<Object::Ptr>(object, "value"));
+        answer.value = valueIn(object);
     return answer;
 }
 

@@ -68,6 +68,7 @@ public:
         } catch (const std::bad_alloc&) {
             lacksMemory = true;
         }
+        hub.begin(hub.startingSessions);
         hub.lacksMemory = lacksMemory;
         hub.signal->raise();
     }
@@ -126,6 +127,8 @@ std::unique_ptr<EventSession> EventHub::open(WatchedKeys watched, const std::str
     forgetUnused();
     auto session = std::make_unique<EventSession>(*this, std::move(watched), seenBy(lastEventId),
                                                   std::move(onEvent));
+    newSessions.insert(session.get());
+    signal->raise();
     for (const std::string& key : session->watched.keys) {
         Topic& topic = topicOf(key);
         if (join(*session, topic))
@@ -139,7 +142,6 @@ std::unique_ptr<EventSession> EventHub::open(WatchedKeys watched, const std::str
     }
     prefixSessions.insert(session.get());
     session->wantsPrefixes = true;
-    signal->raise();
     return session;
 }
 
@@ -164,6 +166,8 @@ bool EventHub::join(EventSession& session, Topic& topic) {
 
 void EventHub::leave(EventSession& session) noexcept {
     prefixSessions.erase(&session);
+    newSessions.erase(&session);
+    startingSessions.erase(&session);
     for (const auto& [id, topic] : session.pending) {
         if (--topic->owed == 0)
             topic->text.reset();
@@ -259,17 +263,29 @@ void EventHub::submit() {
             prefixes.insert(session->watched.prefixes.begin(), session->watched.prefixes.end());
     }
     if (wanted.empty() && prefixes.empty())
-        return;
+        return begin(newSessions); // they know everything
     workers.run(std::make_unique<Reading>(
         *this, std::move(wanted), std::vector<std::string>(prefixes.begin(), prefixes.end())));
 
     isReading = true;
+    startingSessions.swap(newSessions); // there are none yet, since nothing was being read
     for (EventSession* const session : prefixSessions)
         session->wantsPrefixes = false;
     while (Topic* const topic = firstWanted) {
         firstWanted = std::exchange(topic->nextWanted, nullptr);
         topic->isWanted = false;
         topic->isStale = false; // a change from now on makes it so again
+    }
+}
+
+/// From now on, the sessions are told events. The first ones go in the order of their ids: a client
+/// that comes back with the id of one of them knows all before it.
+void EventHub::begin(std::unordered_set<EventSession*>& sessions) {
+    while (!sessions.empty()) {
+        EventSession* const session = *sessions.begin();
+        sessions.erase(sessions.begin());
+        session->hasBegun = true;
+        session->onEvent();
     }
 }
 

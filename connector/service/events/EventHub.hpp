@@ -73,6 +73,7 @@ private:
     void readAgainIfStale(Topic& topic) noexcept;
     void read(Topic& topic) noexcept;
     void submit();
+    static void begin(std::unordered_set<EventSession*>& sessions);
 
     void apply(const std::vector<Wanted>& wanted, const std::vector<Answer>& answers);
     void tell(Topic& topic, const std::shared_ptr<const std::string>& text, bool isChange);
@@ -90,9 +91,11 @@ private:
     std::uint64_t lastId = 0;
     std::unordered_map<std::string, Topic> topics; // also without clients, for their last event
     std::unordered_set<EventSession*> prefixSessions;
-    Topic* firstWanted = nullptr; // a list of those that are read next
-    bool isReading = false;       // one reading at a time: an older value is never told last
-    bool lacksMemory = false;     // the last reading failed
+    std::unordered_set<EventSession*> newSessions;      // their first values are read next
+    std::unordered_set<EventSession*> startingSessions; // their first values are being read
+    Topic* firstWanted = nullptr;                       // a list of those that are read next
+    bool isReading = false;   // one reading at a time: an older value is never told last
+    bool lacksMemory = false; // the last reading failed
 
     std::mutex listening; // guards `registration`; taken by workers only
     std::shared_ptr<const configuration::ConfigurationImpl::KeyListener> registration;

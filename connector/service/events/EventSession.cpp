@@ -12,7 +12,7 @@ EventSession::~EventSession() {
 }
 
 std::optional<Event> EventSession::next() {
-    if (pending.empty())
+    if (!hasBegun || pending.empty())
         return std::nullopt;
     const auto first = pending.begin();
     Topic& topic = *first->second;

@@ -76,6 +76,7 @@ private:
     std::vector<Topic*> topics;
     std::map<std::uint64_t, Topic*> pending; // by event: an id that is told covers all before it
     Topic* beingSent = nullptr;
+    bool hasBegun = false;      // whether all first values are known, so that they go in order
     bool wantsPrefixes = false; // whether the options below the prefixes are to be read
 };
 

@@ -181,7 +181,9 @@ void Connection::refuse(const HttpError& error) {
     if (isWriting) // "100 Continue", which the client does not take
         return close();
     const bool isWhole = hasHead && (state == State::Working || !parser->hasBody());
-    respond(problemResponse(error), !isWhole || !parser->keepsAlive());
+    const std::string key = error.key.empty() ? context.router.keyIn(parser->head()) : error.key;
+    respond(problemResponse(HttpError(error.status, error.text, key, error.lines)),
+            !isWhole || !parser->keepsAlive());
 }
 
 void Connection::complete(const Response& response) {

@@ -10,14 +10,16 @@ Response responseTo(const Request& request) {
     try {
         return request.operation->handler(request);
     } catch (const HttpError& error) {
-        return problemResponse(error);
+        const std::string& key = error.key.empty() ? request.key : error.key;
+        return problemResponse(HttpError(error.status, error.text, key, error.lines));
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception& error) { // of the configuration
         return problemResponse(Status::unprocessable_entity, errorJson(error), error.what(),
                                request.key);
     } catch (...) {
-        return problemResponse(HttpError(Status::unprocessable_entity, "Unknown failure"));
+        return problemResponse(
+            HttpError(Status::unprocessable_entity, "Unknown failure", request.key));
     }
 }
 

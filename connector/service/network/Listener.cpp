@@ -1,7 +1,5 @@
 #include <connector/service/network/Listener.hpp>
 
-#include <connector/service/network/ListeningSocket.hpp>
-
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -71,6 +69,7 @@ Listener::Listener(asio::io_context& newIo, const ListenAddress& address, bool n
     family = listening.family;
     text = (address.isUnix() ? "unix:" : isTls ? "https://" : "http://") + listening.name;
     path = address.path;
+    file = listening.file;
     socket.assign(listening.release());
 }
 
@@ -84,7 +83,7 @@ void Listener::close() noexcept {
     if (!socket.is_open())
         return;
     if (!path.empty())
-        ::unlink(path.c_str()); // before the socket ends, when nobody else can have replaced it
+        removeFile(path, file); // before the socket ends: another server would take it for stale
     boost::system::error_code ignored;
     socket.close(ignored);
     try {

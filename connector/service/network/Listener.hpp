@@ -2,6 +2,7 @@
 #pragma once
 
 #include <connector/service/HttpOptions.hpp>
+#include <connector/service/network/ListeningSocket.hpp>
 #include <connector/service/network/Peer.hpp>
 #include <connector/service/network/Transport.hpp>
 
@@ -51,7 +52,8 @@ private:
     boost::asio::io_context& io;
     const bool isTls;
     const OnAccept onAccept;
-    std::string path; // of a Unix socket that is ours
+    std::string path; // of a Unix socket
+    FileIdentity file;
     int family = 0;
     boost::asio::posix::stream_descriptor socket;
     boost::asio::steady_timer timer;

@@ -95,11 +95,19 @@ sockaddr_un unixAddress(const ListenAddress& address) {
     return result;
 }
 
-/// @return whether a server listens on the socket
+/// @return whether a process has the socket, of whatever type
 bool isLive(const ListenAddress& address, const sockaddr_un& path) {
     const ListeningSocket probe = makeSocket(address, AF_UNIX);
     const auto* const target = reinterpret_cast<const sockaddr*>(&path);
-    return ::connect(probe.get(), target, sizeof path) == 0 || errno == EAGAIN;
+    return ::connect(probe.get(), target, sizeof path) == 0 ||
+           (errno != ECONNREFUSED && errno != ENOENT);
+}
+
+FileIdentity identityOf(const char* path) noexcept {
+    struct stat status {};
+    if (::lstat(path, &status) != 0)
+        return {};
+    return {status.st_dev, status.st_ino};
 }
 
 /// Removes the socket of a server that is gone. Other files stay.
@@ -121,6 +129,7 @@ ListeningSocket listenOnUnix(const ListenAddress& address) {
     ::fchmod(socket.get(), 0600); // Linux gives the file this mode, so it never has another one
     check(address, ::bind(socket.get(), reinterpret_cast<const sockaddr*>(&path), sizeof path));
     ::chmod(path.sun_path, 0600);
+    socket.file = identityOf(path.sun_path);
     check(address, ::listen(socket.get(), backlog));
     socket.name = address.path;
     return socket;
@@ -134,12 +143,18 @@ ListeningSocket::~ListeningSocket() {
 }
 
 ListeningSocket::ListeningSocket(ListeningSocket&& other) noexcept
-    : family(other.family), name(std::move(other.name)),
+    : family(other.family), name(std::move(other.name)), file(other.file),
       descriptor(std::exchange(other.descriptor, -1)) {
 }
 
 int ListeningSocket::release() {
     return std::exchange(descriptor, -1);
+}
+
+void removeFile(const std::string& path, const FileIdentity& identity) noexcept {
+    const FileIdentity now = identityOf(path.c_str());
+    if (now.device == identity.device && now.number == identity.number)
+        ::unlink(path.c_str());
 }
 
 ListeningSocket listenOn(const ListenAddress& address) {

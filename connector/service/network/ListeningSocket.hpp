@@ -7,8 +7,18 @@
 #include <string>
 
 #include <sys/socket.h>
+#include <sys/types.h>
 
 namespace connector::service {
+
+/// Tells a file from another one that has its path later.
+struct FileIdentity {
+    dev_t device = 0;
+    ino_t number = 0;
+};
+
+/// Removes a file, unless there is another one at its path now.
+void removeFile(const std::string& path, const FileIdentity& identity) noexcept;
 
 /// Owns the descriptor until it is released.
 class ListeningSocket {
@@ -23,7 +33,8 @@ public:
     int release();
 
     const int family;
-    std::string name; ///< "HOST:PORT" with the port that was chosen, or the path
+    std::string name;  ///< "HOST:PORT" with the port that was chosen, or the path
+    FileIdentity file; ///< of a Unix socket
 
 private:
     int descriptor;

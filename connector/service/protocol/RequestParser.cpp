@@ -15,7 +15,8 @@ using boost::beast::error_code;
 
 namespace {
 
-/// The size line of a chunk with its extensions, and all trailers, each.
+/// The size line of a chunk with its extensions, all trailers, and the extensions of all chunks,
+/// each.
 constexpr std::size_t maxChunkLine = 8 * 1024;
 
 HttpError badRequest(const std::string& text) {
@@ -38,6 +39,8 @@ HttpError errorOf(const error_code& error) {
         return badRequest("Transfer encoding is not chunked");
     if (error == http::error::bad_chunk || error == http::error::bad_chunk_extension)
         return badRequest("Chunk without a size");
+    if (error == http::error::buffer_overflow)
+        return badRequest("Extensions of the chunks are too long");
     if (error == http::error::bad_version)
         return badRequest("Neither HTTP/1.0 nor HTTP/1.1");
     return badRequest("Not an HTTP request");
@@ -54,6 +57,12 @@ RequestParser::RequestParser(std::size_t newHeadSize, std::size_t newBodySize)
     : headSize(newHeadSize), bodySize(newBodySize) {
     parser.header_limit(static_cast<std::uint32_t>(headSize));
     parser.body_limit(bodySize);
+    limitExtensions = [this](std::uint64_t, boost::beast::string_view text, error_code& error) {
+        extensions += text.size();
+        if (extensions > maxChunkLine)
+            error = http::error::buffer_overflow;
+    };
+    parser.on_chunk_header(limitExtensions);
 }
 
 bool RequestParser::readHead(std::string& input) {
@@ -104,11 +113,11 @@ void RequestParser::checkHead(std::string_view text) {
 void RequestParser::parseHead(std::string_view text) {
     error_code error;
     parser.put(boost::asio::buffer(text.data(), text.size()), error);
+    completeHead = parser.get().base(); // of a head that is refused, what can be said of it
     if (error && error != http::error::need_more)
         throw errorOf(error);
     if (!parser.is_header_done())
         throw badRequest("Not an HTTP request");
-    completeHead = parser.get().base();
 }
 
 /// One length, or exactly "chunked" in HTTP/1.1, or no body.

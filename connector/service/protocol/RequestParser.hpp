@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -31,7 +32,8 @@ public:
     /// @throws HttpError  status 400, 413 or 431
     bool readHead(std::string& input);
 
-    /// @return the head; trailers of a body are never added to it. REQUIRES: readHead returned true
+    /// @return the head, without trailers of the body; empty until it has arrived, and
+    ///         only its beginning if it was refused
     const RequestHead& head() const { return completeHead; }
 
     /// REQUIRES: readHead returned true
@@ -61,9 +63,12 @@ private:
 
     const std::size_t headSize;
     const std::size_t bodySize;
-    std::size_t skipped = 0;  // bytes of empty lines before the head
-    std::size_t checked = 0;  // bytes of the head that checkHead has seen
-    bool isInHeaders = false; // whether they end behind the first line
+    std::size_t skipped = 0;    // bytes of empty lines before the head
+    std::size_t checked = 0;    // bytes of the head that checkHead has seen
+    bool isInHeaders = false;   // whether they end behind the first line
+    std::size_t extensions = 0; // bytes of those of all chunks so far
+    std::function<void(std::uint64_t, boost::beast::string_view, boost::beast::error_code&)>
+        limitExtensions; // the parser refers to it
     boost::beast::http::request_parser<boost::beast::http::string_body> parser;
     RequestHead completeHead;
     bool isChunked = false;

@@ -74,9 +74,20 @@ void checkParameters(const Operation& operation, const Request& request) {
     }
 }
 
+/// @return the values of all headers with the name, as one list (RFC 9110, 5.3)
+std::string listOf(const RequestHead& head, http::field name) {
+    std::string list;
+    const auto [first, last] = head.equal_range(name);
+    for (auto field = first; field != last; ++field) {
+        list += list.empty() ? "" : ", ";
+        list += viewOf(field->value());
+    }
+    return list;
+}
+
 /// Everything that can be said of a request before its body has arrived.
 void checkHeaders(const Operation& operation, const RequestHead& head) {
-    if (!accepts(viewOf(head[http::field::accept]), operation.contentType))
+    if (!accepts(listOf(head, http::field::accept), operation.contentType))
         throw HttpError(Status::not_acceptable,
                         std::string("Only this type can be sent: ") + operation.contentType);
     const auto type = onlyValue(head, "Content-Type");
@@ -115,6 +126,21 @@ Request Router::resolve(const RequestHead& head) const {
     checkHeaders(*operation, head);
     request.lastEventId = onlyValue(head, "Last-Event-ID");
     return request;
+}
+
+std::string Router::keyIn(const RequestHead& head) const {
+    const std::string_view path = pathOf(head);
+    const auto found =
+        std::find_if(operations.begin(), operations.end(), [path](const Operation& operation) {
+            return takesKey(operation) && fits(operation, path);
+        });
+    if (found == operations.end())
+        return {};
+    try {
+        return decodedPath(path.substr(fixedPart(*found).size()));
+    } catch (const HttpError&) {
+        return {};
+    }
 }
 
 const Operation* Router::find(std::string_view method, std::string_view path) const {

@@ -21,6 +21,10 @@ public:
     /// @throws HttpError  status 400, 404, 405, 406 or 415; the text says why
     Request resolve(const RequestHead& head) const;
 
+    /// @return the key in the path of a request, whatever its method; empty if there is none, or
+    ///         no such path
+    std::string keyIn(const RequestHead& head) const;
+
     /// @return the operation that a target leads to, for what must be known even of a request that
     ///         is refused; null if there is none
     const Operation* find(std::string_view method, std::string_view path) const;

@@ -115,6 +115,10 @@ TEST(ScriptedService, MaySendWhatIsNotUnderstood) {
         R"({"message":{"key":"a","source":"s","value":1}})",
         R"({"message":{"key":1,"source":"s","value":{"type":"int","value":1}}})",
         "{\"message\":{\"key\":\"\xff\"}}",
+        R"({"message":{"key":"b","source":"s","value":{"type":"int","value":1}}})",
+        R"({"message":{"key":"a","source":"s","value":{"type":"int","value":"x"}}})",
+        R"({"message":{"key":"a","source":"s","value":{"type":"int","value":99999999999}}})",
+        R"({"message":{"key":"a","source":"s","value":{"type":"none","value":1}}})",
     };
     for (const char* const body : bodies) {
         SCOPED_TRACE(body);
@@ -127,6 +131,21 @@ TEST(ScriptedService, MaySendWhatIsNotUnderstood) {
         EXPECT_THAT(errorOf([&] { client.get("a"); }).what(),
                     StartsWith("Response of " + server.url() + " is not understood: "));
     }
+}
+
+TEST(ScriptedService, MaySendInterimResponses) {
+    ScriptedServer server([](ScriptedServer& self) {
+        ScriptedServer::Client client = self.accept();
+        client.readRequest();
+        client.send("HTTP/1.1 100 Continue\r\n\r\n"
+                    "HTTP/1.1 103 Early Hints\r\nLink: </style.css>; rel=preload\r\n\r\n");
+        client.respond(noOption);
+        client.readRequest();
+        client.respond(noOption);
+    });
+    HttpClient client(optionsFor(server));
+    EXPECT_FALSE(client.get("a"));
+    EXPECT_FALSE(client.get("b"));
 }
 
 TEST(ScriptedService, MayFailWithoutAProblemDocument) {

@@ -138,9 +138,9 @@ TEST_F(HttpClientTest, RefusesTextThatJsonCannotCarry) {
     HttpClient client(clientOptions());
     EXPECT_STREQ("Text is not valid UTF-8: \xff", errorOf([&] { client.get("\xff"); }).what());
     const std::string invalid = "\xff";
-    EXPECT_STREQ("Text is not valid UTF-8: net.x",
+    EXPECT_STREQ("Value is not valid UTF-8: net.x",
                  errorOf([&] { client.set("net.x", invalid); }).what());
-    EXPECT_STREQ("Text is not valid UTF-8: net.x",
+    EXPECT_STREQ("Value is not valid UTF-8: net.x",
                  errorOf([&] { client.set("net.x", std::vector<std::string>{invalid}); }).what());
     EXPECT_STREQ("Text is not valid UTF-16: net.x",
                  errorOf([&] { client.set("net.x", std::u16string(1, 0xD800)); }).what());

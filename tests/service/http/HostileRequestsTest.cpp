@@ -228,6 +228,13 @@ TEST_F(HostileRequests, InvalidChunksGet400) {
                  send(head(chunked) + "0\r\n" + std::string(20000, 'x')));
 }
 
+TEST_F(HostileRequests, ManyChunkExtensionsGet400) {
+    std::string request = head("Transfer-Encoding: chunked\r\n");
+    for (int i = 0; i < 100; ++i)
+        request += "1;" + std::string(100, 'x') + "\r\n \r\n";
+    expectAnswer(400, "Extensions of the chunks are too long", send(request + "0\r\n\r\n"));
+}
+
 TEST_F(HostileRequests, AnIncompleteRequestGets400AndIsNotExecuted) {
     const std::string body = getMessage("a");
     const std::string early = "Request ends too early";

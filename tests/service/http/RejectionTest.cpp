@@ -65,4 +65,39 @@ TEST(Rejection, WithATokenFileRequestsWithoutTheTokenGet401) {
     EXPECT_NE("", watcher.readLineStartingWith("data: "));
 }
 
+TEST(Rejection, NamesTheKeyWhateverIsWrong) {
+    const ServerProcess server({"--writable", ""}, {"-s", "net.port=1"});
+    const struct {
+        int line;
+        int status;
+        const char* method;
+        const char* path;
+        test::Headers headers;
+    } rows[] = {
+        {__LINE__, 400, "GET", "/options/net.port?x=1", {}},
+        {__LINE__, 406, "GET", "/options/net.port", {"Accept: text/html"}},
+        {__LINE__, 415, "PUT", "/options/net.port", {"Content-Type: text/plain"}},
+        {__LINE__, 405, "POST", "/options/net.port", {}},
+        {__LINE__, 405, "PUT", "/explain/net.port", {}},
+        {__LINE__, 403, "GET", "/options/net.port", {"Origin: http://evil.example"}},
+        {__LINE__, 400, "GET", "/options/net.port", {"Content-Length: 1", "Content-Length: 1"}},
+        {__LINE__, 403, "GET", "/options/net%2Eport", {"Host: evil.example"}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        const HttpResponse response =
+            test::request(server.port(), row.method, row.path, "", row.headers);
+        EXPECT_EQ(row.status, response.status);
+        EXPECT_NE(std::string::npos, response.body.find(R"("key":"net.port"})")) << response.body;
+    }
+}
+
+TEST(Rejection, AcceptMayBeSeveralHeaders) {
+    const ServerProcess server({}, {"-s", "a=1"});
+    const std::string path = "/options/a";
+    EXPECT_EQ(200,
+              get(server.port(), path, {"Accept: text/html", "Accept: application/json"}).status);
+    EXPECT_EQ(406, get(server.port(), path, {"Accept: text/html", "Accept: text/plain"}).status);
+}
+
 } // namespace

@@ -13,6 +13,8 @@
 #include <stdexcept>
 #include <string>
 
+#include <sys/stat.h>
+
 namespace {
 
 using connector::configuration::ConfigurationImpl;
@@ -133,6 +135,32 @@ TEST_F(Tls, OfTheProgramIsReloadedOnHangup) {
     EXPECT_EQ(0u, program.readErrorLine().find("connector-config: TLS file could not be used: "));
     program.signal(SIGTERM);
     EXPECT_EQ((test::Result{0, "", ""}), program.finish());
+}
+
+TEST_F(Tls, APipeInPlaceOfAFileIsRefusedAtOnce) {
+    const auto service = serve();
+    std::filesystem::remove(file("server.pem"));
+    ASSERT_EQ(0, ::mkfifo(file("server.pem").c_str(), 0600));
+    try {
+        service->reloadTls();
+        ADD_FAILURE() << "It is used";
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ("TLS file could not be used: " + file("server.pem") + ": Not a regular file",
+                  error.what());
+    }
+}
+
+TEST_F(Tls, AMissingFileIsSaidToBeMissing) {
+    const auto service = serve();
+    std::filesystem::remove(file("server.key"));
+    try {
+        service->reloadTls();
+        ADD_FAILURE() << "It is used";
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ("TLS file could not be used: " + file("server.key") +
+                      ": No such file or directory",
+                  error.what());
+    }
 }
 
 } // namespace

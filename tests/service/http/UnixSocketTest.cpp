@@ -14,7 +14,10 @@
 #include <stdexcept>
 #include <string>
 
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace {
 
@@ -115,6 +118,38 @@ TEST_F(UnixSocket, OfTheProgramIsPrintedBesideOtherAddresses) {
     program.signal(SIGTERM);
     EXPECT_EQ((test::Result{0, "", ""}), program.finish());
     EXPECT_FALSE(fs::exists(path));
+}
+
+TEST_F(UnixSocket, OfAnotherProgramIsNotReplacedWhateverItsType) {
+    for (const int type : {SOCK_DGRAM, SOCK_SEQPACKET}) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(address.sun_path, sizeof address.sun_path - 1);
+        const int other = ::socket(AF_UNIX, type | SOCK_CLOEXEC, 0);
+        ASSERT_EQ(0, ::bind(other, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+        if (type == SOCK_SEQPACKET) {
+            ASSERT_EQ(0, ::listen(other, 1));
+        }
+        expectRefusal("Address already in use");
+        ::close(other);
+        EXPECT_TRUE(fs::remove(path));
+    }
+}
+
+TEST_F(UnixSocket, AnotherFileAtItsPathIsNotRemovedAtTheEnd) {
+    auto service = serve();
+    fs::remove(path);
+    directory.write("socket", "precious");
+    service.reset();
+    EXPECT_TRUE(fs::is_regular_file(path));
+}
+
+TEST_F(UnixSocket, OfALaterServerIsNotRemovedAtTheEndOfAnEarlierOne) {
+    auto earlier = serve();
+    fs::remove(path);
+    const auto later = serve();
+    earlier.reset();
+    EXPECT_EQ("{\"status\":\"alive\"}\n", curl(path, "http://localhost/healthz"));
 }
 
 } // namespace

@@ -164,6 +164,34 @@ TEST(WatchRoute, AClientThatComesBackIsToldOnlyWhatHasChangedSince) {
     EXPECT_EQ(event("a", "2"), client.readLineStartingWith("data: "));
 }
 
+TEST(WatchRoute, AClientThatLeavesAmongTheFirstEventsMissesNone) {
+    const InProcessServer server;
+    HttpClient first = watcher(server.port(), "z&key=a");
+    for (const char* const key : {"z", "a", "z"}) { // so that the ids are not in the order of keys
+        server.configuration->set(key, std::string(key)).get();
+        first.readLineStartingWith("data: ");
+    }
+    HttpClient all = watcher(server.port(), "a&key=z");
+    const std::string id = idIn(all.readLineStartingWith("id: "));
+    const std::string told = all.readLineStartingWith("data: ");
+    EXPECT_EQ(event("a", "a"), told);
+    HttpClient client = returning(server.port(), "key=a&key=z", id);
+    EXPECT_EQ(event("z", "z"), client.readLineStartingWith("data: "));
+}
+
+TEST(WatchRoute, AClientThatKnowsEverythingIsToldTheNextChange) {
+    const InProcessServer server;
+    server.configuration->set("a", std::string("1")).get();
+    std::string id;
+    {
+        HttpClient client = watcher(server.port(), "a");
+        id = idIn(client.readLineStartingWith("id: "));
+    }
+    HttpClient client = returning(server.port(), "key=a", id);
+    server.configuration->set("a", std::string("2")).get();
+    EXPECT_EQ(event("a", "2"), client.readLineStartingWith("data: "));
+}
+
 TEST(WatchRoute, AnIdOfAnotherServerCountsAsNone) {
     const InProcessServer server;
     server.configuration->set("a", std::string("1")).get();

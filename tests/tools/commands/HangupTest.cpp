@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <filesystem>
 #include <fstream>
+#include <string>
+#include <system_error>
 
 #include <sys/stat.h>
 
@@ -18,6 +21,13 @@ using test::Process;
 using test::Result;
 
 class Hangup : public test::ReloadedFiles {};
+
+/// @return whether connector-config has replaced itself by the program for the network
+bool isNetworkProgram(pid_t process) {
+    std::error_code ignored;
+    return std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/exe", ignored)
+               .filename() == "connector-config-network";
+}
 
 TEST_F(Hangup, ReloadsAllFilesInTheirOrderAndTellsEach) {
     Process process(connectorConfig({"-f", write("f", "k=1\n"), "-f", write("g.json", "{}"), "-f",
@@ -143,6 +153,30 @@ TEST_F(Hangup, DoesNotEndTheProgramWhileItReadsItsFiles) {
     EXPECT_EQ("k = 1  (p)", process.readLine());
     EXPECT_EQ("reloaded f: 0 added, 0 changed, 0 removed", process.readErrorLine());
     EXPECT_EQ((Result{0, "", ""}), process.finish());
+}
+
+TEST_F(Hangup, DoesNotEndWatchOnAService) {
+    const test::ServerProcess server({"--writable", ""}, {"-s", "k=1"});
+    Process process(connectorConfig(
+        {"--url", "http://127.0.0.1:" + std::to_string(server.port()), "watch", "k"}));
+    EXPECT_NE("", process.readLine());
+    process.signal(SIGHUP);
+    EXPECT_EQ(200, test::put(server.port(), "k", "2").status);
+    EXPECT_NE("", process.readLine());
+    process.signal(SIGTERM);
+    EXPECT_EQ(128 + SIGTERM, process.finish().status);
+}
+
+TEST_F(Hangup, IsBlockedBeforeTheProgramForTheNetworkStarts) {
+    for (int i = 0; i < 10; ++i) {
+        Process process(connectorConfig({"serve", "--http", "unix:" + pathOf("socket")}));
+        while (!isNetworkProgram(process.processId())) {
+        }
+        process.signal(SIGHUP);
+        EXPECT_EQ(0u, process.readLine().find("listening on "));
+        process.signal(SIGTERM);
+        EXPECT_EQ((Result{0, "", ""}), process.finish());
+    }
 }
 
 } // namespace

@@ -150,6 +150,9 @@ TEST(RemoteArguments, AreCheckedAtOnce) {
          "Not of the form http://HOST:PORT, https://HOST:PORT or unix:PATH: localhost"},
         {__LINE__, {"--token-file", "f", "keys"}, "--token-file requires --url"},
         {__LINE__, {"--ca", "f", "keys"}, "--ca requires --url"},
+        {__LINE__,
+         {"--url", "http://localhost:1", "--ca", "f", "keys"},
+         "--ca requires a URL with https: http://localhost:1"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);

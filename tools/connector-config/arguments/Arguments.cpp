@@ -207,6 +207,8 @@ private:
             httpOptions.addresses.push_back(parseListenAddress(unmarked(address)));
         unmarkAll(httpOptions.writablePrefixes);
         unmarkAll(httpOptions.allowedHosts);
+        for (std::string& name : httpOptions.allowedHosts)
+            name = parseHostName(name);
         httpOptions.propertyRoot = textOf(propertyRoot);
         httpOptions.tokenFile = textOf(tokenFile);
         if (const auto size = textOf(maxFileSize))
@@ -236,6 +238,8 @@ private:
             throw WrongArguments("Not of the form http://HOST:PORT, https://HOST:PORT or "
                                  "unix:PATH: " +
                                  service.url);
+        if (!service.authority.empty() && service.url.compare(0, 6, "https:") != 0)
+            throw WrongArguments("--ca requires a URL with https: " + service.url);
         arguments.service = std::move(service);
     }
 

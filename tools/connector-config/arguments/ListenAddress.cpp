@@ -4,7 +4,10 @@
 
 #include <connector/service/text/Number.hpp>
 
+#include <algorithm>
 #include <string_view>
+
+#include <arpa/inet.h>
 
 namespace connector_config {
 
@@ -13,6 +16,15 @@ using connector::service::readNumber;
 namespace {
 
 constexpr std::string_view unixPrefix = "unix:";
+
+bool hasBrackets(const std::string& host) {
+    return host.size() > 2 && host.front() == '[' && host.back() == ']';
+}
+
+bool isIpv6(const std::string& text) {
+    in6_addr ignored;
+    return ::inet_pton(AF_INET6, text.c_str(), &ignored) == 1;
+}
 
 } // namespace
 
@@ -29,12 +41,23 @@ ListenAddress parseListenAddress(const std::string& text) {
     if (!port)
         throw wrong;
     std::string host = text.substr(0, colon == text.npos ? 0 : colon);
-    const bool hasBrackets = host.size() > 2 && host.front() == '[' && host.back() == ']';
-    if (hasBrackets)
+    const bool isBracketed = hasBrackets(host);
+    if (isBracketed)
         host = host.substr(1, host.size() - 2);
-    if (host.find_first_of("[]") != host.npos || (!hasBrackets && host.find(':') != host.npos))
+    if (host.find_first_of("[]") != host.npos || (!isBracketed && host.find(':') != host.npos))
         throw wrong;
     return {host.empty() ? "127.0.0.1" : host, *port, ""};
+}
+
+std::string parseHostName(const std::string& text) {
+    const std::string name = hasBrackets(text) ? text.substr(1, text.size() - 2) : text;
+    const bool isName = !text.empty() && std::all_of(text.begin(), text.end(), [](char byte) {
+        return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+               (byte >= '0' && byte <= '9') || byte == '.' || byte == '-' || byte == '_';
+    });
+    if (!isName && !isIpv6(name))
+        throw WrongArguments("Not the name of a host: " + text);
+    return name;
 }
 
 } // namespace connector_config
