@@ -56,7 +56,7 @@ Format formatOf(const std::string& name) {
 void FleetOptions::declare(CLI::App& command) {
     fleet = &command;
     if (!hasEtcd) {
-        command.allow_extras(); // whatever it is, it is invalid
+        command.allow_extras()->fallthrough(false); // whatever it is, it is invalid
         return;
     }
     add("put", Action::Put)->add_option("KEY[:TYPE]=VALUE", assignments)->required();
