@@ -12,9 +12,11 @@
 #include "display/Trace.hpp"
 #include "values/WrongArguments.hpp"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <variant>
 
 namespace connector_config {
 
@@ -35,14 +37,12 @@ ExitStatus statusOf(CheckResult result) {
     return result == CheckResult::Findings ? Failure : UsageError;
 }
 
-void serveWithoutNetwork(const std::shared_ptr<ConfigurationImpl>& configuration,
-                         const Arguments& arguments, const NamedFiles& files) {
-    const FileReloading reloading(files, arguments.followsFiles);
-    serveStandardInput(configuration);
-}
-
 bool needsNetwork(const Arguments& arguments) {
-    return arguments.service || arguments.http;
+    const auto isEtcd = [](const SourceArgument& source) {
+        return std::holds_alternative<EtcdArgument>(source);
+    };
+    return arguments.service || arguments.http ||
+           std::any_of(arguments.sources.begin(), arguments.sources.end(), isEtcd);
 }
 
 ExitStatus run(const Arguments& arguments, const RunOnNetwork& runOnNetwork) {
@@ -57,10 +57,16 @@ ExitStatus run(const Arguments& arguments, const RunOnNetwork& runOnNetwork) {
         blockHangup();
     if (needsNetwork(arguments))
         return runOnNetwork(arguments);
-    return runOnSources(arguments, serveWithoutNetwork);
+    return runOnSources(arguments, serveWithoutNetwork, {});
 }
 
 } // namespace
+
+void serveWithoutNetwork(const std::shared_ptr<ConfigurationImpl>& configuration,
+                         const Arguments& arguments, const NamedFiles& files) {
+    const FileReloading reloading(files, arguments.followsFiles);
+    serveStandardInput(configuration);
+}
 
 ExitStatus runReader(OptionReader& reader, const Arguments& arguments) {
     switch (arguments.command) {
@@ -79,16 +85,17 @@ ExitStatus runReader(OptionReader& reader, const Arguments& arguments) {
     case Command::Set:
     case Command::Serve:
     case Command::Check:
+    case Command::Fleet:
         break; // the callers run them
     }
     return Success;
 }
 
-ExitStatus runOnSources(const Arguments& arguments, const Serve& serve) {
+ExitStatus runOnSources(const Arguments& arguments, const Serve& serve, const AddEtcd& addEtcd) {
     const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
                                                        : nullptr);
     const auto configuration = std::make_shared<ConfigurationImpl>();
-    const NamedFiles files = addSources(*configuration, arguments.sources);
+    const NamedFiles files = addSources(*configuration, arguments.sources, addEtcd);
     LocalOptions reader(*configuration);
     if (arguments.command == Command::Watch)
         watch(*configuration, arguments, files);

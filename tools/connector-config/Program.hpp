@@ -8,6 +8,7 @@
 #include "ExitStatus.hpp"
 #include "arguments/Arguments.hpp"
 #include "commands/NamedFile.hpp"
+#include "commands/Sources.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
@@ -35,7 +36,13 @@ int runProgram(int argc, const char* const argv[], const RunOnNetwork& runOnNetw
 
 /// Runs a command on the sources of the arguments.
 /// @param serve  for serve
-ExitStatus runOnSources(const Arguments& arguments, const Serve& serve);
+/// @param addEtcd  see addSources
+ExitStatus runOnSources(const Arguments& arguments, const Serve& serve, const AddEtcd& addEtcd);
+
+/// Serves on standard input and output.
+void serveWithoutNetwork(
+    const std::shared_ptr<connector::configuration::ConfigurationImpl>& configuration,
+    const Arguments& arguments, const NamedFiles& files);
 
 /// Runs get, keys, show or explain.
 ExitStatus runReader(OptionReader& reader, const Arguments& arguments);

@@ -6,6 +6,7 @@
 #include <connector/configuration/properties/lint/Fixer.hpp>
 #include <connector/configuration/properties/lint/Habits.hpp>
 #include <connector/configuration/properties/lint/Lines.hpp>
+#include <connector/configuration/properties/lint/Writing.hpp>
 
 #include <algorithm>
 #include <iterator>
@@ -65,6 +66,10 @@ std::vector<Finding> lint(std::istream& properties, const IsSecret& isSecret) {
 
 std::string fixed(std::string_view properties, const std::set<Rule>& ignored) {
     return withoutDifferences(properties, ignored);
+}
+
+std::string propertyLine(std::string_view key, std::string_view value) {
+    return written(key, value);
 }
 
 std::vector<PlacedProperty> placedProperties(std::string_view text) {

@@ -49,6 +49,12 @@ CONNECTOR_EXPORT std::vector<Finding> lint(std::istream& properties, const IsSec
 /// @param ignored  a line on which only these rules are broken stays as it is
 CONNECTOR_EXPORT std::string fixed(std::string_view properties, const std::set<Rule>& ignored = {});
 
+/// Writes a property so that both readers store exactly this key and value. May be called from any
+/// thread.
+/// @param key, value  UTF-8 text
+/// @return the line, without its line break, which it needs even at the end of a file
+CONNECTOR_EXPORT std::string propertyLine(std::string_view key, std::string_view value);
+
 /// A property as PropertyFileSource stores it, and the place of its key.
 struct PlacedProperty {
     std::string key;

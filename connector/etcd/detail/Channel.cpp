@@ -79,4 +79,21 @@ bool wantsToken(const grpc::Status& status) {
            (has(text, "user name is empty") || has(text, "revision of auth store is old"));
 }
 
+bool isRefusal(const grpc::Status& status) {
+    switch (status.error_code()) {
+    case grpc::StatusCode::INVALID_ARGUMENT:
+    case grpc::StatusCode::NOT_FOUND:
+    case grpc::StatusCode::ALREADY_EXISTS:
+    case grpc::StatusCode::PERMISSION_DENIED:
+    case grpc::StatusCode::UNAUTHENTICATED:
+    case grpc::StatusCode::RESOURCE_EXHAUSTED:
+    case grpc::StatusCode::FAILED_PRECONDITION:
+    case grpc::StatusCode::OUT_OF_RANGE:
+    case grpc::StatusCode::UNIMPLEMENTED:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace connector::etcd::detail

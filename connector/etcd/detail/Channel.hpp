@@ -22,4 +22,7 @@ std::string causeOf(const grpc::Status& status);
 /// @return whether the engine refused the call because the token is missing or not valid any more
 bool wantsToken(const grpc::Status& status);
 
+/// @return whether the engine, or our side before it sent anything, has refused the call for sure
+bool isRefusal(const grpc::Status& status);
+
 } // namespace connector::etcd::detail

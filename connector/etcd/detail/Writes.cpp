@@ -13,24 +13,6 @@ namespace connector::etcd::detail {
 
 namespace {
 
-/// @return whether the engine, or our side before it sent anything, has refused the write for sure
-bool isRefusal(const grpc::Status& status) {
-    switch (status.error_code()) {
-    case grpc::StatusCode::INVALID_ARGUMENT:
-    case grpc::StatusCode::NOT_FOUND:
-    case grpc::StatusCode::ALREADY_EXISTS:
-    case grpc::StatusCode::PERMISSION_DENIED:
-    case grpc::StatusCode::UNAUTHENTICATED:
-    case grpc::StatusCode::RESOURCE_EXHAUSTED:
-    case grpc::StatusCode::FAILED_PRECONDITION:
-    case grpc::StatusCode::OUT_OF_RANGE:
-    case grpc::StatusCode::UNIMPLEMENTED:
-        return true;
-    default:
-        return false;
-    }
-}
-
 std::exception_ptr notWritten(const std::string& cause) {
     return std::make_exception_ptr(std::runtime_error("Not written: " + cause));
 }

@@ -73,7 +73,7 @@ void EtcdServer::start() {
         command.push_back("--election-timeout=100");
     }
     command.insert(command.end(), arguments.begin(), arguments.end());
-    process = std::make_unique<Process>(command, folder.path / "log");
+    process = std::make_unique<BackgroundProcess>(command, folder.path / "log");
 }
 
 void EtcdServer::waitUntilReady() const {

@@ -1,7 +1,7 @@
 /// Real servers for tests, on free ports and with data in a temporary folder.
 #pragma once
 
-#include "Process.hpp"
+#include "BackgroundProcess.hpp"
 
 #include "support/TemporaryDirectory.hpp"
 
@@ -63,7 +63,7 @@ private:
     const std::string cluster;
     const std::vector<std::string> arguments;
     const std::optional<ServerTls> tls;
-    std::unique_ptr<Process> process;
+    std::unique_ptr<BackgroundProcess> process;
 };
 
 /// Three members that are ready.

@@ -13,13 +13,15 @@ struct Example {
     std::string output; ///< standard output and standard error, as they appear on a terminal
 };
 
-/// Reads the code blocks marked as console. A line that begins with "$ " is a command, which
-/// continues on the next line after a backslash. The lines up to the next command are its output.
+/// Reads the code blocks marked as console, or with another mark. A line that begins with "$ " is a
+/// command, which continues on the next line after a backslash. The lines up to the next command
+/// are its output.
 class ConsoleExamples {
 public:
-    explicit ConsoleExamples(const std::string& path) : file(path) {
+    explicit ConsoleExamples(const std::string& path, const std::string& mark = "console")
+        : file(path) {
         for (std::string line; next(line);) {
-            if (line == "```console")
+            if (line == "```" + mark)
                 readBlock();
         }
     }

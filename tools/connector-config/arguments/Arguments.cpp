@@ -1,6 +1,7 @@
 #include "arguments/Arguments.hpp"
 
 #include "arguments/CheckOptions.hpp"
+#include "arguments/FleetOptions.hpp"
 #include "arguments/Help.hpp"
 #include "arguments/ListenAddress.hpp"
 #include "values/WrongArguments.hpp"
@@ -58,6 +59,7 @@ public:
         app.add_flag("--trace", arguments.trace)->disable_flag_override();
         files = addSourceOption("-f,--file", "FILE");
         environments = addSourceOption("--env", "PREFIX");
+        etcds = addSourceOption("--etcd", "endpoint=URL,prefix=P");
         overrides = addSourceOption("-s,--set", "KEY[:TYPE]=VALUE");
         defaults = addSourceOption("-d,--default", "KEY[:TYPE]=VALUE");
         addRepeatable(app, "--secret", arguments.secrets, "GLOB");
@@ -73,6 +75,7 @@ public:
         addCommand("set", Command::Set)->add_option("KEY[:TYPE]=VALUE", assignment)->required();
         addServe();
         checkOptions.declare(*addCommand("check", Command::Check));
+        fleetOptions.declare(*addCommand("fleet", Command::Fleet));
     }
 
     Arguments parse(int argc, const char* const argv[]) {
@@ -94,6 +97,8 @@ public:
         collectHttp();
         if (arguments.command == Command::Check)
             arguments.check = checkOptions.collect(arguments.json, unmarked);
+        if (arguments.command == Command::Fleet)
+            collectFleet();
         collectService();
         return std::move(arguments);
     }
@@ -219,6 +224,19 @@ private:
         arguments.http = std::move(httpOptions);
     }
 
+    /// Sources of other kinds would play no part.
+    void collectFleet() {
+        arguments.fleet = fleetOptions.collect(Secrets(arguments.secrets), unmarked);
+        if (arguments.json && arguments.fleet.format == FleetArguments::Format::Properties)
+            throw WrongArguments("--json excludes --format=properties");
+        for (const CLI::Option* const option : sourceOptions) {
+            if (option != etcds && option->count() > 0)
+                throw WrongArguments("fleet excludes " + option->get_name());
+        }
+        if (etcds->count() != 1)
+            throw WrongArguments("fleet requires exactly one --etcd");
+    }
+
     /// A command on a service has no sources, and set has nothing else.
     void collectService() {
         if (arguments.command == Command::Set)
@@ -283,6 +301,8 @@ private:
             arguments.sources.emplace_back(parseFileArgument(text));
         else if (option == environments)
             arguments.sources.emplace_back(parseEnvironmentArgument(text));
+        else if (option == etcds)
+            arguments.sources.emplace_back(parseEtcdArgument(text));
         else
             arguments.sources.emplace_back(TableAssignment{
                 parseAssignment(text, secrets), option == overrides ? "override" : "default"});
@@ -295,6 +315,7 @@ private:
     std::set<const CLI::Option*> sourceOptions;
     CLI::Option* files;
     CLI::Option* environments;
+    CLI::Option* etcds;
     CLI::Option* overrides;
     CLI::Option* defaults;
     CLI::Option* url;
@@ -312,6 +333,7 @@ private:
     std::map<std::string, std::string> texts; // of options with one value
     connector::service::HttpOptions httpOptions;
     CheckOptions checkOptions;
+    FleetOptions fleetOptions;
 };
 
 } // namespace

@@ -4,7 +4,9 @@
 #include "arguments/Assignment.hpp"
 #include "arguments/CheckArguments.hpp"
 #include "arguments/EnvironmentArgument.hpp"
+#include "arguments/EtcdArgument.hpp"
 #include "arguments/FileArgument.hpp"
+#include "arguments/FleetArguments.hpp"
 
 #include <connector/service/HttpClientOptions.hpp>
 #include <connector/service/HttpOptions.hpp>
@@ -22,9 +24,10 @@ struct TableAssignment {
     const char* table; ///< "override" or "default"
 };
 
-using SourceArgument = std::variant<FileArgument, EnvironmentArgument, TableAssignment>;
+using SourceArgument =
+    std::variant<FileArgument, EnvironmentArgument, EtcdArgument, TableAssignment>;
 
-enum class Command { Get, Keys, Show, Explain, Watch, Set, Serve, Check };
+enum class Command { Get, Keys, Show, Explain, Watch, Set, Serve, Check, Fleet };
 
 struct Arguments {
     std::string information; ///< output of --help or --version; if not empty, the rest is unset
@@ -36,7 +39,8 @@ struct Arguments {
     bool forShell = false;         ///< of get: whether to write assignments for a shell
     bool followsFiles = false;     ///< of watch and serve: whether to reload changed files
     std::optional<connector::service::HttpOptions> http; ///< of serve; none for standard input
-    CheckArguments check;          ///< of check
+    CheckArguments check;                                ///< of check
+    FleetArguments fleet; ///< of fleet, whose one source is an EtcdArgument
 
     std::optional<Assignment> assignment; ///< of set
 

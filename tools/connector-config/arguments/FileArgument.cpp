@@ -36,8 +36,7 @@ bool readOptional(const std::string& text) {
     return text == "true";
 }
 
-FileArgument parseLongForm(const std::string& text) {
-    const Members members(text, {"path", "name", "group", "order", "format", "optional"}, "a file");
+FileArgument fileOf(const Members& members) {
     FileArgument file;
     file.path = *members.find("path");
     file.name = members.find("name").value_or(file.path);
@@ -49,15 +48,29 @@ FileArgument parseLongForm(const std::string& text) {
     return file;
 }
 
+bool isLongForm(const std::string& text) {
+    return text.compare(0, longForm.size(), longForm) == 0;
+}
+
+FileArgument plainFile(const std::string& path) {
+    FileArgument file;
+    file.path = file.name = path;
+    file.format = formatOf(path);
+    return file;
+}
+
 } // namespace
 
 FileArgument parseFileArgument(const std::string& text) {
-    if (text.compare(0, longForm.size(), longForm) == 0)
-        return parseLongForm(text);
-    FileArgument file;
-    file.path = file.name = text;
-    file.format = formatOf(text);
-    return file;
+    if (!isLongForm(text))
+        return plainFile(text);
+    return fileOf({text, {"path", "name", "group", "order", "format", "optional"}, "a file"});
+}
+
+FileArgument parseImportedFile(const std::string& text) {
+    if (!isLongForm(text))
+        return plainFile(text);
+    return fileOf({text, {"path", "format"}, "a file to import"});
 }
 
 } // namespace connector_config

@@ -1,4 +1,4 @@
-/// Parses the FILE of --file and of the add line.
+/// Parses the FILE of --file, of the add line and of fleet import.
 #pragma once
 
 #include <connector/sources/FileFormat.hpp>
@@ -25,5 +25,10 @@ struct FileArgument {
 /// that of property files for any other extension.
 /// @throws WrongArguments
 FileArgument parseFileArgument(const std::string& text);
+
+/// The same for a file that becomes no source: the long form is
+///     path=P[,format=F]
+/// @throws WrongArguments
+FileArgument parseImportedFile(const std::string& text);
 
 } // namespace connector_config

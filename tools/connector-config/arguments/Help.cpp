@@ -1,6 +1,45 @@
 #include "arguments/Help.hpp"
 
+#include "arguments/EtcdArgument.hpp"
+
 namespace connector_config {
+
+namespace {
+
+/// @return the text if the program was built with etcd
+std::string withEtcd(const char* text) {
+    return hasEtcd ? text : "";
+}
+
+constexpr const char* fleetCommands = R"(
+  fleet put KEY[:TYPE]=VALUE...
+                         writes options to the one --etcd, in one transaction
+                         of at most 128, and prints the revision
+  fleet delete KEY...    deletes options in one transaction, and prints how
+                         many there were
+  fleet import FILE      writes what a file says, and prints a line for each
+                         key that is new (+), changes (~) or is deleted (-);
+                         FILE is a path, or path=P[,format=F]
+      --delete           deletes the keys that the file does not have
+      --dry-run          writes nothing
+  fleet export           all options, as a JSON document that import takes
+      --format=json|properties
+  fleet status           whether etcd answers, its revision and number of keys)";
+
+constexpr const char* etcdOption = R"(
+      --etcd endpoint=URL[,endpoint=URL...],prefix=P[,MEMBER=VALUE...]
+                         the keys of etcd that begin with P, read-only; URL is
+                         http://HOST:PORT or https://HOST:PORT; the members
+                         name, group, order, user, password-file, ca, cert,
+                         key, cache and start=wait, cached or empty are
+                         optional; by default the name is "etcd" and the order
+                         is 60)";
+
+constexpr const char* etcdExample = R"(
+  connector-config --etcd endpoint=http://127.0.0.1:2379,prefix=shop/ show
+  connector-config --etcd endpoint=https://db1:2379,prefix=shop/ fleet put a=1)";
+
+} // namespace
 
 std::string usageLine() {
     return "Usage: connector-config [OPTIONS] COMMAND [ARGUMENTS]\n";
@@ -53,7 +92,8 @@ Commands:
       --sarif            one SARIF document
       --fix              rewrites lines so that both read what the library
                          reads now
-      --diff             shows what --fix would change
+      --diff             shows what --fix would change)" +
+           withEtcd(fleetCommands) + R"(
 
 Sources, added in the order given:
   -f, --file FILE        a property, JSON, YAML or TOML file, read-only; FILE
@@ -67,7 +107,8 @@ Sources, added in the order given:
                          read-only; the rest of the name, in lower case and
                          with "." for "__", is the key; PREFIX may also be
                          prefix=P[,name=N][,group=G][,order=O]; by default
-                         the name is "env" and the order is 50
+                         the name is "env" and the order is 50)" +
+           withEtcd(etcdOption) + R"(
   -s, --set KEY[:TYPE]=VALUE
                          a value in "override", order 0
   -d, --default KEY[:TYPE]=VALUE
@@ -107,7 +148,8 @@ Examples:
   connector-config -f site.properties get net.port
   connector-config -f path=site.properties,group=site keys site.net.
   connector-config -f site.properties -s net.port:uint=8080 show net.
-  connector-config -f site.yaml --env APP_ show
+  connector-config -f site.yaml --env APP_ show)" +
+           withEtcd(etcdExample) + R"(
   connector-config -f site.properties -d log.level=info explain log.level
   printf '%s\n' 'set net.port=1' quit | connector-config watch net.port
   connector-config check site.properties

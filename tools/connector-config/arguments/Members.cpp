@@ -11,7 +11,8 @@ namespace connector_config {
 using connector::service::readNumber;
 
 Members::Members(std::string_view text, std::initializer_list<std::string_view> known,
-                 const char* what) {
+                 const char* what, std::string_view newRepeatable)
+    : repeatable(newRepeatable) {
     for (std::size_t comma = text.find(','); comma != std::string_view::npos;
          comma = text.find(',')) {
         add(text.substr(0, comma), known, what);
@@ -27,14 +28,21 @@ void Members::add(std::string_view member, std::initializer_list<std::string_vie
     const bool isKnown = std::find(known.begin(), known.end(), name) != known.end();
     if (!isKnown || equalsSign == std::string_view::npos)
         throw WrongArguments("Unknown member of " + std::string(what) + ": " + std::string(member));
-    if (!values.emplace(name, member.substr(equalsSign + 1)).second)
+    std::vector<std::string>& present = values[std::string(name)];
+    if (!present.empty() && name != repeatable)
         throw WrongArguments("Repeated member of " + std::string(what) + ": " +
                              std::string(member));
+    present.emplace_back(member.substr(equalsSign + 1));
 }
 
 std::optional<std::string> Members::find(std::string_view name) const {
     const auto value = values.find(name);
-    return value == values.end() ? std::nullopt : std::optional<std::string>(value->second);
+    return value == values.end() ? std::nullopt : std::optional<std::string>(value->second.front());
+}
+
+std::vector<std::string> Members::all(std::string_view name) const {
+    const auto value = values.find(name);
+    return value == values.end() ? std::vector<std::string>() : value->second;
 }
 
 std::int32_t Members::order(std::int32_t otherwise) const {

@@ -17,13 +17,30 @@ using connector::service::toJson;
 
 namespace {
 
-/// Calls a function for each key, and collects the failures.
+using Option = OptionReader::Option;
+using Answers = std::vector<OptionReader::Answer>;
+
+/// A single value is asked for as such, so that the diagnostic lines say so.
+Answers valuesOf(OptionReader& reader, const std::vector<std::string>& keys) {
+    if (keys.size() != 1)
+        return reader.answers(keys);
+    try {
+        return {{Option{keys.front(), "", reader.value(keys.front())}, ""}};
+    } catch (const std::exception& failure) {
+        return {{std::nullopt, failure.what()}};
+    }
+}
+
+/// Calls a function for each option, and collects the failures.
 template <typename Function>
-std::vector<std::string> forEachKey(const std::vector<std::string>& keys, Function function) {
+std::vector<std::string> forEachOption(const Answers& answers, Function function) {
     std::vector<std::string> failures;
-    for (const std::string& key : keys) {
+    for (const OptionReader::Answer& answer : answers) {
         try {
-            function(key);
+            if (answer.option)
+                function(*answer.option);
+            else
+                failures.push_back(answer.failure);
         } catch (const std::exception& failure) {
             failures.emplace_back(failure.what());
         }
@@ -33,8 +50,8 @@ std::vector<std::string> forEachKey(const std::vector<std::string>& keys, Functi
 
 GetResult asText(OptionReader& reader, const std::vector<std::string>& keys) {
     GetResult result;
-    result.failures = forEachKey(keys, [&](const std::string& key) {
-        result.output += plainText(reader.value(key)) + '\n';
+    result.failures = forEachOption(valuesOf(reader, keys), [&](const Option& option) {
+        result.output += plainText(option.value) + '\n';
     });
     return result;
 }
@@ -42,8 +59,8 @@ GetResult asText(OptionReader& reader, const std::vector<std::string>& keys) {
 GetResult asJson(OptionReader& reader, const std::vector<std::string>& keys) {
     GetResult result;
     Poco::JSON::Array::Ptr options = new Poco::JSON::Array;
-    result.failures =
-        forEachKey(keys, [&](const std::string& key) { options->add(toJson(reader.option(key))); });
+    result.failures = forEachOption(reader.answers(keys),
+                                    [&](const Option& option) { options->add(toJson(option)); });
     if (keys.size() > 1)
         result.output = jsonText(options) + '\n';
     else if (options->size() == 1)
@@ -76,8 +93,8 @@ std::string assignmentOf(const std::string& key, const OptionValue& value) {
 GetResult forShell(OptionReader& reader, const std::vector<std::string>& keys) {
     checkVariables(keys);
     GetResult result;
-    result.failures = forEachKey(keys, [&](const std::string& key) {
-        result.output += assignmentOf(key, reader.value(key));
+    result.failures = forEachOption(valuesOf(reader, keys), [&](const Option& option) {
+        result.output += assignmentOf(option.key, option.value);
     });
     return result;
 }

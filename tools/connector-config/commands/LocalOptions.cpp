@@ -6,10 +6,6 @@ OptionReader::OptionValue LocalOptions::value(const std::string& key) {
     return configuration.get(key).get();
 }
 
-OptionReader::Option LocalOptions::option(const std::string& key) {
-    return configuration.getOption(key).get();
-}
-
 std::vector<std::string> LocalOptions::keys(const std::string& prefix) {
     const std::set<std::string> all = configuration.keys().get();
     std::vector<std::string> matching;
@@ -22,10 +18,21 @@ std::vector<std::string> LocalOptions::keys(const std::string& prefix) {
 }
 
 std::vector<OptionReader::Option> LocalOptions::options(const std::string& prefix) {
-    std::vector<Option> options;
-    for (const std::string& key : keys(prefix))
-        options.push_back(option(key));
-    return options;
+    return configuration.optionsBelow(prefix);
+}
+
+/// The configuration answers in the order of the keys and leaves out what is missing.
+std::vector<OptionReader::Answer> LocalOptions::answers(const std::vector<std::string>& keys) {
+    std::vector<Option> options = configuration.optionsOf(keys);
+    auto next = options.begin();
+    std::vector<Answer> answers;
+    for (const std::string& key : keys) {
+        if (next != options.end() && next->key == key)
+            answers.push_back({std::move(*next++), ""});
+        else
+            answers.push_back({std::nullopt, "No option with the specified key was found: " + key});
+    }
+    return answers;
 }
 
 std::vector<OptionReader::SourceAnswer> LocalOptions::explain(const std::string& key) {

@@ -16,6 +16,7 @@ constexpr bool readOnly = true;
 struct Adder {
     ConfigurationImpl& configuration;
     NamedFiles& files;
+    const AddEtcd& addEtcd;
 
     void operator()(const FileArgument& argument) const {
         files.push_back(openFile(argument));
@@ -27,6 +28,7 @@ struct Adder {
                        std::make_shared<EnvironmentSource>(environment.prefix))
             .get();
     }
+    void operator()(const EtcdArgument& etcd) const { addEtcd(configuration, etcd); }
     void operator()(const TableAssignment& argument) const {
         const Assignment& assignment = argument.assignment;
         warnOfUnknownType(assignment);
@@ -41,11 +43,11 @@ void addFile(ConfigurationImpl& configuration, const std::shared_ptr<NamedFile>&
     configuration.addSource(argument.name, argument.group, argument.order, readOnly, file).get();
 }
 
-NamedFiles addSources(ConfigurationImpl& configuration,
-                      const std::vector<SourceArgument>& sources) {
+NamedFiles addSources(ConfigurationImpl& configuration, const std::vector<SourceArgument>& sources,
+                      const AddEtcd& addEtcd) {
     NamedFiles files;
     for (const SourceArgument& source : sources)
-        std::visit(Adder{configuration, files}, source);
+        std::visit(Adder{configuration, files, addEtcd}, source);
     return files;
 }
 

@@ -6,6 +6,10 @@
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
+#include <functional>
+#include <memory>
+#include <vector>
+
 namespace connector_config {
 
 /// Adds a file as a read-only source.
@@ -13,11 +17,17 @@ namespace connector_config {
 void addFile(connector::configuration::ConfigurationImpl& configuration,
              const std::shared_ptr<NamedFile>& file);
 
-/// Adds files and the environment, and sets values, in the order of the command line.
+/// Adds a source of --etcd. Only the program that can use the network has such a function.
+using AddEtcd =
+    std::function<void(connector::configuration::ConfigurationImpl&, const EtcdArgument&)>;
+
+/// Adds files, the environment and prefixes of etcd, and sets values, in the order of the command
+/// line.
+/// @param addEtcd  may be empty if there is no such source
 /// @return the files
-/// @throws as openFile, and what the library throws
+/// @throws as openFile and addEtcd, and what the library throws
 NamedFiles addSources(connector::configuration::ConfigurationImpl& configuration,
-                      const std::vector<SourceArgument>& sources);
+                      const std::vector<SourceArgument>& sources, const AddEtcd& addEtcd);
 
 /// Warns on standard error if the type of an assignment is probably mistyped.
 void warnOfUnknownType(const Assignment& assignment);

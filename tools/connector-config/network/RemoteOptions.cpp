@@ -17,6 +17,18 @@ OptionReader::Option RemoteOptions::option(const std::string& key) {
     return *found;
 }
 
+std::vector<OptionReader::Answer> RemoteOptions::answers(const std::vector<std::string>& keys) {
+    std::vector<Answer> answers;
+    for (const std::string& key : keys) {
+        try {
+            answers.push_back({option(key), ""});
+        } catch (const std::exception& failure) {
+            answers.push_back({std::nullopt, failure.what()});
+        }
+    }
+    return answers;
+}
+
 std::vector<std::string> RemoteOptions::keys(const std::string& prefix) {
     const std::set<std::string> keys = client.keys(prefix);
     return {keys.begin(), keys.end()};

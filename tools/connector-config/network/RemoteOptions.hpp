@@ -17,12 +17,14 @@ public:
     explicit RemoteOptions(connector::service::HttpClient& newClient) : client(newClient) {}
 
     OptionValue value(const std::string& key) override;
-    Option option(const std::string& key) override;
+    std::vector<Answer> answers(const std::vector<std::string>& keys) override;
     std::vector<std::string> keys(const std::string& prefix) override;
     std::vector<Option> options(const std::string& prefix) override;
     std::vector<SourceAnswer> explain(const std::string& key) override;
 
 private:
+    Option option(const std::string& key);
+
     connector::service::HttpClient& client;
 };
 

@@ -1,6 +1,9 @@
 /// connector-config-network: the commands of connector-config that use the network. It is started
 /// by connector-config, not by users.
 #include "Program.hpp"
+#include "commands/Sources.hpp"
+#include "fleet/EtcdSources.hpp"
+#include "fleet/Fleet.hpp"
 #include "network/RemoteCommands.hpp"
 #include "network/RemoteOptions.hpp"
 #include "network/ServeHttp.hpp"
@@ -21,8 +24,26 @@ ExitStatus runOnService(const Arguments& arguments) {
     return Success;
 }
 
+ExitStatus runFleetCommand(const Arguments& arguments) {
+    for (const Assignment& assignment : arguments.fleet.assignments)
+        warnOfUnknownType(assignment);
+    return runFleet(arguments);
+}
+
+/// Whether the program stays and follows its sources
+bool lasts(const Arguments& arguments) {
+    return arguments.command == Command::Watch || arguments.command == Command::Serve;
+}
+
 ExitStatus runOnNetwork(const Arguments& arguments) {
-    return arguments.service ? runOnService(arguments) : runOnSources(arguments, serveHttp);
+    if (arguments.service)
+        return runOnService(arguments);
+    if (arguments.command == Command::Fleet)
+        return runFleetCommand(arguments);
+    return runOnSources(arguments, arguments.http ? serveHttp : serveWithoutNetwork,
+                        [&](auto& configuration, const EtcdArgument& etcd) {
+                            addEtcd(configuration, etcd, lasts(arguments));
+                        });
 }
 
 } // namespace

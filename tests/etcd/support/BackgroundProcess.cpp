@@ -1,4 +1,4 @@
-#include "Process.hpp"
+#include "BackgroundProcess.hpp"
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -29,7 +29,8 @@ namespace {
 
 } // namespace
 
-Process::Process(const std::vector<std::string>& command, const std::filesystem::path& log) {
+BackgroundProcess::BackgroundProcess(const std::vector<std::string>& command,
+                                     const std::filesystem::path& log) {
     std::vector<char*> arguments;
     for (const std::string& word : command)
         arguments.push_back(const_cast<char*>(word.c_str()));
@@ -41,16 +42,16 @@ Process::Process(const std::vector<std::string>& command, const std::filesystem:
         become(arguments, log.c_str());
 }
 
-Process::~Process() {
+BackgroundProcess::~BackgroundProcess() {
     kill();
 }
 
-void Process::signal(int number) const {
+void BackgroundProcess::signal(int number) const {
     if (id > 0)
         ::kill(id, number);
 }
 
-void Process::kill() {
+void BackgroundProcess::kill() {
     if (id <= 0)
         return;
     ::kill(id, SIGKILL);

@@ -10,13 +10,13 @@
 namespace test {
 
 /// A running program. It is killed with this object, and when the test ends.
-class Process {
+class BackgroundProcess {
 public:
     /// @param log  gets what the program writes
-    Process(const std::vector<std::string>& command, const std::filesystem::path& log);
-    ~Process();
-    Process(const Process&) = delete;
-    Process& operator=(const Process&) = delete;
+    BackgroundProcess(const std::vector<std::string>& command, const std::filesystem::path& log);
+    ~BackgroundProcess();
+    BackgroundProcess(const BackgroundProcess&) = delete;
+    BackgroundProcess& operator=(const BackgroundProcess&) = delete;
 
     void signal(int number) const;
 
