@@ -66,7 +66,7 @@ class Case:
 
 @dataclass
 class Limit:
-    """The maximum ratio to a contestant ("1.3 x"), own figure ("175 B", "1 s") or growth ("n^0.1")"""
+    """The maximum ratio to a contestant ("1.3 x"), own figure ("9 B", "1 s") or growth ("n^0.1")"""
 
     subject: str
     case: str
