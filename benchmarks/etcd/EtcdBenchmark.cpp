@@ -3,6 +3,7 @@
 #include "Server.hpp"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -47,6 +48,9 @@ double secondsSince(std::int64_t begin) {
 constexpr int putsPerSecond = 200;
 constexpr int puts = 600;
 
+/// The delays of two subscribers, in seconds, in the order of `Steady::Figure`
+using Delays = std::array<double, 4>;
+
 /// Puts the time, at a steady rate, then "end".
 void putTimes(EtcdSource& writer) {
     std::vector<connector::Future<std::int64_t>> answers;
@@ -54,79 +58,89 @@ void putTimes(EtcdSource& writer) {
     for (int i = 0; i < puts; ++i) {
         next += std::chrono::microseconds(1'000'000 / putsPerSecond);
         std::this_thread::sleep_until(next);
-        answers.push_back(writer.put("clock", OptionValue(std::to_string(now()))));
+        answers.push_back(writer.put("lock", OptionValue(std::to_string(now()))));
     }
     for (auto& answer : answers)
         answer.get();
-    writer.put("clock", "end").get();
+    writer.put("lock", "end").get();
 }
 
-struct Delays {
-    double half;
-    double most;
-};
-
-Delays delaysOfOurs() {
-    const Server server;
-    EtcdSource writer(server.options("fleet/"));
-    writer.put("clock", "begin").get();
-    Program program(follower({"delays", server.endpoint(), "fleet/"}));
-    program.line(); // "current"
-    putTimes(writer);
-    const double half = std::stod(program.line()) / 1e9;
-    return {half, std::stod(program.line()) / 1e9};
-}
-
-Delays delaysOfEtcdctl() {
-    const Server server;
-    EtcdSource writer(server.options("fleet/"));
-    Program program({"etcdctl", "--endpoints=" + server.endpoint(), "watch", "--prefix", "fleet/"});
-    const auto value = [&program] {
-        program.line(); // PUT
-        program.line(); // the key
-        return program.line();
+/// @return the delays of the values that etcdctl prints, in nanoseconds, in ascending order
+std::vector<std::int64_t> delaysOf(Program& etcdctl) {
+    const auto value = [&etcdctl] {
+        etcdctl.line(); // PUT
+        etcdctl.line(); // the key
+        return etcdctl.line();
     };
-    // It does not say when it watches.
-    std::thread asking([&writer] {
-        for (int i = 0; i < 20; ++i) {
-            writer.put("clock", "begin").get();
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        }
-        putTimes(writer);
-    });
     std::vector<std::int64_t> delays;
     for (std::string text = value(); text != "end"; text = value()) {
         if (text != "begin")
             delays.push_back(now() - std::stoll(text));
     }
-    asking.join();
     std::sort(delays.begin(), delays.end());
-    return {static_cast<double>(delays.at(delays.size() / 2)) / 1e9,
-            static_cast<double>(delays.at(delays.size() * 99 / 100)) / 1e9};
+    return delays;
 }
 
-/// Measures both figures at once, although they are two cases.
-class Both {
-public:
-    explicit Both(Delays (*newMeasure)()) : measure(newMeasure) {}
-
-    double take(double Delays::*wanted) {
-        std::optional<double>& kept = wanted == &Delays::half ? half : most;
-        if (!kept) {
-            const Delays delays = measure();
-            half = delays.half;
-            most = delays.most;
+/// One server, one writer, and both contestants beside each other: what disturbs the server or the
+/// machine disturbs both.
+Delays measureDelays(int keys) {
+    const Server server;
+    server.fill("fleet/", keys);
+    EtcdSource writer(server.options("fleet/c")); // sees the key "fleet/clock" alone
+    writer.put("lock", "begin").get();
+    Program ours(follower({"delays", server.endpoint(), "fleet/"}));
+    ours.line(); // "current"
+    Program etcdctl({"etcdctl", "--endpoints=" + server.endpoint(), "watch", "--prefix", "fleet/"});
+    // It does not say when it watches.
+    std::thread putting([&writer] {
+        for (int i = 0; i < 20; ++i) {
+            writer.put("lock", "begin").get();
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
         }
-        const double figure = *kept;
-        kept.reset();
-        return figure;
+        putTimes(writer);
+    });
+    const std::vector<std::int64_t> others = delaysOf(etcdctl);
+    putting.join();
+    const double half = std::stod(ours.line()) / 1e9;
+    const double most = std::stod(ours.line()) / 1e9;
+    return {half, most, static_cast<double>(others.at(others.size() / 2)) / 1e9,
+            static_cast<double>(others.at(others.size() * 99 / 100)) / 1e9};
+}
+
+/// One measurement gives the figures of four cases. The nth run of each case shows the nth one.
+class Steady {
+public:
+    enum Figure : std::uint8_t { OurHalf, OurMost, HalfOfEtcdctl, MostOfEtcdctl };
+
+    explicit Steady(int newKeys) : keys(newKeys) {}
+
+    double take(Figure figure) {
+        const std::size_t run = taken.at(figure)++;
+        if (run == measured.size())
+            measured.push_back(measureDelays(keys));
+        return measured[run].at(figure);
     }
 
 private:
-    Delays (*const measure)();
-    std::optional<double> half;
-    std::optional<double> most;
+    const int keys;
+    std::vector<Delays> measured;
+    std::array<std::size_t, 4> taken{};
 };
+
+/// @param keys  in the table beside the one that changes
+void addSteady(int keys) {
+    const std::string description =
+        "from a put to a subscriber, 200 puts a second, " + std::to_string(keys) + " keys, ";
+    const auto steady = std::make_shared<Steady>(keys);
+    const auto add = [&](const std::string& part, const std::string& contestant,
+                         Steady::Figure figure) {
+        addTimed(description + part, contestant, [steady, figure] { return steady->take(figure); });
+    };
+    add("p50", "ours", Steady::OurHalf);
+    add("p50", "etcdctl", Steady::HalfOfEtcdctl);
+    add("p99", "ours", Steady::OurMost);
+    add("p99", "etcdctl", Steady::MostOfEtcdctl);
+}
 
 // A list
 
@@ -240,13 +254,8 @@ std::optional<double> fanOut() {
 }
 
 [[maybe_unused]] const bool registered = [] {
-    const std::string rate = "from a put to a subscriber, 200 puts a second, ";
-    static Both ours(delaysOfOurs);
-    static Both etcdctl(delaysOfEtcdctl);
-    addTimed(rate + "p50", "ours", [] { return ours.take(&Delays::half); });
-    addTimed(rate + "p50", "etcdctl", [] { return etcdctl.take(&Delays::half); });
-    addTimed(rate + "p99", "ours", [] { return ours.take(&Delays::most); });
-    addTimed(rate + "p99", "etcdctl", [] { return etcdctl.take(&Delays::most); });
+    for (const int keys : {10, 10'000, 100'000})
+        addSteady(keys);
     addTimed("first list, 100000 keys", "ours", listOfOurs);
     addTimed("first list, 100000 keys", "etcdctl", listOfEtcdctl);
     bench::add("etcd memory", "100000 keys, kept", "ours", measureMemory)->Iterations(1);

@@ -47,6 +47,12 @@ public:
                 std::move(exchanged.previous)};
     }
 
+    std::shared_ptr<const sources::Table>
+    publish(std::shared_ptr<const sources::Table> table) override {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return source == nullptr ? nullptr : source->exchange(std::move(table));
+    }
+
     void end() {
         const std::lock_guard<std::mutex> lock(mutex);
         source = nullptr;

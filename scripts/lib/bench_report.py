@@ -66,7 +66,7 @@ class Case:
 
 @dataclass
 class Limit:
-    """The maximum ratio to a contestant ("1.3 x"), own figure ("175 B") or growth ("n^0.1")"""
+    """The maximum ratio to a contestant ("1.3 x"), own figure ("9 B", "1 s") or growth ("n^0.1")"""
 
     subject: str
     case: str
@@ -75,7 +75,7 @@ class Limit:
     only_if: str = ""
 
     def __post_init__(self):
-        parts = re.fullmatch(r"([0-9.]+) (x|B)|(n)\^([0-9.]+)", self.text)
+        parts = re.fullmatch(r"([0-9.]+) (x|B|s)|(n)\^([0-9.]+)", self.text)
         if parts is None:
             raise ValueError(f"{self.text} is no limit")
         self.bound, self.kind = float(parts[1] or parts[4]), parts[2] or parts[3]
@@ -90,7 +90,7 @@ class Limit:
     def figure(self, case):
         if self.kind == "n":
             return case.exponent()
-        return case.median(case.own()) if self.kind == "B" else case.ratio(self.contestant)
+        return case.median(case.own()) if self.kind in ("B", "s") else case.ratio(self.contestant)
 
     def holds(self, case):
         figure = self.figure(case)

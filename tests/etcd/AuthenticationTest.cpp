@@ -61,10 +61,11 @@ TEST_F(AuthenticationTest, FollowsAChangedPassword) {
     const auto source = std::make_shared<EtcdSource>(options);
     EXPECT_GT(source->put("a", "1").get(), 0);
     Observer observer(*source);
-    runProgram("printf 'second\\nsecond\\n' | ETCDCTL_API=3 etcdctl --endpoints=" +
+    runProgram("printf 'second\\nsecond\\n' | ETCDCTL_API=3 etcdctl --dial-timeout=30s "
+               "--command-timeout=30s --endpoints=" +
                server.endpoint() + " --user=root:secret user passwd reader --interactive=false");
     // The old token is not valid any more, and neither is the old password.
-    EXPECT_TRUE(observer.waitFor(State::Stale, 4'500ms));
+    EXPECT_TRUE(observer.waitFor(State::Stale));
     EXPECT_EQ("1", textOf(*source, "a"));
     folder.write("password", "second\n");
     EXPECT_TRUE(observer.waitFor(State::Current));

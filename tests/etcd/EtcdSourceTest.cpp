@@ -110,7 +110,7 @@ TEST_F(EtcdSourceTest, ReportsItsState) {
     EXPECT_NE(0u, status.clusterId);
     EXPECT_EQ("", status.failure);
     server.kill();
-    EXPECT_TRUE(observer.waitFor(State::Stale, 4s));
+    EXPECT_TRUE(observer.waitFor(State::Stale));
     EXPECT_NE(std::string::npos, source->status().failure.find(server.endpoint()));
     source->stop();
     EXPECT_TRUE(observer.waitFor(State::Stopped));

@@ -50,8 +50,9 @@ private:
         const std::string text = std::to_string(number);
         const std::optional<std::string> third =
             number % 2 == 0 ? std::optional<std::string>(text) : std::nullopt;
+        // A write may take seconds on a busy machine.
         const auto revision = client.tryToWrite(
-            {{prefix + "a", text}, {prefix + "b", text}, {prefix + "c", third}}, 1s);
+            {{prefix + "a", text}, {prefix + "b", text}, {prefix + "c", third}}, 5s);
         ++number;
         if (revision)
             ++count;

@@ -93,6 +93,7 @@ class Limits(unittest.TestCase):
         "s | two* | floor | 0.85 x | free cores\n"
         "s | free cores | one | 0.56 x\n"
         "s | kept | ours | 175 B\n"
+        "s | told | ours | 2 s\n"
     )
 
     def verdicts(self, cases, number, contestant):
@@ -129,6 +130,11 @@ class Limits(unittest.TestCase):
     def test_in_bytes_are_for_our_own_figure(self):
         for size, verdict in ((175, "holds"), (176, "MISSED")):
             cases = cases_of(run_of("s/kept/ours", 1, bytes=size))
+            self.assertEqual([verdict], self.verdicts(cases, 0, "ours"))
+
+    def test_in_seconds_are_for_our_own_figure(self):
+        for time, verdict in ((2e9, "holds"), (2.1e9, "MISSED")):
+            cases = cases_of(run_of("s/told/ours", time))
             self.assertEqual([verdict], self.verdicts(cases, 0, "ours"))
 
     def test_of_growth_are_for_the_exponent(self):

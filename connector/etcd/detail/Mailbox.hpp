@@ -1,6 +1,7 @@
 /// What the network thread leaves for the telling thread.
 #pragma once
 
+#include <connector/etcd/detail/Tables.hpp>
 #include <connector/etcd/detail/Update.hpp>
 
 #include <chrono>
@@ -11,7 +12,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace connector::etcd::detail {
@@ -21,10 +21,9 @@ namespace connector::etcd::detail {
 struct Mail {
     std::optional<sources::Table> list; ///< replaces the table
     std::set<std::string> kept; ///< keys that are not in `list` and keep their value of the table
-    std::unordered_map<std::string, std::optional<configuration::OptionValue>>
-        changes;                              ///< after the list; nothing: the key was erased
-    std::optional<Known> known;               ///< after all of this; nothing: nothing is new
-    std::uint64_t ready = 0;                  ///< the last session that has caught up; 0: none
+    KeyValues changes;          ///< after the list
+    std::optional<Known> known; ///< after all of this; nothing: nothing is new
+    std::uint64_t ready = 0;    ///< the last session that has caught up; 0: none
     std::vector<std::function<void()>> tasks; ///< run on the telling thread
     bool isLast = false;                      ///< the mailbox is closed
 

@@ -23,6 +23,11 @@ public:
 
     /// Replaces the table; calls nothing.
     virtual Replacement replace(sources::Table table) = 0;
+
+    /// The same when the differences are known.
+    /// @return the former table
+    virtual std::shared_ptr<const sources::Table>
+    publish(std::shared_ptr<const sources::Table> table) = 0;
 };
 
 } // namespace connector::etcd::detail

@@ -1,9 +1,17 @@
 #include <connector/etcd/detail/Teller.hpp>
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
 namespace connector::etcd::detail {
+
+namespace {
+
+/// How long memory is kept for changes that follow each other.
+constexpr std::chrono::seconds trimDelay{2};
+
+} // namespace
 
 Teller::Teller(std::optional<CacheFile> newCache, std::chrono::milliseconds newDelay,
                Known newKnown)
@@ -27,12 +35,24 @@ void Teller::begin(std::shared_ptr<Publication> newPublication,
 
 void Teller::run() {
     for (bool isLast = false; !isLast;) {
-        Mail mail = mailbox.take(cacheDue);
+        Mail mail = mailbox.take(due());
         isLast = mail.isLast;
         guarded([&] { handle(std::move(mail)); });
         writeCacheIfDue(isLast);
+        trimIfDue();
         reportStatus();
     }
+}
+
+std::optional<Teller::Clock::time_point> Teller::due() const {
+    return cacheDue && trimDue ? std::min(cacheDue, trimDue) : cacheDue ? cacheDue : trimDue;
+}
+
+void Teller::trimIfDue() {
+    if (!trimDue || *trimDue > Clock::now())
+        return;
+    trimDue.reset();
+    tables.trim();
 }
 
 void Teller::reportStatusAgain() {
@@ -53,7 +73,7 @@ void Teller::handle(Mail mail) {
 void Teller::tell(Mail& mail) {
     known = *mail.known;
     if (mail.list || !mail.changes.empty()) {
-        const Replacement replacement = publication->replace(nextTable(mail));
+        const Replacement replacement = mail.list ? replaceList(mail) : replaceTable(mail);
         present = replacement.present;
         callWatcher(replacement);
     }
@@ -62,19 +82,25 @@ void Teller::tell(Mail& mail) {
         cacheDue = Clock::now() + delay;
 }
 
-sources::Table Teller::nextTable(Mail& mail) const {
-    sources::Table table = mail.list ? std::move(*mail.list) : *present;
+/// A value that is written again is no change.
+Replacement Teller::replaceTable(Mail& mail) {
+    std::vector<std::string> keys = differingKeys(*present, mail.changes);
+    if (keys.empty())
+        return {{}, present, nullptr};
+    std::shared_ptr<const sources::Table> next = tables.next(present, std::move(mail.changes));
+    trimDue = Clock::now() + trimDelay;
+    std::shared_ptr<const sources::Table> former = publication->publish(next);
+    return {std::move(keys), std::move(next), std::move(former)};
+}
+
+Replacement Teller::replaceList(Mail& mail) {
+    sources::Table table = std::move(*mail.list);
     for (const std::string& key : mail.kept) {
         if (const auto entry = present->find(key); entry != present->end())
             table.emplace(*entry);
     }
-    for (auto& [key, value] : mail.changes) {
-        if (value)
-            table.insert_or_assign(key, *std::move(value));
-        else
-            table.erase(key);
-    }
-    return table;
+    applyTo(table, mail.changes);
+    return publication->replace(std::move(table));
 }
 
 void Teller::callWatcher(const Replacement& replacement) {

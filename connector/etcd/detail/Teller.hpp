@@ -8,6 +8,7 @@
 #include <connector/etcd/detail/Mailbox.hpp>
 #include <connector/etcd/detail/Publication.hpp>
 #include <connector/etcd/detail/Slot.hpp>
+#include <connector/etcd/detail/Tables.hpp>
 
 #include <atomic>
 #include <chrono>
@@ -52,8 +53,11 @@ private:
 
     void handle(Mail mail);
     void tell(Mail& mail);
-    sources::Table nextTable(Mail& mail) const;
+    Replacement replaceTable(Mail& mail);
+    Replacement replaceList(Mail& mail);
     void callWatcher(const Replacement& replacement);
+    std::optional<Clock::time_point> due() const;
+    void trimIfDue();
     void reportStatus();
     void writeCacheIfDue(bool isLast);
     template <typename Action>
@@ -65,6 +69,8 @@ private:
     std::optional<Clock::time_point> cacheDue;
     std::shared_ptr<Publication> publication;
     std::shared_ptr<const sources::Table> present;
+    Tables tables;
+    std::optional<Clock::time_point> trimDue;
     Known known;
     std::atomic<bool> isReportWanted{false};
     std::uint64_t reportedVersion = 0;

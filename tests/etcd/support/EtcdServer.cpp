@@ -5,27 +5,62 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
+#include <cstddef>
 #include <filesystem>
+#include <random>
 #include <stdexcept>
 
 namespace test {
 
-int freePort() {
+namespace {
+
+/// Below the ports that the system gives to connections, so none of these takes the port of a
+/// server that is down.
+constexpr int firstPort = 20'000;
+constexpr int ports = 12'000;
+
+bool isFree(int port) {
     const int file = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
     const bool isBound =
-        ::bind(file, generic, size) == 0 && ::getsockname(file, generic, &size) == 0;
+        ::bind(file, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
     ::close(file);
-    if (!isBound)
-        throw std::runtime_error("there is no free port");
-    return ntohs(address.sin_port);
+    return isBound;
+}
+
+/// Takes a name that the system gives to one process at a time, until its end.
+/// @return whether no other test has this port
+bool reserve(int port) {
+    const std::string name = "etcd-test-port-" + std::to_string(port);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    name.copy(address.sun_path + 1, sizeof address.sun_path - 1); // after a NUL: not in a folder
+    const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+    const int file = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (::bind(file, reinterpret_cast<const sockaddr*>(&address), size) == 0)
+        return true; // it stays open
+    ::close(file);
+    return false;
+}
+
+} // namespace
+
+int freePort() {
+    static std::mt19937 random{std::random_device()()};
+    for (int attempt = 0; attempt < 1'000; ++attempt) {
+        const int port = firstPort + static_cast<int>(random() % ports);
+        if (reserve(port) && isFree(port))
+            return port;
+    }
+    throw std::runtime_error("there is no free port");
 }
 
 namespace {
@@ -79,7 +114,7 @@ void EtcdServer::start() {
 void EtcdServer::waitUntilReady() const {
     const bool isReady = eventually([this] {
         try {
-            control("get nothing");
+            run("--dial-timeout=1s --command-timeout=2s", "get nothing");
         } catch (const std::runtime_error& error) {
             // Whoever is refused was answered.
             return std::string(error.what()).find("user name is empty") != std::string::npos;
@@ -111,9 +146,13 @@ std::string EtcdServer::endpoint() const {
 }
 
 std::string EtcdServer::control(const std::string& words) const {
+    return run("--dial-timeout=30s --command-timeout=30s", words);
+}
+
+std::string EtcdServer::run(const std::string& timeouts, const std::string& words) const {
     const std::string authorities = tls ? " --cacert=" + tls->authorities : "";
-    return runProgram("ETCDCTL_API=3 etcdctl --dial-timeout=1s --command-timeout=2s --endpoints=" +
-                      endpoint() + authorities + ' ' + words);
+    return runProgram("ETCDCTL_API=3 etcdctl " + timeouts + " --endpoints=" + endpoint() +
+                      authorities + ' ' + words);
 }
 
 EtcdCluster::EtcdCluster() {
@@ -134,12 +173,19 @@ std::vector<std::string> EtcdCluster::endpoints() const {
 }
 
 std::size_t EtcdCluster::leader() const {
-    for (std::size_t i = 0; i < members.size(); ++i) {
+    std::size_t index = 0;
+    const auto isLeader = [](const auto& one) {
         // ENDPOINT, ID, VERSION, SIZE, IS LEADER, ...
-        if (members[i]->control("endpoint status").find(", true, ") != std::string::npos)
-            return i;
-    }
-    throw std::runtime_error("there is no leader");
+        return one->control("endpoint status").find(", true, ") != std::string::npos;
+    };
+    const bool isFound = eventually([&] { // there is none during an election
+        const auto found = std::find_if(members.begin(), members.end(), isLeader);
+        index = static_cast<std::size_t>(found - members.begin());
+        return found != members.end();
+    });
+    if (!isFound)
+        throw std::runtime_error("there is no leader");
+    return index;
 }
 
 } // namespace test

@@ -13,7 +13,8 @@
 
 namespace test {
 
-/// @return a port on which nobody listens
+/// @return a port on which nobody listens, and that no other test uses until this process ends.
+///         Call it from one thread
 int freePort();
 
 /// The files of a TLS server.
@@ -37,7 +38,7 @@ public:
                         std::optional<ServerTls> newTls = {});
     EtcdServer(const Member& newMember, const std::vector<Member>& cluster);
 
-    /// Waits until it answers, at most half a minute.
+    /// Waits until it answers, at most a minute.
     void waitUntilReady() const;
 
     void kill() { process.reset(); }
@@ -58,6 +59,7 @@ public:
 
 private:
     void start();
+    std::string run(const std::string& timeouts, const std::string& arguments) const;
 
     const Member member;
     const std::string cluster;

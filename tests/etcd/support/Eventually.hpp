@@ -19,4 +19,11 @@ bool eventually(Condition condition, std::chrono::seconds limit = std::chrono::s
     return true;
 }
 
+/// For limits of time: the machine may be busy, so one of three attempts must keep the limit.
+/// @param attempt  returns whether it was in time
+template <typename Attempt>
+bool oneOfThree(Attempt attempt) {
+    return attempt() || attempt() || attempt();
+}
+
 } // namespace test
