@@ -8,10 +8,15 @@
 #include "commands/OptionReader.hpp"
 #include "commands/ServeStandardInput.hpp"
 #include "commands/Sources.hpp"
+#include "comparing/PlanCommand.hpp"
+#include "comparing/SnapshotCommand.hpp"
+#include "comparing/SnapshotFile.hpp"
+#include "comparing/SnapshotOptions.hpp"
 #include "display/Output.hpp"
 #include "display/Trace.hpp"
 #include "values/WrongArguments.hpp"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -29,6 +34,13 @@ ExitStatus report(const GetResult& result) {
     return result.failures.empty() ? Success : Failure;
 }
 
+ExitStatus report(const PlanResult& result) {
+    for (const std::string& failure : result.failures)
+        printError(failure);
+    writeOutput(result.output);
+    return result.failures.empty() ? Success : Failure;
+}
+
 ExitStatus statusOf(CheckResult result) {
     if (result == CheckResult::Clean)
         return Success;
@@ -42,7 +54,11 @@ void serveWithoutNetwork(const std::shared_ptr<ConfigurationImpl>& configuration
 }
 
 bool needsNetwork(const Arguments& arguments) {
-    return arguments.service || arguments.http;
+    const bool comparesService =
+        std::any_of(arguments.sides.begin(), arguments.sides.end(), [](const DiffSide& side) {
+            return std::holds_alternative<connector::service::HttpClientOptions>(side);
+        });
+    return arguments.service || arguments.http || comparesService;
 }
 
 ExitStatus run(const Arguments& arguments, const RunOnNetwork& runOnNetwork) {
@@ -54,6 +70,8 @@ ExitStatus run(const Arguments& arguments, const RunOnNetwork& runOnNetwork) {
         return statusOf(check(arguments.check, Secrets(arguments.secrets)));
     if (needsNetwork(arguments))
         return runOnNetwork(arguments);
+    if (arguments.command == Command::Diff)
+        return runDiff(arguments, {});
     return runOnSources(arguments, serveWithoutNetwork);
 }
 
@@ -76,6 +94,9 @@ ExitStatus runReader(OptionReader& reader, const Arguments& arguments) {
     case Command::Set:
     case Command::Serve:
     case Command::Check:
+    case Command::Snapshot:
+    case Command::Diff:
+    case Command::Plan:
         break; // the callers run them
     }
     return Success;
@@ -87,15 +108,41 @@ ExitStatus runOnSources(const Arguments& arguments, const Serve& serve) {
     const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
                                                        : nullptr);
     const auto configuration = std::make_shared<ConfigurationImpl>();
-    const NamedFiles files = addSources(*configuration, arguments.sources);
-    LocalOptions reader(*configuration);
-    if (arguments.command == Command::Watch)
-        watch(*configuration, arguments, files);
-    else if (arguments.command == Command::Serve)
-        serve(configuration, arguments, files);
+    Snapshot snapshot;
+    NamedFiles files;
+    if (arguments.snapshot)
+        replaceSources(*configuration, snapshot = readSnapshotFile(*arguments.snapshot));
     else
+        files = addSources(*configuration, arguments.sources);
+    SnapshotOptions reader(*configuration, snapshot);
+    switch (arguments.command) {
+    case Command::Watch:
+        watch(*configuration, arguments, files);
+        return Success;
+    case Command::Serve:
+        checkNothingIsMasked(snapshot);
+        serve(configuration, arguments, files);
+        return Success;
+    case Command::Snapshot:
+        writeOutput(snapshotOf(*configuration, arguments, snapshot));
+        return Success;
+    case Command::Plan:
+        return report(plan(*configuration, arguments, files, snapshot, terminalOfOutput()));
+    default:
         return runReader(reader, arguments);
-    return Success;
+    }
+}
+
+ExitStatus runDiff(const Arguments& arguments, const ReadService& readService) {
+    DiffResult result{};
+    try {
+        result = diff(arguments, terminalOfOutput(), readService);
+    } catch (const std::exception& error) {
+        printError(error.what());
+        return UsageError; // as diff of other programs: neither the same nor different
+    }
+    writeOutput(result.output);
+    return result.isSame ? Success : Failure;
 }
 
 int runProgram(int argc, const char* const argv[], const RunOnNetwork& runOnNetwork) {

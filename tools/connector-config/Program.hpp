@@ -8,6 +8,7 @@
 #include "ExitStatus.hpp"
 #include "arguments/Arguments.hpp"
 #include "commands/NamedFile.hpp"
+#include "comparing/DiffCommand.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
@@ -36,6 +37,10 @@ int runProgram(int argc, const char* const argv[], const RunOnNetwork& runOnNetw
 /// Runs a command on the sources of the arguments.
 /// @param serve  for serve
 ExitStatus runOnSources(const Arguments& arguments, const Serve& serve);
+
+/// Runs diff.
+/// @param readService  empty if no side is a service
+ExitStatus runDiff(const Arguments& arguments, const ReadService& readService);
 
 /// Runs get, keys, show or explain.
 ExitStatus runReader(OptionReader& reader, const Arguments& arguments);

@@ -54,6 +54,15 @@ Commands:
       --fix              rewrites lines so that both read what the library
                          reads now
       --diff             shows what --fix would change
+  snapshot               all sources with their entries, as one JSON document
+      --with-secrets     does not mask secrets
+  diff A B               the options that differ between two snapshots, files
+                         or services; each side is a FILE or --url URL, and
+                         "-" is a snapshot on standard input
+  plan set KEY[:TYPE]=VALUE [@SOURCE]
+  plan add FILE
+  plan remove NAME
+  plan reload            what the change would do; nothing is changed
 
 Sources, added in the order given:
   -f, --file FILE        a property, JSON, YAML or TOML file, read-only; FILE
@@ -77,7 +86,13 @@ Sources, added in the order given:
                          doubleArray, stringArray or ustringArray; arrays
                          are written as JSON arrays
 
-A running service in place of sources, for all commands but serve:
+The sources of a snapshot in place of others, for all commands:
+      --snapshot FILE    FILE is what the command snapshot has written, or "-"
+                         for standard input; --file then only names files for
+                         plan reload
+
+A running service in place of sources, for all commands but serve, snapshot and
+plan:
       --url URL          http://HOST:PORT, https://HOST:PORT or unix:PATH;
                          watch then connects again when the service is lost,
                          and does not read standard input
@@ -100,8 +115,8 @@ For all commands, before or after the command:
 Exit status:
   0  success
   1  no such option, a file that cannot be read, or another failure; check:
-     there are findings
-  2  invalid arguments; check: also a file that cannot be read
+     there are findings; diff: there are differences
+  2  invalid arguments; check and diff: also a file that cannot be read
 
 Examples:
   connector-config -f site.properties get net.port
@@ -111,6 +126,9 @@ Examples:
   connector-config -f site.properties -d log.level=info explain log.level
   printf '%s\n' 'set net.port=1' quit | connector-config watch net.port
   connector-config check site.properties
+  connector-config -f site.properties snapshot > before.json
+  connector-config diff before.json site.properties
+  connector-config --snapshot before.json -f site.properties plan reload
   connector-config -f site.properties serve --reload --http 127.0.0.1:8080
   connector-config --url http://127.0.0.1:8080 set net.port:int=8080
 )";

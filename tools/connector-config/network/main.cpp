@@ -3,6 +3,7 @@
 #include "Program.hpp"
 #include "network/RemoteCommands.hpp"
 #include "network/RemoteOptions.hpp"
+#include "network/RemoteSide.hpp"
 #include "network/ServeHttp.hpp"
 
 namespace connector_config {
@@ -22,6 +23,8 @@ ExitStatus runOnService(const Arguments& arguments) {
 }
 
 ExitStatus runOnNetwork(const Arguments& arguments) {
+    if (arguments.command == Command::Diff)
+        return runDiff(arguments, readRemoteSide);
     return arguments.service ? runOnService(arguments) : runOnSources(arguments, serveHttp);
 }
 
