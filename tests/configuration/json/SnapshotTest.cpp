@@ -242,6 +242,8 @@ TEST(Snapshot, ErrorsNameTheMember) {
          "sources[0].entries[0].value.value: not of this type: string"},
         {__LINE__, withValue(R"({"type": "string", "value": {"base64": "YQ"}})"),
          "sources[0].entries[0].value.value: not of this type: string"},
+        {__LINE__, withValue(R"({"type": "string", "value": {"base64": "YQ==\n"}})"),
+         "sources[0].entries[0].value.value: not of this type: string"},
         {__LINE__, withValue(R"({"type": "ustring", "value": {"base64": "YQ=="}})"),
          "sources[0].entries[0].value.value: not of this type: ustring"},
         {__LINE__, withValue(R"({"type": "intArray", "value": 5})"),

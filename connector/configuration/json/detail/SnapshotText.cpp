@@ -45,7 +45,7 @@ std::optional<std::string> fromBase64(const std::string& text) {
     Poco::Base64Decoder decoder(in);
     try {
         std::string bytes{std::istreambuf_iterator<char>(decoder), {}};
-        if (toBase64(bytes) == text) // the decoder accepts text that is cut off or has line breaks
+        if (toBase64(bytes) == text) // the decoder skips blanks and line breaks
             return bytes;
     } catch (const Poco::DataFormatException&) {
         // no base64
@@ -67,7 +67,7 @@ std::string numberJson(double number) {
     std::array<char, 32> buffer; // the longest number has 24 characters
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number).ptr;
     std::string text(buffer.data(), end);
-    // POCO takes digits without a point for an integer, even if an exponent follows.
+    // Digits without a point would be read as an integer, which has no negative zero.
     if (text.find('.') == text.npos)
         text.insert(std::min(text.find('e'), text.size()), ".0");
     return text;
