@@ -3,7 +3,7 @@
 ///
 /// The rules of precedence are in registry/Precedence.hpp. ConfigurationImpl.cpp reads and writes
 /// options, ConfigurationImplSources.cpp adds and removes sources, ConfigurationImplWatching.cpp
-/// follows options.
+/// follows options, ConfigurationImplPlanning.cpp looks at all sources and at planned changes.
 ///
 /// Threads and locks. Every operation except addEnvironmentSource and getPtr takes `mutex`. Lock
 /// order: `mutex` first, then the mutex of a publisher or of a future's state, never the reverse.
@@ -16,6 +16,9 @@
 
 #include <connector/configuration/Configuration.hpp>
 #include <connector/configuration/SourceAnswer.hpp>
+#include <connector/configuration/SourceSnapshot.hpp>
+#include <connector/configuration/planning/Change.hpp>
+#include <connector/configuration/planning/Plan.hpp>
 #include <connector/configuration/registry/ConfigurationSourceMap.hpp>
 #include <connector/configuration/sources/ConfigurationSource.hpp>
 #include <connector/configuration/watching/OptionStreams.hpp>
@@ -102,6 +105,30 @@ public:
     ///         effective value and the name of the source that supplies it, all as of one moment
     /// @throws what a source's has and get throw
     std::vector<Option> optionsOf(const std::vector<std::string>& keys);
+
+    /// Copies all sources. Calls no watcher and logs nothing. May be called from any thread; takes
+    /// the mutex, as keys does, while it reads the sources.
+    /// @return the sources in the order of consultation, with all their entries, all as of one
+    ///         moment. Secret values are not masked.
+    /// @throws what a source's keys, has and get throw
+    std::vector<SourceSnapshot> snapshot();
+
+    /// Tells what a change would do, and changes nothing: reads the sources, but calls no set and
+    /// no watcher, and logs nothing. May be called from any thread; takes the mutex while it reads
+    /// the sources that the change concerns, which takes about as long as a list of their options.
+    ///
+    /// A source of the application is assumed to store what set writes to it, and to report it.
+    /// @return the options with another effective value, type or source, and the values that stay
+    ///         hidden; empty when the change would have no effect
+    /// @throws what the change itself would fail with: std::runtime_error "No writable
+    ///         configuration source for key: " + key, "Source not found or not writable: " + key +
+    ///         ", " + source, "PropertyFileSource does not support writing"; std::invalid_argument
+    ///         "Source with the requested name already exists: " + name; std::bad_typeid for a
+    ///         source that is null
+    /// @throws std::runtime_error "No source with that name: " + name, for RemoveSource and
+    ///         ReplaceTables
+    /// @throws what a source's keys, has and get throw
+    planning::Plan plan(planning::Change change);
 
     /// Removes an entry from the in-memory table that set would write to. Watchers of the key are
     /// notified of the value that is effective now, before the call returns. They are not notified

@@ -1,5 +1,5 @@
 /// Runs the examples of docs/connector-config.md in the root of the checkout, and those of
-/// docs/checking-files.md, which write files, in an empty directory.
+/// docs/checking-files.md and docs/comparing.md, which write files, in empty directories.
 #include "support/TemporaryDirectory.hpp"
 #include "tools/support/ConsoleExamples.hpp"
 #include "tools/support/Program.hpp"
@@ -26,11 +26,19 @@ TEST(ManualPage, ExamplesPrintWhatThePageShows) {
     expectExamples("docs/connector-config.md", 12);
 }
 
-TEST(ManualPage, ExamplesOfCheckingPrintWhatThePageShows) {
+void expectExamplesInAnEmptyDirectory(const std::string& document, std::size_t fewest) {
     const test::TemporaryDirectory directory;
     std::filesystem::current_path(directory.path);
-    expectExamples("docs/checking-files.md", 8);
+    expectExamples(document, fewest);
     std::filesystem::current_path(PROJECT_ROOT);
+}
+
+TEST(ManualPage, ExamplesOfCheckingPrintWhatThePageShows) {
+    expectExamplesInAnEmptyDirectory("docs/checking-files.md", 8);
+}
+
+TEST(ManualPage, ExamplesOfComparingPrintWhatThePageShows) {
+    expectExamplesInAnEmptyDirectory("docs/comparing.md", 18);
 }
 
 } // namespace

@@ -8,6 +8,10 @@
 #include "commands/OptionReader.hpp"
 #include "commands/ServeStandardInput.hpp"
 #include "commands/Sources.hpp"
+#include "comparing/PlanCommand.hpp"
+#include "comparing/SnapshotCommand.hpp"
+#include "comparing/SnapshotFile.hpp"
+#include "comparing/SnapshotOptions.hpp"
 #include "display/Output.hpp"
 #include "display/Trace.hpp"
 #include "values/WrongArguments.hpp"
@@ -31,6 +35,13 @@ ExitStatus report(const GetResult& result) {
     return result.failures.empty() ? Success : Failure;
 }
 
+ExitStatus report(const PlanResult& result) {
+    for (const std::string& failure : result.failures)
+        printError(failure);
+    writeOutput(result.output);
+    return result.failures.empty() ? Success : Failure;
+}
+
 ExitStatus statusOf(CheckResult result) {
     if (result == CheckResult::Clean)
         return Success;
@@ -41,8 +52,12 @@ bool needsNetwork(const Arguments& arguments) {
     const auto isEtcd = [](const SourceArgument& source) {
         return std::holds_alternative<EtcdArgument>(source);
     };
+    const auto isService = [](const DiffSide& side) {
+        return std::holds_alternative<connector::service::HttpClientOptions>(side);
+    };
     return arguments.service || arguments.http ||
-           std::any_of(arguments.sources.begin(), arguments.sources.end(), isEtcd);
+           std::any_of(arguments.sources.begin(), arguments.sources.end(), isEtcd) ||
+           std::any_of(arguments.sides.begin(), arguments.sides.end(), isService);
 }
 
 ExitStatus run(const Arguments& arguments, const RunOnNetwork& runOnNetwork) {
@@ -57,6 +72,8 @@ ExitStatus run(const Arguments& arguments, const RunOnNetwork& runOnNetwork) {
         blockHangup();
     if (needsNetwork(arguments))
         return runOnNetwork(arguments);
+    if (arguments.command == Command::Diff)
+        return runDiff(arguments, {});
     return runOnSources(arguments, serveWithoutNetwork, {});
 }
 
@@ -86,6 +103,9 @@ ExitStatus runReader(OptionReader& reader, const Arguments& arguments) {
     case Command::Serve:
     case Command::Check:
     case Command::Fleet:
+    case Command::Snapshot:
+    case Command::Diff:
+    case Command::Plan:
         break; // the callers run them
     }
     return Success;
@@ -95,15 +115,41 @@ ExitStatus runOnSources(const Arguments& arguments, const Serve& serve, const Ad
     const std::unique_ptr<Trace> trace(arguments.trace ? new Trace(Secrets(arguments.secrets))
                                                        : nullptr);
     const auto configuration = std::make_shared<ConfigurationImpl>();
-    const NamedFiles files = addSources(*configuration, arguments.sources, addEtcd);
-    LocalOptions reader(*configuration);
-    if (arguments.command == Command::Watch)
-        watch(*configuration, arguments, files);
-    else if (arguments.command == Command::Serve)
-        serve(configuration, arguments, files);
+    Snapshot snapshot;
+    NamedFiles files;
+    if (arguments.snapshot)
+        replaceSources(*configuration, snapshot = readSnapshotFile(*arguments.snapshot));
     else
+        files = addSources(*configuration, arguments.sources, addEtcd);
+    SnapshotOptions reader(*configuration, snapshot);
+    switch (arguments.command) {
+    case Command::Watch:
+        watch(*configuration, arguments, files);
+        return Success;
+    case Command::Serve:
+        checkNothingIsMasked(snapshot);
+        serve(configuration, arguments, files);
+        return Success;
+    case Command::Snapshot:
+        writeOutput(snapshotOf(*configuration, arguments, snapshot));
+        return Success;
+    case Command::Plan:
+        return report(plan(*configuration, arguments, files, snapshot, terminalOfOutput()));
+    default:
         return runReader(reader, arguments);
-    return Success;
+    }
+}
+
+ExitStatus runDiff(const Arguments& arguments, const ReadService& readService) {
+    DiffResult result{};
+    try {
+        result = diff(arguments, terminalOfOutput(), readService);
+    } catch (const std::exception& error) {
+        printError(error.what());
+        return UsageError; // as diff of other programs: neither the same nor different
+    }
+    writeOutput(result.output);
+    return result.isSame ? Success : Failure;
 }
 
 int runProgram(int argc, const char* const argv[], const RunOnNetwork& runOnNetwork) {

@@ -9,6 +9,7 @@
 #include "arguments/Arguments.hpp"
 #include "commands/NamedFile.hpp"
 #include "commands/Sources.hpp"
+#include "comparing/DiffCommand.hpp"
 
 #include <connector/configuration/ConfigurationImpl.hpp>
 
@@ -43,6 +44,10 @@ ExitStatus runOnSources(const Arguments& arguments, const Serve& serve, const Ad
 void serveWithoutNetwork(
     const std::shared_ptr<connector::configuration::ConfigurationImpl>& configuration,
     const Arguments& arguments, const NamedFiles& files);
+
+/// Runs diff.
+/// @param readService  empty if no side is a service
+ExitStatus runDiff(const Arguments& arguments, const ReadService& readService);
 
 /// Runs get, keys, show or explain.
 ExitStatus runReader(OptionReader& reader, const Arguments& arguments);

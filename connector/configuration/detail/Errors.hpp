@@ -10,6 +10,7 @@ inline constexpr const char* sourceNameTaken = "Source with the requested name a
 inline constexpr const char* noSuchOption = "No option with the specified key was found: ";
 inline constexpr const char* noWritableSource = "No writable configuration source for key: ";
 inline constexpr const char* sourceNotWritable = "Source not found or not writable: ";
+inline constexpr const char* noSuchSource = "No source with that name: "; // of plan only
 inline constexpr const char* nullText = "A null text cannot be stored.";
 
 // Seen only when a source answers has with true and then does not have the key.

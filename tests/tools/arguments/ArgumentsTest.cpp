@@ -39,6 +39,8 @@ TEST(Arguments, InvalidOnesAreUsageErrors) {
         {__LINE__, {"--json", "get", "--export", "a"}, "--export excludes --json"},
         {__LINE__, {"keys", "-s"}, "--set: 1 required KEY[:TYPE]=VALUE missing"},
         {__LINE__, {"keys", "-d"}, "--default: 1 required KEY[:TYPE]=VALUE missing"},
+        {__LINE__, {"--token-file", "f", "keys"}, "--token-file requires --url"},
+        {__LINE__, {"keys", "--ca", "f"}, "--ca requires --url"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
@@ -109,6 +111,8 @@ TEST(Help, NamesEveryOptionAndTypeAndHasAnExampleOfEachCommand) {
                                "--url URL",
                                "--token-file FILE",
                                "--ca FILE",
+                               "--snapshot FILE",
+                               "--with-secrets",
                                "bool,",
                                "int,",
                                "uint,",
@@ -124,7 +128,8 @@ TEST(Help, NamesEveryOptionAndTypeAndHasAnExampleOfEachCommand) {
         EXPECT_NE(std::string::npos, text.find(option)) << option;
     const std::size_t examples = text.find("Examples:\n");
     ASSERT_NE(std::string::npos, examples);
-    for (const char* command : {" get ", " keys ", " show ", " explain ", " watch ", " set "})
+    for (const char* command : {" get ", " keys ", " show ", " explain ", " watch ", " set ",
+                                " snapshot", " diff ", " plan "})
         EXPECT_NE(std::string::npos, text.find(command, examples)) << command;
 }
 

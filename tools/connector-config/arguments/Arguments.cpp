@@ -76,6 +76,7 @@ public:
         addServe();
         checkOptions.declare(*addCommand("check", Command::Check));
         fleetOptions.declare(*addCommand("fleet", Command::Fleet));
+        addComparing();
     }
 
     Arguments parse(int argc, const char* const argv[]) {
@@ -99,11 +100,15 @@ public:
             arguments.check = checkOptions.collect(arguments.json, unmarked);
         if (arguments.command == Command::Fleet)
             collectFleet();
+        collectSnapshot();
+        collectComparing();
         collectService();
         return std::move(arguments);
     }
 
 private:
+    using Words = std::vector<std::string>;
+
     static Arguments informationOnly(std::string text) {
         Arguments information;
         information.information = std::move(text);
@@ -125,8 +130,8 @@ private:
         url = app.add_option("--url", texts["--url"])->type_name("URL");
         // serve has an option with the same name
         serviceToken = app.add_option("--token-file", texts["token of a service"]);
-        serviceToken->type_name("FILE")->needs(url);
-        authority = app.add_option("--ca", texts["--ca"])->type_name("FILE")->needs(url);
+        serviceToken->type_name("FILE");
+        authority = app.add_option("--ca", texts["--ca"])->type_name("FILE");
     }
 
     void addGet() {
@@ -160,6 +165,15 @@ private:
         certificate->needs(key);
         key->needs(certificate);
         clientAuthority->needs(certificate);
+    }
+
+    void addComparing() {
+        snapshot = app.add_option("--snapshot", texts["--snapshot"])->type_name("FILE");
+        addCommand("snapshot", Command::Snapshot)
+            ->add_flag("--with-secrets", arguments.withSecrets)
+            ->disable_flag_override();
+        diffOptions.declare(*addCommand("diff", Command::Diff));
+        addCommand("plan", Command::Plan)->add_option("CHANGE", plannedWords);
     }
 
     CLI::Option* addHttpOption(CLI::App& serve, const char* name, const char* type) {
@@ -242,34 +256,88 @@ private:
         if (arguments.command == Command::Set)
             arguments.assignment =
                 parseAssignment(unmarked(assignment), Secrets(arguments.secrets));
+        if (url->count() == 0 && !diffOptions.hasUrl()) {
+            for (const CLI::Option* const option : {serviceToken, authority}) {
+                if (option->count() > 0)
+                    throw WrongArguments(option->get_name() + " requires --url");
+            }
+        }
         if (url->count() == 0) {
             if (arguments.command == Command::Set)
                 throw WrongArguments("set requires --url");
             return;
         }
         checkNothingIsLocal();
+        arguments.service = serviceAt(*textOf(url));
+        if (authority->count() > 0 && arguments.service->url.compare(0, 6, "https:") != 0)
+            throw WrongArguments("--ca requires a URL with https: " + arguments.service->url);
+    }
+
+    connector::service::HttpClientOptions serviceAt(const std::string& text) const {
         connector::service::HttpClientOptions service;
-        service.url = *textOf(url);
+        service.url = text;
         service.tokenFile = textOf(serviceToken);
         service.authority = textOf(authority).value_or("");
         if (!connector::service::parseServiceUrl(service.url))
             throw WrongArguments("Not of the form http://HOST:PORT, https://HOST:PORT or "
                                  "unix:PATH: " +
                                  service.url);
-        if (!service.authority.empty() && service.url.compare(0, 6, "https:") != 0)
-            throw WrongArguments("--ca requires a URL with https: " + service.url);
-        arguments.service = std::move(service);
+        return service;
+    }
+
+    void collectComparing() {
+        if (arguments.command == Command::Plan) {
+            unmarkAll(plannedWords);
+            arguments.plannedChange = parsePlannedChange(plannedWords, Secrets(arguments.secrets));
+        }
+        if (arguments.command != Command::Diff)
+            return;
+        forbidSources("diff");
+        if (snapshot->count() > 0)
+            throw WrongArguments("diff excludes --snapshot");
+        arguments.sides = diffOptions.collect(textOf(url).value_or(""), unmarked,
+                                              [this](const auto& text) { return serviceAt(text); });
+    }
+
+    /// The sources of a snapshot are taken in place of others. Only plan reload has files beside
+    /// them.
+    void collectSnapshot() {
+        const bool isPlannedReload =
+            arguments.command == Command::Plan && plannedWords == Words{"reload"};
+        if (isPlannedReload && files->count() == 0)
+            throw WrongArguments("plan reload requires --file");
+        arguments.snapshot = textOf(snapshot);
+        if (!arguments.snapshot)
+            return;
+        forbidSources("--snapshot", isPlannedReload ? files : nullptr);
+        if (arguments.followsFiles)
+            throw WrongArguments("--snapshot excludes --reload");
+        if (url->count() > 0)
+            throw WrongArguments("--url excludes --snapshot");
+        const bool readsInput = arguments.command == Command::Watch ||
+                                (arguments.command == Command::Serve && !arguments.http);
+        if (*arguments.snapshot == "-" && readsInput)
+            throw WrongArguments("Standard input can be read only once");
+    }
+
+    /// @param allowed  an option that may be given; null for none
+    void forbidSources(const std::string& by, const CLI::Option* allowed = nullptr) const {
+        for (const CLI::Option* const option : sourceOptions) {
+            if (option != allowed && option->count() > 0)
+                throw WrongArguments(by + " excludes " + option->get_name());
+        }
     }
 
     void checkNothingIsLocal() const {
-        for (const CLI::Option* const option : sourceOptions) {
-            if (option->count() > 0)
-                throw WrongArguments("--url excludes " + option->get_name());
-        }
+        forbidSources("--url");
         if (arguments.followsFiles)
             throw WrongArguments("--url excludes --reload");
-        if (arguments.command == Command::Serve)
-            throw WrongArguments("--url excludes serve");
+        for (const auto& [command, name] :
+             {std::pair(Command::Serve, "serve"), std::pair(Command::Snapshot, "snapshot"),
+              std::pair(Command::Plan, "plan")}) {
+            if (arguments.command == command)
+                throw WrongArguments("--url excludes " + std::string(name));
+        }
     }
 
     static std::uintmax_t parseSize(const std::string& text) {
@@ -334,6 +402,9 @@ private:
     connector::service::HttpOptions httpOptions;
     CheckOptions checkOptions;
     FleetOptions fleetOptions;
+    DiffOptions diffOptions;
+    CLI::Option* snapshot;
+    Words plannedWords;
 };
 
 } // namespace

@@ -3,10 +3,12 @@
 
 #include "arguments/Assignment.hpp"
 #include "arguments/CheckArguments.hpp"
+#include "arguments/DiffOptions.hpp"
 #include "arguments/EnvironmentArgument.hpp"
 #include "arguments/EtcdArgument.hpp"
 #include "arguments/FileArgument.hpp"
 #include "arguments/FleetArguments.hpp"
+#include "arguments/PlannedChange.hpp"
 
 #include <connector/service/HttpClientOptions.hpp>
 #include <connector/service/HttpOptions.hpp>
@@ -27,7 +29,20 @@ struct TableAssignment {
 using SourceArgument =
     std::variant<FileArgument, EnvironmentArgument, EtcdArgument, TableAssignment>;
 
-enum class Command { Get, Keys, Show, Explain, Watch, Set, Serve, Check, Fleet };
+enum class Command {
+    Get,
+    Keys,
+    Show,
+    Explain,
+    Watch,
+    Set,
+    Serve,
+    Check,
+    Fleet,
+    Snapshot,
+    Diff,
+    Plan
+};
 
 struct Arguments {
     std::string information; ///< output of --help or --version; if not empty, the rest is unset
@@ -42,12 +57,18 @@ struct Arguments {
     CheckArguments check;                                ///< of check
     FleetArguments fleet; ///< of fleet, whose one source is an EtcdArgument
 
-    std::optional<Assignment> assignment; ///< of set
+    std::optional<Assignment> assignment;       ///< of set
+    bool withSecrets = false;                   ///< of snapshot: whether secrets are not masked
+    std::vector<DiffSide> sides;                ///< of diff: two
+    std::optional<PlannedChange> plannedChange; ///< of plan
 
     /// of the service that is asked; none for a configuration of the program's own
     std::optional<connector::service::HttpClientOptions> service;
-    std::vector<SourceArgument> sources; ///< in the order given
-    std::vector<std::string> secrets;    ///< globs of keys whose values are masked
+    /// a file whose sources are taken in place of others; "-" for standard input
+    std::optional<std::string> snapshot;
+    /// in the order given. With a snapshot, the files that plan reload reads.
+    std::vector<SourceArgument> sources;
+    std::vector<std::string> secrets; ///< globs of keys whose values are masked
     bool json = false;
     bool trace = false;
 };

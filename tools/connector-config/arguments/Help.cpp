@@ -92,7 +92,16 @@ Commands:
       --sarif            one SARIF document
       --fix              rewrites lines so that both read what the library
                          reads now
-      --diff             shows what --fix would change)" +
+      --diff             shows what --fix would change
+  snapshot               all sources with their entries, as one JSON document
+      --with-secrets     does not mask secrets
+  diff A B               the options that differ between two snapshots, files
+                         or services; each side is a FILE or --url URL, and
+                         "-" is a snapshot on standard input
+  plan set KEY[:TYPE]=VALUE [@SOURCE]
+  plan add FILE
+  plan remove NAME
+  plan reload            what the change would do; nothing is changed)" +
            withEtcd(fleetCommands) + R"(
 
 Sources, added in the order given:
@@ -118,7 +127,13 @@ Sources, added in the order given:
                          doubleArray, stringArray or ustringArray; arrays
                          are written as JSON arrays
 
-A running service in place of sources, for all commands but serve:
+The sources of a snapshot in place of others, for all commands:
+      --snapshot FILE    FILE is what the command snapshot has written, or "-"
+                         for standard input; --file then only names files for
+                         plan reload
+
+A running service in place of sources, for all commands but serve, snapshot and
+plan:
       --url URL          http://HOST:PORT, https://HOST:PORT or unix:PATH;
                          watch then connects again when the service is lost,
                          and does not read standard input
@@ -141,8 +156,8 @@ For all commands, before or after the command:
 Exit status:
   0  success
   1  no such option, a file that cannot be read, or another failure; check:
-     there are findings
-  2  invalid arguments; check: also a file that cannot be read
+     there are findings; diff: there are differences
+  2  invalid arguments; check and diff: also a file that cannot be read
 
 Examples:
   connector-config -f site.properties get net.port
@@ -153,6 +168,9 @@ Examples:
   connector-config -f site.properties -d log.level=info explain log.level
   printf '%s\n' 'set net.port=1' quit | connector-config watch net.port
   connector-config check site.properties
+  connector-config -f site.properties snapshot > before.json
+  connector-config diff before.json site.properties
+  connector-config --snapshot before.json -f site.properties plan reload
   connector-config -f site.properties serve --reload --http 127.0.0.1:8080
   connector-config --url http://127.0.0.1:8080 set net.port:int=8080
 )";

@@ -6,6 +6,7 @@
 #include "fleet/Fleet.hpp"
 #include "network/RemoteCommands.hpp"
 #include "network/RemoteOptions.hpp"
+#include "network/RemoteSide.hpp"
 #include "network/ServeHttp.hpp"
 
 namespace connector_config {
@@ -38,6 +39,8 @@ bool lasts(const Arguments& arguments) {
 ExitStatus runOnNetwork(const Arguments& arguments) {
     if (arguments.service)
         return runOnService(arguments);
+    if (arguments.command == Command::Diff)
+        return runDiff(arguments, readRemoteSide);
     if (arguments.command == Command::Fleet)
         return runFleetCommand(arguments);
     return runOnSources(arguments, arguments.http ? serveHttp : serveWithoutNetwork,

@@ -1,0 +1,54 @@
+/// The grammar of diff.
+#pragma once
+
+#include "arguments/FileArgument.hpp"
+
+#include <connector/service/HttpClientOptions.hpp>
+
+#include <functional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace connector_config {
+
+/// The path of a snapshot or of a file of options, "-" for a snapshot on standard input.
+using SnapshotOrFile = std::string;
+
+/// What diff compares.
+using DiffSide = std::variant<SnapshotOrFile, FileArgument, connector::service::HttpClientOptions>;
+
+/// Declares the options of diff to CLI11, which fills this object.
+class DiffOptions {
+public:
+    using Unmark = std::function<std::string(const std::string&)>;
+    using MakeService =
+        std::function<connector::service::HttpClientOptions(const std::string& url)>;
+
+    /// @param newCommand  the command diff, which must outlive this object
+    void declare(CLI::App& newCommand);
+
+    /// @return whether --url was given behind the command
+    bool hasUrl() const { return !urls.empty(); }
+
+    /// @param urlInFront  of --url in front of the command, which is the first side; empty for none
+    /// @param unmarked  makes of an argument what the user wrote
+    /// @param service   makes the options of a URL
+    /// @return the two sides, in the order of the arguments
+    /// @throws WrongArguments
+    std::vector<DiffSide> collect(const std::string& urlInFront, const Unmark& unmarked,
+                                  const MakeService& service) const;
+
+private:
+    const CLI::App* command = nullptr;
+    const CLI::Option* url = nullptr;
+    std::vector<std::string> files;
+    std::vector<std::string> urls;
+};
+
+} // namespace connector_config
