@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Tests of what makes the site: links.py and pages.py, in the directory that is the argument."""
+"""Tests of what makes the site: links.py, pages.py and guarantees.py in the directory that is
+the argument."""
 
 import contextlib
 import io
@@ -10,6 +11,7 @@ import unittest
 
 sys.path.insert(0, sys.argv.pop())
 
+import guarantees  # noqa: E402
 import links  # noqa: E402
 import pages  # noqa: E402
 
@@ -130,6 +132,79 @@ class PagesTest(Files):
     def test_a_link_to_nothing_is_a_problem(self):
         self.write("docs/one.md", "[two](two.md)\n")
         self.assertEqual(self.make(), (1, "pages: docs/one.md: two.md does not exist\n"))
+
+
+class GuaranteesTest(Files):
+    XML = """<doxygen><compounddef kind="{kind}" id="{id}"><compoundname>{name}</compoundname>
+        <sectiondef>{functions}</sectiondef></compounddef></doxygen>"""
+    HEAD = "| function | called from | locks | calls back | throws | cost |\n|---|---|---|---|---|---|\n"
+
+    def scope(self, name, functions, kind="class"):
+        text = self.XML.format(kind=kind, id=name, name=name, functions=functions)
+        self.write(f"xml/{name}.xml", text)
+
+    def function(self, name, arguments="()", access="public", more=""):
+        return (
+            f'<memberdef kind="function" prot="{access}"><name>{name}</name>'
+            f"<argsstring>{arguments}</argsstring>{more}</memberdef>"
+        )
+
+    def compare(self, *rows):
+        self.write("guarantees.md", self.HEAD + "".join(f"| {row} | a | b | c | d | e |\n" for row in rows))
+        directory, document = (os.path.join(self.root, name) for name in ("xml", "guarantees.md"))
+        status, text = self.run_main(guarantees.main, directory, document)
+        return status, text.replace(document + ": ", "").splitlines()[:-1]
+
+    def test_a_function_without_a_row_is_found(self):
+        self.scope("a::B", self.function("get") + self.function("set"))
+        self.scope("a", self.function("make"), kind="namespace")
+        self.assertEqual(
+            self.compare("`B::get`"), (1, ["B::set: there is no row", "make: there is no row"])
+        )
+
+    def test_functions_may_share_a_row(self):
+        self.scope("a::B", self.function("get") + self.function("set"))
+        self.assertEqual(self.compare("`B::get` `B::set`"), (0, []))
+
+    def test_what_needs_no_row_may_have_one(self):
+        base = '<reimplements refid="x">get</reimplements>'
+        self.scope(
+            "a::B",
+            self.function("get", more=base)
+            + self.function("B", "(const B &amp;)=default")
+            + self.function("operator=", "(const B &amp;)=delete")
+            + self.function("~B")
+            + self.function("B", "()"),
+        )
+        self.assertEqual(self.compare("`B::B`"), (0, []))
+        self.assertEqual(self.compare("`B::B` `B::~B` `B::get`"), (0, []))
+
+    def test_a_destructor_with_a_comment_needs_a_row(self):
+        comment = "<detaileddescription><para>Waits.</para></detaileddescription>"
+        self.scope("a::B", self.function("~B", more=comment))
+        self.assertEqual(self.compare(), (1, ["B::~B: there is no row"]))
+
+    def test_what_is_not_public_needs_no_row(self):
+        self.scope("a::B", self.function("get") + self.function("on", access="protected"))
+        self.assertEqual(self.compare("`B::get`"), (0, []))
+
+    def test_a_row_without_a_function_is_found(self):
+        self.scope("a::B", self.function("get"))
+        self.assertEqual(
+            self.compare("`B::get`", "`B::gone`"), (1, ["B::gone: there is no such public function"])
+        )
+
+    def test_an_empty_cell_is_found(self):
+        self.scope("a::B", self.function("get"))
+        self.write("guarantees.md", self.HEAD + "| `B::get` | any |  | c | d | e |\n")
+        status, text = self.run_main(
+            guarantees.main, os.path.join(self.root, "xml"), os.path.join(self.root, "guarantees.md")
+        )
+        self.assertEqual(status, 1)
+        self.assertIn("`B::get`: a row has six cells, none of them empty", text)
+
+    def test_without_functions_nothing_is_proved(self):
+        self.assertEqual(self.compare()[0], 1)
 
 
 if __name__ == "__main__":

@@ -2,8 +2,9 @@
 # scripts/lib/site/build.sh OUTPUT
 #
 # Builds the documents as static pages in OUTPUT/html: the guide with mkdocs, the API reference with
-# Doxygen. Then follows all links between the pages. A warning of a tool and a broken link are
-# errors. Installs nothing. The status is 77, which means skipped to ctest, if a tool is missing.
+# Doxygen. Then follows all links between the pages, and looks for public functions that are not in
+# docs/guarantees.md. A warning of a tool, a broken link and a missing function are errors. Installs
+# nothing. The status is 77, which means skipped to ctest, if a tool is missing.
 set -euo pipefail
 
 here=$(cd "$(dirname "$(readlink -f "$0")")" && pwd -P)
@@ -49,3 +50,4 @@ remove_links_to_private_classes
 python3 -B "$here/pages.py" "$root" "$output"
 mkdocs build --config-file "$output/mkdocs.yml"
 python3 -B "$here/links.py" "$output/html"
+python3 -B "$here/guarantees.py" "$output/xml" "$root/docs/guarantees.md"
