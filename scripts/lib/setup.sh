@@ -20,6 +20,7 @@ base_packages=(
     libbenchmark-dev
     libboost-log-dev
     libcli11-dev
+    libgflags-dev
     libgmock-dev
     libgrpc++-dev
     libgtest-dev
