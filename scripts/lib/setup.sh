@@ -13,6 +13,7 @@ log_dir=$root/build/log
 base_packages=(
     ccache
     cmake
+    codespell
     curl
     etcd-client
     etcd-server
