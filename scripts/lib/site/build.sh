@@ -11,12 +11,21 @@ here=$(cd "$(dirname "$(readlink -f "$0")")" && pwd -P)
 root=$(cd "$here/../../.." && pwd -P)
 output=${1:?takes one argument, the directory to write to}
 
-for tool in cmake doxygen mkdocs python3; do
-    if ! command -v "$tool" >/dev/null; then
-        printf 'skipped: %s is not installed; scripts/docs installs it\n' "$tool"
-        exit 77
-    fi
-done
+# missing_tool: the first one that is not installed; nothing if all are
+missing_tool() {
+    local tool
+    for tool in cmake doxygen mkdocs python3; do
+        command -v "$tool" >/dev/null || { echo "$tool" && return; }
+    done
+    [[ -e /usr/share/doxygen-awesome-css/doxygen-awesome.css ]] || echo doxygen-awesome-css
+    mkdocs build --help | grep material >/dev/null || echo mkdocs-material # lists themes
+}
+
+missing=$(missing_tool | head -n 1)
+if [[ -n $missing ]]; then
+    printf 'skipped: %s is not installed; scripts/docs installs it\n' "$missing"
+    exit 77
+fi
 mkdir -p "$output"
 output=$(cd "$output" && pwd -P)
 
