@@ -103,6 +103,16 @@ class PagesTest(Files):
             self.make(), (1, "pages: docs/README.md: docs/how-to/two.md is not listed\n")
         )
 
+    def test_a_directory_stands_for_its_documents(self):
+        self.write("docs/more/1.md", "# It's 1\n")
+        self.write("docs/more/2.md", "# 2\n")
+        self.write("docs/README.md", self.read("docs/README.md") + "- [More](more)\n")
+        self.assertEqual(self.make(), (0, ""))
+        self.assertIn(
+            "      - 'It''s 1': docs/more/1.md\n      - '2': docs/more/2.md\n",
+            self.read("out/mkdocs.yml"),
+        )
+
     def test_a_link_to_a_file_leads_to_a_page_with_its_text(self):
         self.write("docs/one.md", "See [this](../.hidden/main.cpp).\n")
         self.write(".hidden/main.cpp", "int main() {}\n")

@@ -5,9 +5,10 @@
 
 ROOT is the directory of the project. OUTPUT gets mkdocs.yml and, below pages/, the documents and
 their figures at the same relative paths. docs/README.md is the table of contents: its headings are
-the sections of the navigation, and the links of its lists the pages. A link to any other file of
-the project leads to a page with the text of that file; a link to a directory becomes plain text.
-The status is 1 if a document is missing in the table of contents or a link leads nowhere.
+the sections of the navigation, and the links of its lists the pages; a link to a directory stands
+for all documents in it. A link to any other file of the project leads to a page with the text of
+that file; a link to any other directory becomes plain text. The status is 1 if a document is
+missing in the table of contents or a link leads nowhere.
 """
 
 import os
@@ -22,6 +23,7 @@ FIGURES = (".svg", ".png")
 FENCE = re.compile(r"^```.*?^```$", re.MULTILINE | re.DOTALL)
 LINK = re.compile(r"(!?)\[((?:[^\]\[]|\[[^\]]*\])*)\]\(([^)#: ]+)(#[^) ]*)?\)")
 ENTRY = re.compile(r"^- \[([^\]]+)\]\(([^)]+)\)", re.MULTILINE)
+HEADING = re.compile(r"^# (.+)$", re.MULTILINE)
 SECTION = re.compile(r"^## (.+)$", re.MULTILINE)
 LANGUAGES = {".cpp": "cpp", ".hpp": "cpp", ".json": "json", ".properties": "properties"}
 
@@ -106,15 +108,22 @@ class Pages:
         os.makedirs(os.path.dirname(copied), exist_ok=True)
         shutil.copyfile(os.path.join(self.root, path), copied)
 
+    def pages_of(self, name, path):
+        """-> [(title, path)] of an entry of the table of contents"""
+        if not os.path.isdir(os.path.join(self.root, path)):
+            return [(name, path)]
+        inside = [page for page in self.documents if posixpath.dirname(page) == path]
+        return [(HEADING.search(self.read(page))[1], page) for page in inside]
+
     def navigation(self):
         """-> [(section, [(title, path of the page)])]"""
         _, *parts = SECTION.split(self.read(CONTENTS))
         sections = []
         for title, body in zip(parts[::2], parts[1::2]):
-            entries = [
-                (name, posixpath.normpath(posixpath.join(posixpath.dirname(CONTENTS), href)))
-                for name, href in ENTRY.findall(body)
-            ]
+            entries = []
+            for name, href in ENTRY.findall(body):
+                path = posixpath.normpath(posixpath.join(posixpath.dirname(CONTENTS), href))
+                entries += self.pages_of(name, path)
             sections.append((title, [API[1], *entries] if title == API[0] else entries))
         listed = {path for _, entries in sections for _, path in entries}
         for document in self.documents:
@@ -123,13 +132,17 @@ class Pages:
         return sections
 
 
+def quoted(title):
+    return "'" + title.replace("`", "").replace("'", "''") + "'"
+
+
 def write_settings(path, base, sections):
     with open(path, "w", encoding="utf-8") as file:
         file.write(f"INHERIT: {base}\ndocs_dir: pages\nsite_dir: html\nnav:\n")
         for section, entries in sections:
-            file.write(f"  - '{section}':\n")
+            file.write(f"  - {quoted(section)}:\n")
             for title, page in entries:
-                file.write(f"      - '{title}': {page}\n")
+                file.write(f"      - {quoted(title)}: {page}\n")
 
 
 def main(arguments):
