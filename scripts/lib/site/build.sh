@@ -34,6 +34,8 @@ doxygen_paths() {
     cmake -P "$here/public_headers.cmake" | sed "s|.*|INPUT += \"$root/&\"|"
     cat <<END
 INPUT += "$here/api.md"
+INPUT_FILTER = "awk -f '$here/banner.awk'"
+HTML_EXTRA_STYLESHEET += "$here/api.css"
 USE_MDFILE_AS_MAINPAGE = "$here/api.md"
 OUTPUT_DIRECTORY = "$output"
 HTML_OUTPUT = pages/api
@@ -57,6 +59,7 @@ mkdir "$output/pages"
 } | doxygen -
 remove_links_to_private_classes
 python3 -B "$here/pages.py" "$root" "$output"
+cp "$here/guide.css" "$output/pages/"
 mkdocs build --config-file "$output/mkdocs.yml"
 python3 -B "$here/links.py" "$output/html"
 python3 -B "$here/guarantees.py" "$output/xml" "$root/docs/guarantees.md"
