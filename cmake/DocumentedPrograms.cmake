@@ -33,11 +33,27 @@ function(connector_add_documented_program name extracted)
     add_executable(${target} "${CMAKE_CURRENT_BINARY_DIR}/${name}.cpp")
     connector_own_target(${target})
     target_link_libraries(${target} PRIVATE connector::configuration
-        $<TARGET_NAME_IF_EXISTS:connector::sources> $<TARGET_NAME_IF_EXISTS:connector::testing>)
+        $<TARGET_NAME_IF_EXISTS:connector::sources> $<TARGET_NAME_IF_EXISTS:connector::service>
+        $<TARGET_NAME_IF_EXISTS:connector::testing>)
+    connector_link_other_libraries(${target} "${extracted}/${name}.cpp")
     add_test(NAME docs.${name}
         COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=$<TARGET_FILE:${target}>"
             "-DEXPECTED=${CMAKE_CURRENT_BINARY_DIR}/${name}.expected"
             -P "${documented_programs_dir}/CompareOutput.cmake"
         WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}")
     set_tests_properties(docs.${name} PROPERTIES TIMEOUT 60)
+endfunction()
+
+# connector_link_other_libraries(TARGET SOURCE): what a program needs that shows how another library
+# does the same
+function(connector_link_other_libraries target source)
+    file(STRINGS "${source}" includes REGEX "^#include <(gflags|Poco/Util)/")
+    if(includes MATCHES "gflags/")
+        find_package(gflags REQUIRED)
+        target_link_libraries(${target} PRIVATE gflags)
+    endif()
+    if(includes MATCHES "Poco/Util/")
+        find_package(Poco REQUIRED COMPONENTS Util)
+        target_link_libraries(${target} PRIVATE Poco::Util)
+    endif()
 endfunction()

@@ -51,3 +51,8 @@ set(connector_uninstalled_directories
     connector/service/protocol
     connector/service/routes
     connector/service/text)
+
+# Those of them that applications include by name, so they are part of the interface
+set(connector_public_headers_in_private_rooms
+    connector/configuration/properties/Finding.hpp
+    connector/configuration/properties/Lint.hpp)

@@ -30,7 +30,8 @@
 
 namespace connector::configuration {
 
-/// The order of the operations is part of the binary interface.
+/// What a program reads its options from, and writes them to. The order of the operations is part
+/// of the binary interface.
 class CONNECTOR_EXPORT Configuration {
     /// Nothing else than a pointer to characters: a literal 0 would convert to one, and is an int.
     template <typename Text>

@@ -67,7 +67,6 @@ Option ConfigurationImpl::doGetOption(Lock&, const std::string& key) {
 /// the second walk throws with a text of its own. The second walk is skipped where no source can
 /// observe it, which halves the time: the value is in one of the library's own tables, none of the
 /// application's sources was called before it, and no log line is written.
-/// application's was asked on the way, and no log line is written.
 bool ConfigurationImpl::mayReadDirectly(const Supplier& supplier) const {
     return supplier.value != nullptr && !supplier.sourcesWereAsked &&
            !detail::coreLogger.enabled(detail::coreSeverity);

@@ -41,8 +41,9 @@ class LookupScope;
 struct Supplier;
 } // namespace detail
 
-/// Must be owned by a std::shared_ptr. An object on the stack works too, but then watchOption and
-/// getPtr throw std::bad_weak_ptr, and a source that outlives it must not call its watcher.
+/// The implementation of Configuration. Must be owned by a std::shared_ptr. An object on the stack
+/// works too, but then watchOption and getPtr throw std::bad_weak_ptr, and a source that outlives
+/// it must not call its watcher.
 class CONNECTOR_EXPORT ConfigurationImpl : public Configuration,
                                            public std::enable_shared_from_this<Configuration> {
 public:

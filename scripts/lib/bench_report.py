@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Compares the contestants of every benchmark case.
 
-    bench_report.py [--limits FILE] [--json FILE] [--markdown FILE] [--charts DIRECTORY] RESULT...
+    bench_report.py [--limits FILE] [--json FILE] [--markdown FILE] RESULT...
 
 RESULT is a JSON file of a benchmark program, whose benchmarks are named SUBJECT/CASE/CONTESTANT.
 Prints a table for each subject: medians over the repetitions, and the ratio of our time to that of
@@ -15,10 +15,8 @@ import argparse
 import fnmatch
 import json
 import math
-import os
 import re
 import statistics
-import subprocess
 import sys
 from dataclasses import dataclass, field
 
@@ -267,51 +265,6 @@ def as_json(cases, limits):
     ]
 
 
-# Charts
-
-
-def chart(subject, cases):
-    """-> a gnuplot script for an SVG with the figures as multiples of the floor's"""
-    base = "floor" if any("floor" in case.samples for case in cases) else "ours"
-    shown = [case for case in cases if base in case.samples]
-    columns = columns_of(shown)
-    what = "memory" if any(case.in_bytes for case in shown) else "time"
-    lines = ["$data << END", '"" ' + " ".join(f'"{column}"' for column in columns)]
-    for case in shown:
-        bars = [
-            f"{case.median(column) / case.median(base):.4f}" if column in case.samples else "NaN"
-            for column in columns
-        ]
-        lines.append(f'"{case.name}" ' + " ".join(bars))
-    longest = max((len(case.name) for case in shown), default=0)
-    width, height = 300 + 45 * max(len(shown), 6), 500 + 7 * longest
-    lines += [
-        "END",
-        f"set terminal svg size {width},{height} background '#ffffff' dynamic",
-        f'set title "{subject}: {what} as a multiple of {base}, less is better" noenhanced',
-        "set style data histograms",
-        "set style histogram clustered gap 1",
-        "set style fill solid 0.8 noborder",
-        "set key outside right top noenhanced",
-        "set grid ytics",
-        "set yrange [0:*]",
-        "set xtics rotate by 90 right noenhanced",
-        f"set bmargin {longest // 2}",
-        f"plot for [i=2:{len(columns) + 1}] $data using i:xtic(1) title columnheader(i)",
-    ]
-    return "\n".join(lines) + "\n" if shown else ""
-
-
-def write_charts(directory, cases):
-    os.makedirs(directory, exist_ok=True)
-    for subject, subject_cases in by_subject(cases):
-        script = chart(subject, subject_cases)
-        if script:
-            path = os.path.join(directory, subject.replace(" ", "-") + ".svg")
-            svg = subprocess.run(["gnuplot"], input=script, text=True, check=True, stdout=subprocess.PIPE)
-            write(path, svg.stdout)
-
-
 def write(path, text):
     with open(path, "w", encoding="utf-8") as file:
         file.write(text)
@@ -325,7 +278,6 @@ def parse_arguments(arguments):
     parser.add_argument("--limits", metavar="FILE")
     parser.add_argument("--json", metavar="FILE")
     parser.add_argument("--markdown", metavar="FILE")
-    parser.add_argument("--charts", metavar="DIRECTORY")
     parser.add_argument("results", metavar="RESULT", nargs="+")
     return parser.parse_args(arguments)
 
@@ -352,8 +304,6 @@ def report(options, cases, limits):
         write(options.markdown, "\n".join(f"## {name}\n\n{as_markdown(t)}" for name, t in tables))
     if options.json:
         write(options.json, json.dumps(as_json(cases, limits), indent=2) + "\n")
-    if options.charts:
-        write_charts(options.charts, cases)
 
 
 def main(arguments):

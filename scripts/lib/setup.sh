@@ -1,6 +1,7 @@
-# What scripts/run, scripts/test and scripts/bench share: the Debian packages, the configuration and
-# the build. This file is sourced. Standard output is for the caller only: messages of this file go
-# to standard error, and the output of tools goes to files in build/log, which are shown on failure.
+# What scripts/run, scripts/test, scripts/bench and scripts/docs share: the Debian packages, the
+# configuration and the build. This file is sourced. Standard output is for the caller only:
+# messages of this file go to standard error, and the output of tools goes to files in build/log,
+# which are shown on failure.
 #
 # shellcheck shell=bash
 
@@ -12,6 +13,7 @@ log_dir=$root/build/log
 base_packages=(
     ccache
     cmake
+    codespell
     curl
     etcd-client
     etcd-server
@@ -19,6 +21,7 @@ base_packages=(
     libbenchmark-dev
     libboost-log-dev
     libcli11-dev
+    libgflags-dev
     libgmock-dev
     libgrpc++-dev
     libgtest-dev
@@ -176,11 +179,15 @@ build() {
         die "cannot build the preset $preset"
 }
 
-# set_up PRESET [TARGET]: installs packages, configures and builds
-set_up() {
+prepare_log() {
     if ! mkdir -p "$log_dir" 2>/dev/null || [[ ! -w $log_dir ]]; then
         die "cannot write to $log_dir"
     fi
+}
+
+# set_up PRESET [TARGET]: installs packages, configures and builds
+set_up() {
+    prepare_log
     local packages
     mapfile -t packages < <(packages_of "$1")
     ensure_packages "${packages[@]}"

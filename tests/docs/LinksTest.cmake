@@ -1,8 +1,9 @@
 # Every relative link in a document of the project leads to an existing file.
 cmake_minimum_required(VERSION 3.22)
 
-file(GLOB documents RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/*.md" "${SOURCE_DIR}/docs/*.md"
-    "${SOURCE_DIR}/docs/decisions/*.md")
+file(GLOB documents RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/*.md")
+file(GLOB_RECURSE others RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/docs/*.md")
+list(APPEND documents ${others})
 set(broken "")
 set(count 0)
 foreach(document IN LISTS documents)

@@ -246,26 +246,5 @@ class Program(unittest.TestCase):
         self.assertEqual(2, self.run_report(self.file("broken.json", "{")).returncode)
 
 
-class Charts(unittest.TestCase):
-    def test_show_multiples_of_the_floor(self):
-        script = bench_report.chart("lookup", cases_of(*Program.RUNS))
-        self.assertIn('"hit, int" 1.2000 1.0000\n', script)
-        self.assertNotIn("miss", script)
-
-    def test_say_what_they_show(self):
-        self.assertIn("lookup: time as", bench_report.chart("lookup", cases_of(*Program.RUNS)))
-        memory = cases_of(run_of("load/peak/floor", 1, bytes=170))
-        self.assertIn("load: memory as", bench_report.chart("load", memory))
-
-    def test_leave_a_gap_where_a_contestant_is_missing(self):
-        runs = [*Program.RUNS, run_of("lookup/hit, text/floor", 50, family=9)]
-        script = bench_report.chart("lookup", cases_of(*runs))
-        self.assertIn('"hit, text" NaN 1.0000\n', script)
-
-    def test_show_multiples_of_ours_where_there_is_no_floor(self):
-        script = bench_report.chart("lookup", cases_of(*Program.RUNS[2:]))
-        self.assertIn('"miss" 1.0000 2.0000\n', script)
-
-
 if __name__ == "__main__":
     unittest.main()

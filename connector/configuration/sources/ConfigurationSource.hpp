@@ -10,8 +10,9 @@
 
 namespace connector::configuration {
 
-/// A source knows nothing of priorities, groups or other sources. It sees source-local keys, which
-/// are the keys without the group of its registration, and answers for its own table.
+/// The interface of all sources. A source knows nothing of priorities, groups or other sources. It
+/// sees source-local keys, which are the keys without the group of its registration, and answers
+/// for its own table.
 ///
 /// Threads. A source needs no lock: the configuration calls it under its own mutex only. Other code
 /// must not call a registered source directly, with two exceptions: before it is registered, and

@@ -25,7 +25,7 @@
 
 namespace connector::configuration {
 
-/// Several threads may use a finished schema at once.
+/// Options as members of a struct. Several threads may use a finished schema at once.
 /// @tparam Settings  default-constructed objects have the defaults
 template <typename Settings>
 class OptionSchema {

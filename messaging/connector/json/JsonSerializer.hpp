@@ -13,7 +13,8 @@
 
 namespace connector::json {
 
-/// The order of the virtual functions is part of the binary interface.
+/// Holds the JSON converters of messages. The order of the virtual functions is part of the binary
+/// interface.
 class CONNECTOR_PLATFORM_EXPORT JsonSerializer {
 public:
     using Serialize = std::function<Poco::JSON::Object::Ptr(const std::unique_ptr<Message>&)>;

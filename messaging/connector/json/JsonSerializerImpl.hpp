@@ -11,8 +11,9 @@
 
 namespace connector::json {
 
-/// All operations may be called from any thread. Converters run without the lock, so they may call
-/// back; one that was withdrawn may still finish a conversion that had begun.
+/// Converts messages to JSON and back. All operations may be called from any thread. Converters run
+/// without the lock, so they may call back; one that was withdrawn may still finish a conversion
+/// that had begun.
 ///
 /// A bare Message needs no registration: it travels as "connector/Message" with an empty object.
 class CONNECTOR_PLATFORM_EXPORT JsonSerializerImpl : public JsonSerializer {
