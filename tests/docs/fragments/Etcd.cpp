@@ -1,4 +1,4 @@
-/// The parts of a program in docs/etcd.md.
+/// The parts of programs in docs/etcd.md and docs/fleet.md.
 #include <connector/configuration/ConfigurationImpl.hpp>
 #include <connector/etcd/EtcdSource.hpp>
 
@@ -20,6 +20,14 @@ followEtcd(const std::shared_ptr<connector::configuration::ConfigurationImpl>& c
 
     const std::int64_t revision = fleet->put("log.level", "debug").get();
     return revision;
+}
+
+void addCanary(const std::shared_ptr<connector::configuration::ConfigurationImpl>& configuration,
+               const std::shared_ptr<connector::etcd::EtcdSource>& canary,
+               const std::shared_ptr<connector::etcd::EtcdSource>& fleet) {
+    // The prefix "canary/web/", on a few machines only, and the prefix "fleet/web/"
+    configuration->addSource("canary", "", 60, true, canary).get();
+    configuration->addSource("fleet", "", 61, true, fleet).get();
 }
 
 } // namespace test
