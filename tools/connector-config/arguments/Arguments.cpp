@@ -3,6 +3,7 @@
 #include "arguments/CheckOptions.hpp"
 #include "arguments/Help.hpp"
 #include "arguments/ListenAddress.hpp"
+#include "documentation/DocumentationCommands.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <connector/service/client/ServiceUrl.hpp>
@@ -73,6 +74,7 @@ public:
         addCommand("set", Command::Set)->add_option("KEY[:TYPE]=VALUE", assignment)->required();
         addServe();
         checkOptions.declare(*addCommand("check", Command::Check));
+        documentation.declare(app);
     }
 
     Arguments parse(int argc, const char* const argv[]) {
@@ -83,6 +85,8 @@ public:
         } catch (const CLI::CallForVersion&) {
             return informationOnly(versionText());
         }
+        if (const auto text = documentation.output(helpText(), versionText()))
+            return informationOnly(*text);
         arguments.command = requireCommand();
         unmarkAll(arguments.secrets);
         collectSources();
@@ -308,6 +312,7 @@ private:
     std::map<std::string, std::string> texts; // of options with one value
     connector::service::HttpOptions httpOptions;
     CheckOptions checkOptions;
+    DocumentationCommands documentation;
 };
 
 } // namespace

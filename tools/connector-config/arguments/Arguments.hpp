@@ -27,7 +27,8 @@ using SourceArgument = std::variant<FileArgument, EnvironmentArgument, TableAssi
 enum class Command { Get, Keys, Show, Explain, Watch, Set, Serve, Check };
 
 struct Arguments {
-    std::string information; ///< output of --help or --version; if not empty, the rest is unset
+    /// output of --help, --version, completion or manual; if not empty, the rest is unset
+    std::string information;
 
     Command command{};
     std::string key;               ///< of explain
@@ -36,7 +37,7 @@ struct Arguments {
     bool forShell = false;         ///< of get: whether to write assignments for a shell
     bool followsFiles = false;     ///< of watch and serve: whether to reload changed files
     std::optional<connector::service::HttpOptions> http; ///< of serve; none for standard input
-    CheckArguments check;          ///< of check
+    CheckArguments check;                                ///< of check
 
     std::optional<Assignment> assignment; ///< of set
 

@@ -54,6 +54,9 @@ Commands:
       --fix              rewrites lines so that both read what the library
                          reads now
       --diff             shows what --fix would change
+  completion bash|zsh|fish
+                         a script that completes this command line in a shell
+  manual                 this text as a manual page
 
 Sources, added in the order given:
   -f, --file FILE        a property, JSON, YAML or TOML file, read-only; FILE
@@ -71,7 +74,7 @@ Sources, added in the order given:
   -s, --set KEY[:TYPE]=VALUE
                          a value in "override", order 0
   -d, --default KEY[:TYPE]=VALUE
-                         a value in "default", order 2147483647
+                         a value in "default", order 2147483647;
                          TYPE is bool, int, uint, double, ustring, string
                          (the default), boolArray, intArray, uintArray,
                          doubleArray, stringArray or ustringArray; arrays
