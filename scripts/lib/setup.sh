@@ -15,6 +15,7 @@ base_packages=(
     curl
     etcd-client
     etcd-server
+    fish
     g++
     libbenchmark-dev
     libboost-log-dev
@@ -27,6 +28,8 @@ base_packages=(
     libssl-dev
     libtomlplusplus-dev
     libyaml-cpp-dev
+    lintian
+    mmdebstrap
     ninja-build
     nlohmann-json3-dev
     openapi-specification
@@ -38,6 +41,7 @@ base_packages=(
     python3
     python3-jsonschema
     python3-yaml
+    zsh
 )
 
 say() { printf '%s\n' "$*" >&2; }
