@@ -1,6 +1,7 @@
 # How the project's targets are compiled. None of this affects applications.
 
 option(CONNECTOR_WARNINGS_AS_ERRORS "Treat warnings in our own code as errors" OFF)
+option(CONNECTOR_DEBUG_SYMBOLS "Compile the libraries and the program with line tables" OFF)
 set(CONNECTOR_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
 
 if(PROJECT_IS_TOP_LEVEL)
@@ -39,19 +40,41 @@ function(connector_own_target target)
     endif()
 endfunction()
 
+# connector_with_debug_symbols(TARGET...): for targets that packages contain. Line tables and names
+# of functions are enough for a backtrace, and cost little time.
+function(connector_with_debug_symbols)
+    if(CONNECTOR_DEBUG_SYMBOLS)
+        foreach(target IN LISTS ARGN)
+            target_compile_options(${target} PRIVATE
+                -g1 "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=./")
+        endforeach()
+    endif()
+endfunction()
+
+# The libraries' so-names end with this: the versions that are compatible (docs/abi-policy.md).
+set(connector_soversion "${PROJECT_VERSION_MAJOR}")
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+    string(APPEND connector_soversion ".${PROJECT_VERSION_MINOR}")
+endif()
+
 # connector_own_library(TARGET NAME EXPORT_MACRO...): the settings of all libraries of the project.
 # Applications link it as connector::NAME. The EXPORT_MACROs of its headers are empty if the library
 # is static, in the library and in applications.
 function(connector_own_library target name)
     connector_own_target(${target})
+    connector_with_debug_symbols(${target})
     add_library(connector::${name} ALIAS ${target})
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${name}
         POSITION_INDEPENDENT_CODE ON # a static library may be linked into a shared one
         VERSION ${PROJECT_VERSION}
-        SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+        SOVERSION ${connector_soversion}
         INSTALL_RPATH "$ORIGIN")
-    if(NOT BUILD_SHARED_LIBS)
+    if(BUILD_SHARED_LIBS)
+        set(map "${PROJECT_SOURCE_DIR}/cmake/exported-symbols.map")
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${map}")
+        set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${map}")
+    else()
         list(TRANSFORM ARGN REPLACE "_EXPORT$" "_STATIC_DEFINE" OUTPUT_VARIABLE definitions)
         target_compile_definitions(${target} PUBLIC ${definitions})
     endif()

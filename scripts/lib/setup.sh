@@ -17,6 +17,7 @@ base_packages=(
     curl
     etcd-client
     etcd-server
+    fish
     g++
     libbenchmark-dev
     libboost-log-dev
@@ -30,6 +31,8 @@ base_packages=(
     libssl-dev
     libtomlplusplus-dev
     libyaml-cpp-dev
+    lintian
+    mmdebstrap
     ninja-build
     nlohmann-json3-dev
     openapi-specification
@@ -41,6 +44,7 @@ base_packages=(
     python3
     python3-jsonschema
     python3-yaml
+    zsh
 )
 
 say() { printf '%s\n' "$*" >&2; }

@@ -17,8 +17,11 @@ file(REAL_PATH "${PREFIX}/${LIBDIR}/libconnector-platform.so" library)
 cmake_path(GET library FILENAME library_name)
 file(COPY "${library}" DESTINATION "${platform}/lib")
 file(CREATE_LINK "${library_name}" "${platform}/lib/libapplication-platform.so" SYMBOLIC)
-string(REGEX REPLACE "\\.[0-9]+$" "" soname "${library_name}")
-file(CREATE_LINK "${library_name}" "${platform}/lib/${soname}" SYMBOLIC)
+file(GLOB sonames RELATIVE "${PREFIX}/${LIBDIR}" "${PREFIX}/${LIBDIR}/libconnector-platform.so.*")
+list(REMOVE_ITEM sonames "${library_name}")
+foreach(soname IN LISTS sonames)
+    file(CREATE_LINK "${library_name}" "${platform}/lib/${soname}" SYMBOLIC)
+endforeach()
 
 set(platform_file "${CMAKE_CURRENT_LIST_DIR}/application-platform.cmake")
 build_library("${SOURCE_DIR}" "${work}/build"

@@ -4,6 +4,7 @@
 #include "arguments/FleetOptions.hpp"
 #include "arguments/Help.hpp"
 #include "arguments/ListenAddress.hpp"
+#include "documentation/DocumentationCommands.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <connector/service/client/ServiceUrl.hpp>
@@ -77,6 +78,7 @@ public:
         checkOptions.declare(*addCommand("check", Command::Check));
         fleetOptions.declare(*addCommand("fleet", Command::Fleet));
         addComparing();
+        documentation.declare(app);
     }
 
     Arguments parse(int argc, const char* const argv[]) {
@@ -87,6 +89,8 @@ public:
         } catch (const CLI::CallForVersion&) {
             return informationOnly(versionText());
         }
+        if (const auto text = documentation.output(helpText(), versionText()))
+            return informationOnly(*text);
         arguments.command = requireCommand();
         unmarkAll(arguments.secrets);
         collectSources();
@@ -405,6 +409,7 @@ private:
     DiffOptions diffOptions;
     CLI::Option* snapshot;
     Words plannedWords;
+    DocumentationCommands documentation;
 };
 
 } // namespace

@@ -45,7 +45,8 @@ enum class Command {
 };
 
 struct Arguments {
-    std::string information; ///< output of --help or --version; if not empty, the rest is unset
+    /// output of --help, --version, completion or manual; if not empty, the rest is unset
+    std::string information;
 
     Command command{};
     std::string key;               ///< of explain

@@ -101,7 +101,10 @@ Commands:
   plan set KEY[:TYPE]=VALUE [@SOURCE]
   plan add FILE
   plan remove NAME
-  plan reload            what the change would do; nothing is changed)" +
+  plan reload            what the change would do; nothing is changed
+  completion bash|zsh|fish
+                         a script that completes this command line in a shell
+  manual                 this text as a manual page)" +
            withEtcd(fleetCommands) + R"(
 
 Sources, added in the order given:
@@ -121,7 +124,7 @@ Sources, added in the order given:
   -s, --set KEY[:TYPE]=VALUE
                          a value in "override", order 0
   -d, --default KEY[:TYPE]=VALUE
-                         a value in "default", order 2147483647
+                         a value in "default", order 2147483647;
                          TYPE is bool, int, uint, double, ustring, string
                          (the default), boolArray, intArray, uintArray,
                          doubleArray, stringArray or ustringArray; arrays
