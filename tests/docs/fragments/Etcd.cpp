@@ -1,5 +1,6 @@
 /// The parts of programs in docs/etcd.md and docs/fleet.md.
 #include <connector/configuration/ConfigurationImpl.hpp>
+#include <connector/etcd/EtcdClient.hpp>
 #include <connector/etcd/EtcdSource.hpp>
 
 #include <memory>
@@ -28,6 +29,14 @@ void addCanary(const std::shared_ptr<connector::configuration::ConfigurationImpl
     // The prefix "canary/web/", on a few machines only, and the prefix "fleet/web/"
     configuration->addSource("canary", "", 60, true, canary).get();
     configuration->addSource("fleet", "", 61, true, fleet).get();
+}
+
+void editEtcd(const connector::etcd::Options& options) {
+    connector::etcd::EtcdClient client(options);
+    const connector::etcd::Content content = client.read();
+    const connector::etcd::Entry& level = content.entries.at("log.level");
+    client.apply({{"log.level", connector::configuration::OptionValue(std::string("info")),
+                   level.revision}});
 }
 
 } // namespace test

@@ -5,26 +5,38 @@
 
 namespace connector_config {
 
+namespace {
+
+std::string maskedText(const std::string& key) {
+    return "Value is masked in the snapshot: " + key;
+}
+
+} // namespace
+
 OptionReader::OptionValue SnapshotOptions::value(const std::string& key) {
-    checkIsKnown(key);
+    if (isMaskedIn(key))
+        throw std::runtime_error(maskedText(key));
     return local.value(key);
 }
 
-OptionReader::Option SnapshotOptions::option(const std::string& key) {
-    checkIsKnown(key);
-    return local.option(key);
+std::vector<OptionReader::Answer> SnapshotOptions::answers(const std::vector<std::string>& keys) {
+    std::vector<Answer> answers = local.answers(keys);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        if (isMaskedIn(keys[i]))
+            answers[i] = {std::nullopt, maskedText(keys[i])};
+    }
+    return answers;
 }
 
 /// Asks with explain, which writes no diagnostic line.
-void SnapshotOptions::checkIsKnown(const std::string& key) {
+bool SnapshotOptions::isMaskedIn(const std::string& key) {
     if (snapshot.empty())
-        return; // the sources are no snapshot
+        return false; // the sources are no snapshot
     const std::vector<SourceAnswer> answers = local.explain(key);
     const auto supplier =
         std::find_if(answers.begin(), answers.end(),
                      [](const SourceAnswer& answer) { return answer.value.has_value(); });
-    if (supplier != answers.end() && isMasked(snapshot, supplier->name, key))
-        throw std::runtime_error("Value is masked in the snapshot: " + key);
+    return supplier != answers.end() && isMasked(snapshot, supplier->name, key);
 }
 
 void checkNothingIsMasked(const Snapshot& snapshot) {

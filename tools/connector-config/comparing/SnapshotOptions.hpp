@@ -17,8 +17,8 @@ public:
 
     /// @throws std::runtime_error "Value is masked in the snapshot: " + key
     OptionValue value(const std::string& key) override;
-    /// @throws as `value`
-    Option option(const std::string& key) override;
+    /// The failure of a masked value is the same text.
+    std::vector<Answer> answers(const std::vector<std::string>& keys) override;
 
     std::vector<std::string> keys(const std::string& prefix) override { return local.keys(prefix); }
     std::vector<Option> options(const std::string& prefix) override {
@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    void checkIsKnown(const std::string& key);
+    bool isMaskedIn(const std::string& key);
 
     LocalOptions local;
     const Snapshot& snapshot;
