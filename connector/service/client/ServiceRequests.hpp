@@ -27,7 +27,7 @@ public:
     ClientRequest keys() const;
     ClientRequest explain(const std::string& key) const;
 
-    /// @throws ServiceError "Text is not valid UTF-8: " + key, or "Value is not valid UTF-8: " + key
+    /// @throws ServiceError "Text is not valid UTF-8: " + key; "Value is not valid UTF-8: " + key
     /// @throws ServiceError "Text is not valid UTF-16: " + key
     ClientRequest set(const std::string& key, const configuration::OptionValue& value) const;
 

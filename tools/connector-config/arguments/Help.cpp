@@ -98,6 +98,7 @@ Commands:
   diff A B               the options that differ between two snapshots, files
                          or services; each side is a FILE or --url URL, and
                          "-" is a snapshot on standard input
+      --url URL          a running service, as a side
   plan set KEY[:TYPE]=VALUE [@SOURCE]
   plan add FILE
   plan remove NAME

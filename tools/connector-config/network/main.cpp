@@ -37,10 +37,10 @@ bool lasts(const Arguments& arguments) {
 }
 
 ExitStatus runOnNetwork(const Arguments& arguments) {
-    if (arguments.service)
-        return runOnService(arguments);
     if (arguments.command == Command::Diff)
         return runDiff(arguments, readRemoteSide);
+    if (arguments.service)
+        return runOnService(arguments);
     if (arguments.command == Command::Fleet)
         return runFleetCommand(arguments);
     return runOnSources(arguments, arguments.http ? serveHttp : serveWithoutNetwork,
