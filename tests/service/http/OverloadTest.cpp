@@ -67,6 +67,8 @@ bool isServed(std::uint16_t port) {
 }
 
 TEST(Overload, WithoutDescriptorsClientsAreDisconnectedAtOnce) {
+    if (isSanitized)
+        GTEST_SKIP() << "the checks of types need descriptors of their own";
     const ServerProcess server({}, {"-s", "k=1"}, anyAddress, "ulimit -n 64");
     {
         const std::vector<HttpClient> watchers = watchersOf("k", server.port(), 58);
