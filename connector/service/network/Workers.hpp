@@ -1,42 +1,40 @@
 /// The threads that may wait for the configuration, so that the network thread never does.
 #pragma once
 
+#include <connector/service/network/Clock.hpp>
+#include <connector/service/network/Task.hpp>
 #include <connector/service/network/Wake.hpp>
 
 #include <boost/asio/io_context.hpp>
-#include <boost/asio/thread_pool.hpp>
+#include <boost/asio/steady_timer.hpp>
 
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
-#include <optional>
+#include <thread>
+#include <vector>
 
 namespace connector::service {
 
-/// Work for another thread, and what the network thread does with its result.
-class Task {
-public:
-    virtual ~Task() = default;
-
-    /// Runs on a worker. Keeps its failures for `finish`.
-    virtual void work() noexcept = 0;
-
-    /// Runs on the network thread afterwards.
-    virtual void finish() noexcept = 0;
-
-private:
-    friend class Workers;
-    std::unique_ptr<Task> next; // in the list of those that are done
-};
-
+/// Waking a thread costs more than most tasks. So the network thread hands over all tasks that it
+/// has found in one turn, and wakes one worker for them. The worker wakes the network thread when
+/// it has done the last one. A task that takes longer than `patience` delays the others no longer
+/// than that: then another worker goes on with them, and the network thread fetches the results.
 class Workers {
 public:
-    explicit Workers(boost::asio::io_context& io);
+    explicit Workers(boost::asio::io_context& newIo);
+    ~Workers() { stop(); }
+    Workers(const Workers&) = delete;
+    Workers& operator=(const Workers&) = delete;
 
     /// Starts the threads.
-    void start(std::size_t threads) { pool.emplace(threads); }
+    /// @throws std::system_error  the system has no thread left
+    void start(std::size_t count);
 
     /// Called before the first task, and again when a handler of the network thread has thrown.
-    void resume() { wake.start(); }
+    void resume();
 
     /// Called by the network thread.
     /// @throws std::bad_alloc  the task is destroyed
@@ -46,14 +44,35 @@ public:
     void stop();
 
 private:
-    void finishAll();
-    void add(std::unique_ptr<Task> task) noexcept;
+    void handOver();
+    void scheduleCheck();
+    void check();
+    void finishAll() noexcept;
 
-    std::mutex mutex;           // guards `done`
-    std::unique_ptr<Task> done; // the last one first; a list, because adding needs no memory
+    void work() noexcept;
+    void wakeWorker() noexcept;
+
+    boost::asio::io_context& io;
+    TaskList found; // in this turn of the network thread, which alone uses these three
+    boost::asio::steady_timer timer;
+    bool isCheckScheduled = false;
+
+    std::mutex mutex; // guards what follows, up to isStopped
+    TaskList waiting;
+    std::uint64_t handedOver = 0;        // tasks, ever
+    std::uint64_t begun = 0;             // tasks, ever
+    std::uint64_t handedOverAtCheck = 0; // those that should be begun at the next one
+    Clock::time_point lastBegin;         // of a task, or when a worker was woken for it
+    TaskList done;
+    std::size_t unreported = 0; // results that the network thread was not woken for
+    std::size_t idle = 0;       // workers that wait, and are not woken
+    std::size_t woken = 0;      // workers that do not know yet that they are
+    std::condition_variable wakening;
+    bool isStopped = false;
+
     const std::shared_ptr<const Signal> signal = std::make_shared<Signal>();
     Wake wake;
-    std::optional<boost::asio::thread_pool> pool;
+    std::vector<std::thread> threads;
 };
 
 } // namespace connector::service

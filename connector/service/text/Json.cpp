@@ -55,7 +55,9 @@ Var representableInJson(const Var& value) {
 struct ValueWriter : boost::static_visitor<std::string> {
     template <typename Scalar>
     std::string operator()(const Scalar& value) const {
-        return jsonText(fromOptionValue(value));
+        const Object::Ptr object = fromOptionValue(value);
+        return "{\"type\":" + jsonText(object->get("type")) +
+               ",\"value\":" + jsonText(object->get("value")) + "}";
     }
 
     /// Builds the objects of some elements at a time.
@@ -98,9 +100,19 @@ Object::Ptr makeObject() {
 }
 
 std::string jsonText(const Var& document) {
+    if (document.type() == typeid(std::string))
+        return jsonText(document.extract<std::string>());
+    if (document.isBoolean() || document.type() == typeid(int) ||
+        document.type() == typeid(unsigned int))
+        return document.toString();
     std::ostringstream text;
     Poco::JSON::Stringifier::stringify(representableInJson(document), text);
     return escapedJson(text.str());
+}
+
+/// Needs no stream, which would cost more than the text.
+std::string jsonText(const std::string& text) {
+    return escapedJson(Poco::toJSON(toValidUtf8(text), Poco::JSON_WRAP_STRINGS));
 }
 
 } // namespace connector::service

@@ -26,5 +26,6 @@ Poco::JSON::Object::Ptr makeObject();
 ///         What JSON cannot represent is replaced: bytes that are not UTF-8 by U+FFFD, infinity and
 ///         NaN by the strings "inf", "-inf" and "nan".
 std::string jsonText(const Poco::Dynamic::Var& document);
+std::string jsonText(const std::string& text);
 
 } // namespace connector::service

@@ -5,6 +5,8 @@
 namespace connector::service {
 
 Character firstCharacter(std::string_view text) {
+    if (static_cast<unsigned char>(text.front()) < 0x80) // most are, and decoding takes longer
+        return {text.substr(0, 1), static_cast<unsigned char>(text.front()), true};
     namespace utf = boost::locale::utf;
     const char* next = text.data();
     const utf::code_point codePoint =
