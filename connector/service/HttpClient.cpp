@@ -34,6 +34,12 @@ std::optional<std::string> tokenOf(const HttpClientOptions& options) {
     return readTokenText(*options.tokenFile);
 }
 
+/// A proxy may answer with anything, and a service has changed only what it names.
+void checkKey(const std::string& received, const std::string& key) {
+    if (received != key)
+        throw NotUnderstood("it has another option");
+}
+
 } // namespace
 
 class HttpClient::Impl {
@@ -143,8 +149,8 @@ HttpClient::~HttpClient() = default;
 std::optional<HttpClient::Option> HttpClient::get(const std::string& key) {
     return impl->ask(impl->requests.get(key), [&key](std::string_view json) {
         std::optional<Option> option = readReplyWithOption(json);
-        if (option && option->key != key)
-            throw NotUnderstood("it has another option");
+        if (option)
+            checkKey(option->key, key);
         return option;
     });
 }
@@ -167,13 +173,15 @@ std::vector<HttpClient::SourceAnswer> HttpClient::explain(const std::string& key
 }
 
 void HttpClient::set(const std::string& key, const OptionValue& value) {
-    impl->ask(impl->requests.set(key, value), [](const std::string&) {});
+    impl->ask(impl->requests.set(key, value),
+              [&key](std::string_view json) { checkKey(readOption(json).key, key); });
 }
 
 bool HttpClient::reset(const std::string& key) {
     constexpr unsigned notFound = 404;
     try {
-        impl->ask(impl->requests.reset(key), [](const std::string&) {});
+        impl->ask(impl->requests.reset(key),
+                  [&key](std::string_view json) { checkKey(readKey(json), key); });
         return true;
     } catch (const ServiceError& error) {
         if (error.status() != notFound || error.key() != key) // or the service has no such path

@@ -32,6 +32,10 @@ REQUESTS = {
     ("get", "/openapi.json"): ("/openapi.json", None),
 }
 
+# Where there is GET, there is HEAD.
+REQUESTS.update({("head", path): request for (method, path), request in REQUESTS.items()
+                 if method == "get"})
+
 # Requests that must fail: method, target, body, status
 FAILURES = [
     ("GET", "/options/none", None, 404),
@@ -56,7 +60,7 @@ def send(base, method, target, body):
     try:
         with urllib.request.urlopen(request, timeout=20) as response:
             media_type = response.headers.get_content_type()
-            if media_type == "text/event-stream":
+            if media_type == "text/event-stream" and method != "HEAD":
                 lines = iter(response.readline, b"")
                 return response.status, media_type, next(
                     line for line in lines if line.startswith(b"data: "))[6:]
@@ -85,6 +89,9 @@ def check_operation(base, description, method, path):
     responses = description["paths"][path][method]["responses"]
     status, media_type, text = send(base, method.upper(), target, body)
     assert status == 200, f"{method} {path}: {status} {text}"
+    if method == "head":
+        assert "content" not in responses["200"] and text == b"", f"{method} {path}: {text}"
+        return
     content = responses["200"]["content"]
     assert media_type in content, f"{method} {path}: {media_type}"
     if media_type == "application/json":
@@ -104,6 +111,9 @@ def check_failure(base, description, method, target, body, expected):
 def check(base):
     description = json.loads(send(base, "GET", "/openapi.json", None)[2])
     check_description(description)
+    headers = [parameter["name"] for parameter in description["paths"]["/watch"]["get"]["parameters"]
+               if parameter["in"] == "header"]
+    assert headers == ["Last-Event-ID"], headers
     described = {(method, path) for path, item in description["paths"].items() for method in item}
     assert described == set(REQUESTS), described ^ set(REQUESTS)
     for method, path in REQUESTS:

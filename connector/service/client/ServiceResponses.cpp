@@ -93,6 +93,13 @@ auto readingObject(std::string_view json, Function function) {
     });
 }
 
+/// @param type  without "connector/configuration/"
+Object::Ptr messageIn(const Object& reply, const std::string& type) {
+    if (member<std::string>(reply, "type") != "connector/configuration/" + type)
+        throw NotUnderstood("it is a reply to something else");
+    return member<Object::Ptr>(reply, "message");
+}
+
 std::string textIn(const Object& object, const char* name) {
     const Var value = object.get(name);
     return value.type() == typeid(std::string) ? value.extract<std::string>() : std::string();
@@ -104,9 +111,14 @@ Option readOption(std::string_view json) {
     return readingObject(json, optionIn);
 }
 
+std::string readKey(std::string_view json) {
+    return readingObject(json,
+                         [](const Object& object) { return member<std::string>(object, "key"); });
+}
+
 std::optional<Option> readReplyWithOption(std::string_view json) {
     return readingObject(json, [](const Object& reply) -> std::optional<Option> {
-        const Object::Ptr message = member<Object::Ptr>(reply, "message");
+        const Object::Ptr message = messageIn(reply, "ConfigurationOptionResponse");
         if (message->size() == 0)
             return std::nullopt;
         return optionIn(*message);
@@ -126,7 +138,7 @@ std::vector<Option> readOptions(std::string_view json) {
 std::set<std::string> readReplyWithKeys(std::string_view json) {
     return readingObject(json, [](const Object& reply) {
         std::set<std::string> keys;
-        const Object::Ptr message = member<Object::Ptr>(reply, "message");
+        const Object::Ptr message = messageIn(reply, "ConfigurationKeysResponse");
         for (const Var& key : arrayIn(*message, "keys"))
             keys.insert(keys.end(), key.convert<std::string>());
         return keys;

@@ -24,6 +24,9 @@ public:
 
 configuration::Option readOption(std::string_view json);
 
+/// @param json  an option, or only the key of one that is no more
+std::string readKey(std::string_view json);
+
 /// @param json  a reply to a ConfigurationGet; nothing if it has no option
 std::optional<configuration::Option> readReplyWithOption(std::string_view json);
 

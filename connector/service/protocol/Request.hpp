@@ -40,6 +40,7 @@ struct Operation {
     const char* bodySchema = nullptr; ///< of the body; or none
     std::vector<std::string> parameters; ///< of the query; all others are refused
     bool repeatsParameters = false;
+    const char* header = nullptr;                 ///< one that changes what the client gets
     const char* contentType = "application/json"; ///< of a success
     bool needsJson = false;                       ///< a body of another content type is refused
     bool isPublic = false;                        ///< served without the token

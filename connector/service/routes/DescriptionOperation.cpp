@@ -77,7 +77,8 @@ Object::Ptr content(const std::string& type, const char* schema) {
     return objectOf(type, objectOf("schema", described));
 }
 
-Object::Ptr parameter(const std::string& name, bool isInPath, bool repeats) {
+/// @param place  "path", "query" or "header"
+Object::Ptr parameter(const std::string& name, const std::string& place, bool repeats = false) {
     Object::Ptr schema = objectOf("type", std::string("string"));
     if (repeats) {
         Object::Ptr array = objectOf("type", std::string("array"));
@@ -85,8 +86,8 @@ Object::Ptr parameter(const std::string& name, bool isInPath, bool repeats) {
         schema = array;
     }
     Object::Ptr object = objectOf("name", name);
-    object->set("in", std::string(isInPath ? "path" : "query"));
-    object->set("required", isInPath);
+    object->set("in", place);
+    object->set("required", place == "path");
     object->set("schema", schema);
     return object;
 }
@@ -94,9 +95,11 @@ Object::Ptr parameter(const std::string& name, bool isInPath, bool repeats) {
 Array::Ptr parametersOf(const Operation& operation) {
     Array::Ptr parameters = new Array;
     if (operation.path.find("{key}") != std::string::npos)
-        parameters->add(parameter("key", true, false));
+        parameters->add(parameter("key", "path"));
     for (const std::string& name : operation.parameters)
-        parameters->add(parameter(name, false, operation.repeatsParameters));
+        parameters->add(parameter(name, "query", operation.repeatsParameters));
+    if (operation.header != nullptr)
+        parameters->add(parameter(operation.header, "header"));
     return parameters;
 }
 
@@ -113,8 +116,16 @@ Object::Ptr responsesOf(const Operation& operation) {
     return responses;
 }
 
-Object::Ptr describe(const Operation& operation) {
-    Object::Ptr object = objectOf("summary", operation.summary);
+Object::Ptr responsesWithoutBody() {
+    Object::Ptr responses = makeObject();
+    responses->set("200", objectOf("description", std::string("Success")));
+    responses->set("default", objectOf("description", std::string("Failure")));
+    return responses;
+}
+
+/// What GET and HEAD have in common.
+Object::Ptr describeRequest(const Operation& operation, const std::string& summary) {
+    Object::Ptr object = objectOf("summary", summary);
     Array::Ptr parameters = parametersOf(operation);
     if (parameters->size() > 0)
         object->set("parameters", parameters);
@@ -123,10 +134,20 @@ Object::Ptr describe(const Operation& operation) {
         body->set("content", content("application/json", operation.bodySchema));
         object->set("requestBody", body);
     }
-    object->set("responses", responsesOf(operation));
     if (operation.isPublic)
         object->set("security", Array::Ptr(new Array));
     return object;
+}
+
+void describe(const Operation& operation, Object& path) {
+    Object::Ptr object = describeRequest(operation, operation.summary);
+    object->set("responses", responsesOf(operation));
+    path.set(Poco::toLower(operation.method), object);
+    if (operation.method != "GET")
+        return;
+    Object::Ptr head = describeRequest(operation, "What GET has, without the body");
+    head->set("responses", responsesWithoutBody());
+    path.set("head", head);
 }
 
 /// The token is optional, since a server may be started without one.
@@ -153,7 +174,7 @@ std::string describe(const Router& router) {
     for (const Operation& operation : router.all()) {
         if (!paths->has(operation.path))
             paths->set(operation.path, makeObject());
-        paths->getObject(operation.path)->set(Poco::toLower(operation.method), describe(operation));
+        describe(operation, *paths->getObject(operation.path));
     }
     Object::Ptr document = objectOf("openapi", std::string("3.1.0"));
     document->set("info", info);

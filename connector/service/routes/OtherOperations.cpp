@@ -24,6 +24,7 @@ void addWatchOperation(Router& router) {
         getOperation("/watch", "The values of options and every change of them, as events");
     operation.parameters = {"key", "prefix"};
     operation.repeatsParameters = true;
+    operation.header = "Last-Event-ID";
     operation.contentType = "text/event-stream";
     router.add(std::move(operation));
 }

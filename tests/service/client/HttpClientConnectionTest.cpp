@@ -4,6 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <string>
+
 namespace {
 
 using connector::service::HttpClient;
@@ -103,33 +106,71 @@ TEST(ScriptedService, MayBeSilent) {
               errorOf([&] { client.get("a"); }).what());
 }
 
+/// @return how a client fails to understand a response, without the URL
+template <typename Ask>
+std::string misunderstanding(const std::string& body, Ask ask) {
+    ScriptedServer server([&body](ScriptedServer& self) {
+        ScriptedServer::Client client = self.accept();
+        client.readRequest();
+        client.respond(body);
+    });
+    HttpClient client(optionsFor(server));
+    const std::string text = errorOf([&] { ask(client); }).what();
+    const std::string begin = "Response of " + server.url() + " is not understood: ";
+    EXPECT_THAT(text, StartsWith(begin));
+    return text.substr(std::min(begin.size(), text.size()));
+}
+
+std::string replyWith(const std::string& message,
+                      const std::string& type = "ConfigurationOptionResponse") {
+    return R"({"type":"connector/configuration/)" + type + R"(","message":)" + message + "}";
+}
+
+constexpr char otherOption[] = R"({"key":"b","source":"s","value":{"type":"int","value":1}})";
+
 TEST(ScriptedService, MaySendWhatIsNotUnderstood) {
-    const char* const bodies[] = {
+    const std::string bodies[] = {
         "",
         "x",
         "1",
         "[]",
         "{}",
-        R"({"message":[]})",
-        R"({"message":{"key":"a"}})",
-        R"({"message":{"key":"a","source":"s","value":1}})",
-        R"({"message":{"key":1,"source":"s","value":{"type":"int","value":1}}})",
-        "{\"message\":{\"key\":\"\xff\"}}",
-        R"({"message":{"key":"b","source":"s","value":{"type":"int","value":1}}})",
-        R"({"message":{"key":"a","source":"s","value":{"type":"int","value":"x"}}})",
-        R"({"message":{"key":"a","source":"s","value":{"type":"int","value":99999999999}}})",
-        R"({"message":{"key":"a","source":"s","value":{"type":"none","value":1}}})",
+        R"({"message":{}})",
+        R"({"type":1,"message":{}})",
+        replyWith("[]"),
+        replyWith(R"({"key":"a"})"),
+        replyWith(R"({"key":"a","source":"s","value":1})"),
+        replyWith(R"({"key":1,"source":"s","value":{"type":"int","value":1}})"),
+        replyWith("{\"key\":\"\xff\"}"),
+        replyWith(R"({"key":"a","source":"s","value":{"type":"int","value":"x"}})"),
+        replyWith(R"({"key":"a","source":"s","value":{"type":"int","value":99999999999}})"),
+        replyWith(R"({"key":"a","source":"s","value":{"type":"none","value":1}})"),
     };
-    for (const char* const body : bodies) {
+    for (const std::string& body : bodies) {
         SCOPED_TRACE(body);
-        ScriptedServer server([body](ScriptedServer& self) {
-            ScriptedServer::Client client = self.accept();
-            client.readRequest();
-            client.respond(body);
-        });
-        HttpClient client(optionsFor(server));
-        EXPECT_THAT(errorOf([&] { client.get("a"); }).what(),
-                    StartsWith("Response of " + server.url() + " is not understood: "));
+        EXPECT_NE("", misunderstanding(body, [](HttpClient& client) { client.get("a"); }));
+    }
+}
+
+TEST(ScriptedService, MayAnswerAnotherQuestion) {
+    const std::string type = "it is a reply to something else";
+    EXPECT_EQ(type, misunderstanding(replyWith("{}", "ConfigurationKeysResponse"),
+                                     [](HttpClient& client) { client.get("a"); }));
+    EXPECT_EQ(type, misunderstanding(replyWith(R"({"keys":[]})"),
+                                     [](HttpClient& client) { client.keys(); }));
+    const std::string key = "it has another option";
+    EXPECT_EQ(
+        key, misunderstanding(replyWith(otherOption), [](HttpClient& client) { client.get("a"); }));
+    EXPECT_EQ(key, misunderstanding(otherOption, [](HttpClient& client) { client.set("a", 1); }));
+    EXPECT_EQ(key,
+              misunderstanding(R"({"key":"b"})", [](HttpClient& client) { client.reset("a"); }));
+}
+
+TEST(ScriptedService, IsNotBelievedToHaveChangedAnythingWithoutTheOption) {
+    for (const char* const body : {"", "<html>", "{}"}) {
+        SCOPED_TRACE(body);
+        EXPECT_NE("", misunderstanding(body, [](HttpClient& client) { client.set("a", 1); }));
+        EXPECT_NE("", misunderstanding(body, [](HttpClient& client) { client.reset("a"); }));
     }
 }
 
