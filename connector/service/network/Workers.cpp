@@ -2,6 +2,7 @@
 
 #include <boost/asio/post.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -15,6 +16,8 @@ constexpr std::chrono::milliseconds patience{1};
 /// So many results are fetched while the worker goes on: both threads have something to do then.
 constexpr std::size_t largestBatch = 32;
 
+constexpr Clock::time_point notRunning = Clock::time_point::min();
+
 } // namespace
 
 Workers::Workers(boost::asio::io_context& newIo)
@@ -23,8 +26,9 @@ Workers::Workers(boost::asio::io_context& newIo)
 
 void Workers::start(std::size_t count) {
     threads.reserve(count);
-    while (threads.size() < count)
-        threads.emplace_back([this] { work(); });
+    begins.assign(count, notRunning);
+    for (std::size_t worker = 0; worker < count; ++worker)
+        threads.emplace_back([this, worker] { work(worker); });
 }
 
 void Workers::resume() {
@@ -41,8 +45,7 @@ void Workers::run(std::unique_ptr<Task> task) {
 void Workers::handOver() {
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        const bool isAnyBusy = idle < threads.size();
-        if (!isAnyBusy || Clock::now() - lastBegin > patience)
+        if (!isWorkerComing())
             wakeWorker();
         handedOver += found.size();
         if (!isCheckScheduled)
@@ -93,14 +96,24 @@ void Workers::wakeWorker() noexcept {
         return;
     --idle;
     ++woken;
-    lastBegin = Clock::now();
+    wakeTime = Clock::now();
     wakening.notify_one();
 }
 
-void Workers::work() noexcept {
+/// @return whether a worker takes the next task soon, as far as it can be known. Called with the
+///         mutex.
+bool Workers::isWorkerComing() const noexcept {
+    const Clock::time_point recently = Clock::now() - patience;
+    return (woken > 0 && wakeTime > recently) ||
+           std::any_of(begins.begin(), begins.end(),
+                       [&](Clock::time_point begin) { return begin > recently; });
+}
+
+void Workers::work(std::size_t worker) noexcept {
     std::unique_lock<std::mutex> lock(mutex);
     while (!isStopped) {
         if (waiting.isEmpty()) {
+            begins[worker] = notRunning;
             ++idle;
             wakening.wait(lock, [this] { return woken > 0 || isStopped; });
             if (!isStopped)
@@ -109,7 +122,7 @@ void Workers::work() noexcept {
         }
         std::unique_ptr<Task> task = waiting.removeFirst();
         ++begun;
-        lastBegin = Clock::now();
+        begins[worker] = Clock::now();
         lock.unlock();
         task->work();
         lock.lock();

@@ -49,8 +49,9 @@ private:
     void check();
     void finishAll() noexcept;
 
-    void work() noexcept;
+    void work(std::size_t worker) noexcept;
     void wakeWorker() noexcept;
+    bool isWorkerComing() const noexcept;
 
     boost::asio::io_context& io;
     TaskList found; // in this turn of the network thread, which alone uses these three
@@ -59,14 +60,15 @@ private:
 
     std::mutex mutex; // guards what follows, up to isStopped
     TaskList waiting;
-    std::uint64_t handedOver = 0;        // tasks, ever
-    std::uint64_t begun = 0;             // tasks, ever
-    std::uint64_t handedOverAtCheck = 0; // those that should be begun at the next one
-    Clock::time_point lastBegin;         // of a task, or when a worker was woken for it
+    std::uint64_t handedOver = 0;          // tasks, ever
+    std::uint64_t begun = 0;               // tasks, ever
+    std::uint64_t handedOverAtCheck = 0;   // those that should be begun at the next one
+    std::vector<Clock::time_point> begins; // of the task that each worker runs; else notRunning
     TaskList done;
     std::size_t unreported = 0; // results that the network thread was not woken for
     std::size_t idle = 0;       // workers that wait, and are not woken
     std::size_t woken = 0;      // workers that do not know yet that they are
+    Clock::time_point wakeTime; // of the last one
     std::condition_variable wakening;
     bool isStopped = false;
 
