@@ -115,13 +115,9 @@ endif()
 
 # find_package(connector-configuration)
 connector_install_export(connector-configuration)
-set(connector_compatibility SameMajorVersion)
-if(PROJECT_VERSION_MAJOR EQUAL 0)
-    set(connector_compatibility SameMinorVersion) # see docs/abi-policy.md
-endif()
 write_basic_package_version_file(
     "${PROJECT_BINARY_DIR}/cmake/connector-configuration-config-version.cmake"
-    COMPATIBILITY ${connector_compatibility})
+    COMPATIBILITY SameMajorVersion) # see docs/abi-policy.md
 configure_package_config_file(
     "${PROJECT_SOURCE_DIR}/cmake/connector-configuration-config.cmake.in"
     "${PROJECT_BINARY_DIR}/cmake/connector-configuration-config.cmake"

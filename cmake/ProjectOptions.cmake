@@ -1,7 +1,7 @@
 # How the project's targets are compiled. None of this affects applications.
 
 option(CONNECTOR_WARNINGS_AS_ERRORS "Treat warnings in our own code as errors" OFF)
-option(CONNECTOR_DEBUG_SYMBOLS "Compile the libraries and the program with line tables" OFF)
+option(CONNECTOR_DEBUG_SYMBOLS "Compile the libraries and the program with debug symbols" OFF)
 set(CONNECTOR_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
 
 if(PROJECT_IS_TOP_LEVEL)
@@ -40,22 +40,19 @@ function(connector_own_target target)
     endif()
 endfunction()
 
-# connector_with_debug_symbols(TARGET...): for targets that packages contain. Line tables and names
-# of functions are enough for a backtrace, and cost little time.
+# connector_with_debug_symbols(TARGET...): for targets that packages contain. Types are among the
+# symbols, because a test compares those of the libraries with the last release.
 function(connector_with_debug_symbols)
     if(CONNECTOR_DEBUG_SYMBOLS)
         foreach(target IN LISTS ARGN)
             target_compile_options(${target} PRIVATE
-                -g1 "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=./")
+                -g "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=./")
         endforeach()
     endif()
 endfunction()
 
 # The libraries' so-names end with this: the versions that are compatible (docs/abi-policy.md).
 set(connector_soversion "${PROJECT_VERSION_MAJOR}")
-if(PROJECT_VERSION_MAJOR EQUAL 0)
-    string(APPEND connector_soversion ".${PROJECT_VERSION_MINOR}")
-endif()
 
 # connector_own_library(TARGET NAME EXPORT_MACRO...): the settings of all libraries of the project.
 # Applications link it as connector::NAME. The EXPORT_MACROs of its headers are empty if the library

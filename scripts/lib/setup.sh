@@ -11,6 +11,7 @@ log_dir=$root/build/log
 
 # Needed to build and to test. packages_of adds the compiler of a preset.
 base_packages=(
+    abigail-tools
     ccache
     cmake
     codespell
