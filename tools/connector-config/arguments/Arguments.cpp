@@ -4,6 +4,7 @@
 #include "arguments/FleetOptions.hpp"
 #include "arguments/Help.hpp"
 #include "arguments/ListenAddress.hpp"
+#include "arguments/LiteralArguments.hpp"
 #include "documentation/DocumentationCommands.hpp"
 #include "values/WrongArguments.hpp"
 
@@ -12,43 +13,12 @@
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <map>
 #include <set>
 
 namespace connector_config {
 
 namespace {
-
-// CLI11 treats some arguments specially: "[a,b]" is a list if the option may be repeated,
-// "++" ends a command, and "--" ends the options only while the command expects an argument. Keys
-// may look like any of these. So every argument that must be taken literally gets a mark in front
-// of it, which is removed after parsing.
-constexpr char textMark = '\x01';
-
-bool needsMark(const std::string& argument) {
-    const char first = argument.empty() ? ' ' : argument.front();
-    return first == '[' || first == '+' || first == textMark;
-}
-
-/// @return the arguments without the program's name, in the reverse order that CLI11 expects
-std::vector<std::string> markedBackwards(int argc, const char* const argv[]) {
-    std::vector<std::string> marked;
-    bool onlyLiterals = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (argument == "--" && !onlyLiterals)
-            onlyLiterals = true;
-        else
-            marked.push_back(onlyLiterals || needsMark(argument) ? textMark + argument : argument);
-    }
-    std::reverse(marked.begin(), marked.end());
-    return marked;
-}
-
-std::string unmarked(const std::string& argument) {
-    return !argument.empty() && argument.front() == textMark ? argument.substr(1) : argument;
-}
 
 /// Declares the grammar of the command line to CLI11 and collects the results.
 class Parser {
@@ -101,7 +71,7 @@ public:
             throw WrongArguments("--export excludes --json");
         collectHttp();
         if (arguments.command == Command::Check)
-            arguments.check = checkOptions.collect(arguments.json, unmarked);
+            arguments.check = checkOptions.collect(arguments.json);
         if (arguments.command == Command::Fleet)
             collectFleet();
         collectSnapshot();
@@ -217,11 +187,6 @@ private:
         return commands.at(chosen.front());
     }
 
-    static void unmarkAll(std::vector<std::string>& texts) {
-        for (std::string& text : texts)
-            text = unmarked(text);
-    }
-
     void collectHttp() {
         if (http->count() == 0)
             return;
@@ -232,19 +197,19 @@ private:
         unmarkAll(httpOptions.allowedHosts);
         for (std::string& name : httpOptions.allowedHosts)
             name = parseHostName(name);
-        httpOptions.propertyRoot = textOf(propertyRoot);
-        httpOptions.tokenFile = textOf(tokenFile);
-        if (const auto size = textOf(maxFileSize))
+        httpOptions.propertyRoot = textOf(*propertyRoot);
+        httpOptions.tokenFile = textOf(*tokenFile);
+        if (const auto size = textOf(*maxFileSize))
             httpOptions.maxFileSize = parseSize(*size);
         if (certificate->count() > 0)
-            httpOptions.tls = {*textOf(certificate), *textOf(key),
-                               textOf(clientAuthority).value_or("")};
+            httpOptions.tls = {*textOf(*certificate), *textOf(*key),
+                               textOf(*clientAuthority).value_or("")};
         arguments.http = std::move(httpOptions);
     }
 
     /// Sources of other kinds would play no part.
     void collectFleet() {
-        arguments.fleet = fleetOptions.collect(Secrets(arguments.secrets), unmarked);
+        arguments.fleet = fleetOptions.collect(Secrets(arguments.secrets));
         if (arguments.json && arguments.fleet.format == FleetArguments::Format::Properties)
             throw WrongArguments("--json excludes --format=properties");
         for (const CLI::Option* const option : sourceOptions) {
@@ -272,7 +237,7 @@ private:
             return;
         }
         checkNothingIsLocal();
-        arguments.service = serviceAt(*textOf(url));
+        arguments.service = serviceAt(*textOf(*url));
         if (authority->count() > 0 && arguments.service->url.compare(0, 6, "https:") != 0)
             throw WrongArguments("--ca requires a URL with https: " + arguments.service->url);
     }
@@ -280,8 +245,8 @@ private:
     connector::service::HttpClientOptions serviceAt(const std::string& text) const {
         connector::service::HttpClientOptions service;
         service.url = text;
-        service.tokenFile = textOf(serviceToken);
-        service.authority = textOf(authority).value_or("");
+        service.tokenFile = textOf(*serviceToken);
+        service.authority = textOf(*authority).value_or("");
         if (!connector::service::parseServiceUrl(service.url))
             throw WrongArguments("Not of the form http://HOST:PORT, https://HOST:PORT or "
                                  "unix:PATH: " +
@@ -299,7 +264,7 @@ private:
         forbidSources("diff");
         if (snapshot->count() > 0)
             throw WrongArguments("diff excludes --snapshot");
-        arguments.sides = diffOptions.collect(textOf(url).value_or(""), unmarked,
+        arguments.sides = diffOptions.collect(textOf(*url).value_or(""),
                                               [this](const auto& text) { return serviceAt(text); });
     }
 
@@ -310,7 +275,7 @@ private:
             arguments.command == Command::Plan && plannedWords == Words{"reload"};
         if (isPlannedReload && files->count() == 0)
             throw WrongArguments("plan reload requires --file");
-        arguments.snapshot = textOf(snapshot);
+        arguments.snapshot = textOf(*snapshot);
         if (!arguments.snapshot)
             return;
         forbidSources("--snapshot", isPlannedReload ? files : nullptr);
@@ -349,13 +314,6 @@ private:
         if (!size)
             throw WrongArguments("Not a number of bytes: " + text);
         return *size;
-    }
-
-    /// @return nothing if the option was not given
-    static std::optional<std::string> textOf(const CLI::Option* option) {
-        if (option->count() == 0)
-            return std::nullopt;
-        return unmarked(option->results().front());
     }
 
     /// Keeps the order of sources of different kinds on the command line.

@@ -1,5 +1,6 @@
 #include "arguments/DiffOptions.hpp"
 
+#include "arguments/LiteralArguments.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <CLI/CLI.hpp>
@@ -28,7 +29,7 @@ void DiffOptions::declare(CLI::App& newCommand) {
     url = newCommand.add_option("--url", urls)->type_name("URL")->allow_extra_args(false);
 }
 
-std::vector<DiffSide> DiffOptions::collect(const std::string& urlInFront, const Unmark& unmarked,
+std::vector<DiffSide> DiffOptions::collect(const std::string& urlInFront,
                                            const MakeService& service) const {
     std::vector<DiffSide> sides;
     if (!urlInFront.empty())

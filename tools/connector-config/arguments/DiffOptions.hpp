@@ -26,7 +26,6 @@ using DiffSide = std::variant<SnapshotOrFile, FileArgument, connector::service::
 /// Declares the options of diff to CLI11, which fills this object.
 class DiffOptions {
 public:
-    using Unmark = std::function<std::string(const std::string&)>;
     using MakeService =
         std::function<connector::service::HttpClientOptions(const std::string& url)>;
 
@@ -37,12 +36,10 @@ public:
     bool hasUrl() const { return !urls.empty(); }
 
     /// @param urlInFront  of --url in front of the command, which is the first side; empty for none
-    /// @param unmarked  makes of an argument what the user wrote
-    /// @param service   makes the options of a URL
+    /// @param service  makes the options of a URL
     /// @return the two sides, in the order of the arguments
     /// @throws WrongArguments
-    std::vector<DiffSide> collect(const std::string& urlInFront, const Unmark& unmarked,
-                                  const MakeService& service) const;
+    std::vector<DiffSide> collect(const std::string& urlInFront, const MakeService& service) const;
 
 private:
     const CLI::App* command = nullptr;
