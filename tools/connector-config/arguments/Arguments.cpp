@@ -3,13 +3,12 @@
 #include "arguments/CheckOptions.hpp"
 #include "arguments/FleetOptions.hpp"
 #include "arguments/Help.hpp"
-#include "arguments/ListenAddress.hpp"
 #include "arguments/LiteralArguments.hpp"
+#include "arguments/ServeOptions.hpp"
 #include "documentation/DocumentationCommands.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <connector/service/client/ServiceUrl.hpp>
-#include <connector/service/text/Number.hpp>
 
 #include <CLI/CLI.hpp>
 
@@ -69,7 +68,7 @@ public:
         unmarkAll(arguments.keys);
         if (arguments.forShell && arguments.json)
             throw WrongArguments("--export excludes --json");
-        collectHttp();
+        arguments.http = serveOptions.collect();
         if (arguments.command == Command::Check)
             arguments.check = checkOptions.collect(arguments.json);
         if (arguments.command == Command::Fleet)
@@ -127,18 +126,7 @@ private:
     void addServe() {
         CLI::App* const serve = addCommand("serve", Command::Serve);
         addReload(*serve);
-        http = addRepeatable(*serve, "--http", listenAddresses, "HOST:PORT|unix:PATH");
-        addRepeatable(*serve, "--writable", httpOptions.writablePrefixes, "PREFIX")->needs(http);
-        addRepeatable(*serve, "--allow-host", httpOptions.allowedHosts, "NAME")->needs(http);
-        propertyRoot = addHttpOption(*serve, "--property-root", "DIR");
-        tokenFile = addHttpOption(*serve, "--token-file", "FILE");
-        maxFileSize = addHttpOption(*serve, "--max-file-size", "BYTES");
-        certificate = addHttpOption(*serve, "--tls-cert", "FILE");
-        key = addHttpOption(*serve, "--tls-key", "FILE");
-        clientAuthority = addHttpOption(*serve, "--client-ca", "FILE");
-        certificate->needs(key);
-        key->needs(certificate);
-        clientAuthority->needs(certificate);
+        serveOptions.declare(*serve);
     }
 
     void addComparing() {
@@ -148,10 +136,6 @@ private:
             ->disable_flag_override();
         diffOptions.declare(*addCommand("diff", Command::Diff));
         addCommand("plan", Command::Plan)->add_option("CHANGE", plannedWords);
-    }
-
-    CLI::Option* addHttpOption(CLI::App& serve, const char* name, const char* type) {
-        return serve.add_option(name, texts[name])->type_name(type)->needs(http);
     }
 
     CLI::App* addCommand(const char* name, Command command) {
@@ -185,26 +169,6 @@ private:
         if (chosen.empty())
             throw WrongArguments("COMMAND is required");
         return commands.at(chosen.front());
-    }
-
-    void collectHttp() {
-        if (http->count() == 0)
-            return;
-        httpOptions.addresses.clear();
-        for (const std::string& address : listenAddresses)
-            httpOptions.addresses.push_back(parseListenAddress(unmarked(address)));
-        unmarkAll(httpOptions.writablePrefixes);
-        unmarkAll(httpOptions.allowedHosts);
-        for (std::string& name : httpOptions.allowedHosts)
-            name = parseHostName(name);
-        httpOptions.propertyRoot = textOf(*propertyRoot);
-        httpOptions.tokenFile = textOf(*tokenFile);
-        if (const auto size = textOf(*maxFileSize))
-            httpOptions.maxFileSize = parseSize(*size);
-        if (certificate->count() > 0)
-            httpOptions.tls = {*textOf(*certificate), *textOf(*key),
-                               textOf(*clientAuthority).value_or("")};
-        arguments.http = std::move(httpOptions);
     }
 
     /// Sources of other kinds would play no part.
@@ -309,13 +273,6 @@ private:
         }
     }
 
-    static std::uintmax_t parseSize(const std::string& text) {
-        const auto size = connector::service::readNumber<std::uintmax_t>(text);
-        if (!size)
-            throw WrongArguments("Not a number of bytes: " + text);
-        return *size;
-    }
-
     /// Keeps the order of sources of different kinds on the command line.
     void collectSources() {
         const Secrets secrets(arguments.secrets);
@@ -351,17 +308,9 @@ private:
     CLI::Option* url;
     CLI::Option* serviceToken;
     CLI::Option* authority;
-    CLI::Option* http;
-    CLI::Option* propertyRoot;
-    CLI::Option* tokenFile;
-    CLI::Option* maxFileSize;
-    CLI::Option* certificate;
-    CLI::Option* key;
-    CLI::Option* clientAuthority;
     std::string assignment;
-    std::vector<std::string> listenAddresses;
     std::map<std::string, std::string> texts; // of options with one value
-    connector::service::HttpOptions httpOptions;
+    ServeOptions serveOptions;
     CheckOptions checkOptions;
     FleetOptions fleetOptions;
     DiffOptions diffOptions;
