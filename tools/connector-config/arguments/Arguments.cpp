@@ -5,10 +5,9 @@
 #include "arguments/Help.hpp"
 #include "arguments/LiteralArguments.hpp"
 #include "arguments/ServeOptions.hpp"
+#include "arguments/ServiceOptions.hpp"
 #include "documentation/DocumentationCommands.hpp"
 #include "values/WrongArguments.hpp"
-
-#include <connector/service/client/ServiceUrl.hpp>
 
 #include <CLI/CLI.hpp>
 
@@ -33,7 +32,7 @@ public:
         overrides = addSourceOption("-s,--set", "KEY[:TYPE]=VALUE");
         defaults = addSourceOption("-d,--default", "KEY[:TYPE]=VALUE");
         addRepeatable(app, "--secret", arguments.secrets, "GLOB");
-        addService();
+        serviceOptions.declare(app);
 
         app.require_subcommand(0, 1);
         app.fallthrough();
@@ -97,14 +96,6 @@ private:
     static CLI::Option* addRepeatable(CLI::App& command, const char* name,
                                       std::vector<std::string>& texts, const char* type) {
         return command.add_option(name, texts)->type_name(type)->allow_extra_args(false);
-    }
-
-    void addService() {
-        url = app.add_option("--url", texts["--url"])->type_name("URL");
-        // serve has an option with the same name
-        serviceToken = app.add_option("--token-file", texts["token of a service"]);
-        serviceToken->type_name("FILE");
-        authority = app.add_option("--ca", texts["--ca"])->type_name("FILE");
     }
 
     void addGet() {
@@ -189,33 +180,15 @@ private:
         if (arguments.command == Command::Set)
             arguments.assignment =
                 parseAssignment(unmarked(assignment), Secrets(arguments.secrets));
-        if (url->count() == 0 && !diffOptions.hasUrl()) {
-            for (const CLI::Option* const option : {serviceToken, authority}) {
-                if (option->count() > 0)
-                    throw WrongArguments(option->get_name() + " requires --url");
-            }
-        }
-        if (url->count() == 0) {
-            if (arguments.command == Command::Set)
-                throw WrongArguments("set requires --url");
+        if (serviceOptions.url()) {
+            checkNothingIsLocal();
+            arguments.service = serviceOptions.collect();
             return;
         }
-        checkNothingIsLocal();
-        arguments.service = serviceAt(*textOf(*url));
-        if (authority->count() > 0 && arguments.service->url.compare(0, 6, "https:") != 0)
-            throw WrongArguments("--ca requires a URL with https: " + arguments.service->url);
-    }
-
-    connector::service::HttpClientOptions serviceAt(const std::string& text) const {
-        connector::service::HttpClientOptions service;
-        service.url = text;
-        service.tokenFile = textOf(*serviceToken);
-        service.authority = textOf(*authority).value_or("");
-        if (!connector::service::parseServiceUrl(service.url))
-            throw WrongArguments("Not of the form http://HOST:PORT, https://HOST:PORT or "
-                                 "unix:PATH: " +
-                                 service.url);
-        return service;
+        if (!diffOptions.hasUrl())
+            serviceOptions.requireUrl();
+        if (arguments.command == Command::Set)
+            throw WrongArguments("set requires --url");
     }
 
     void collectComparing() {
@@ -228,8 +201,7 @@ private:
         forbidSources("diff");
         if (snapshot->count() > 0)
             throw WrongArguments("diff excludes --snapshot");
-        arguments.sides = diffOptions.collect(textOf(*url).value_or(""),
-                                              [this](const auto& text) { return serviceAt(text); });
+        arguments.sides = diffOptions.collect(serviceOptions);
     }
 
     /// The sources of a snapshot are taken in place of others. Only plan reload has files beside
@@ -245,7 +217,7 @@ private:
         forbidSources("--snapshot", isPlannedReload ? files : nullptr);
         if (arguments.followsFiles)
             throw WrongArguments("--snapshot excludes --reload");
-        if (url->count() > 0)
+        if (serviceOptions.url())
             throw WrongArguments("--url excludes --snapshot");
         const bool readsInput = arguments.command == Command::Watch ||
                                 (arguments.command == Command::Serve && !arguments.http);
@@ -305,12 +277,10 @@ private:
     CLI::Option* etcds;
     CLI::Option* overrides;
     CLI::Option* defaults;
-    CLI::Option* url;
-    CLI::Option* serviceToken;
-    CLI::Option* authority;
     std::string assignment;
     std::map<std::string, std::string> texts; // of options with one value
     ServeOptions serveOptions;
+    ServiceOptions serviceOptions;
     CheckOptions checkOptions;
     FleetOptions fleetOptions;
     DiffOptions diffOptions;

@@ -29,16 +29,15 @@ void DiffOptions::declare(CLI::App& newCommand) {
     url = newCommand.add_option("--url", urls)->type_name("URL")->allow_extra_args(false);
 }
 
-std::vector<DiffSide> DiffOptions::collect(const std::string& urlInFront,
-                                           const MakeService& service) const {
+std::vector<DiffSide> DiffOptions::collect(const ServiceOptions& services) const {
     std::vector<DiffSide> sides;
-    if (!urlInFront.empty())
-        sides.emplace_back(service(urlInFront));
+    if (const auto urlInFront = services.url())
+        sides.emplace_back(services.serviceAt(*urlInFront));
     auto nextFile = files.begin();
     auto nextUrl = urls.begin();
     for (const CLI::Option* const option : command->parse_order()) {
         if (option == url)
-            sides.emplace_back(service(unmarked(*nextUrl++)));
+            sides.emplace_back(services.serviceAt(unmarked(*nextUrl++)));
         else
             sides.push_back(fileSide(unmarked(*nextFile++)));
     }

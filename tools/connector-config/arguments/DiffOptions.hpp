@@ -2,10 +2,10 @@
 #pragma once
 
 #include "arguments/FileArgument.hpp"
+#include "arguments/ServiceOptions.hpp"
 
 #include <connector/service/HttpClientOptions.hpp>
 
-#include <functional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -26,20 +26,17 @@ using DiffSide = std::variant<SnapshotOrFile, FileArgument, connector::service::
 /// Declares the options of diff to CLI11, which fills this object.
 class DiffOptions {
 public:
-    using MakeService =
-        std::function<connector::service::HttpClientOptions(const std::string& url)>;
-
     /// @param newCommand  the command diff, which must outlive this object
     void declare(CLI::App& newCommand);
 
     /// @return whether --url was given behind the command
     bool hasUrl() const { return !urls.empty(); }
 
-    /// @param urlInFront  of --url in front of the command, which is the first side; empty for none
-    /// @param service  makes the options of a URL
+    /// @param services  makes the options of each URL. Its own, in front of the command, is the
+    ///                  first side.
     /// @return the two sides, in the order of the arguments
     /// @throws WrongArguments
-    std::vector<DiffSide> collect(const std::string& urlInFront, const MakeService& service) const;
+    std::vector<DiffSide> collect(const ServiceOptions& services) const;
 
 private:
     const CLI::App* command = nullptr;
