@@ -6,13 +6,13 @@
 #include "arguments/LiteralArguments.hpp"
 #include "arguments/ServeOptions.hpp"
 #include "arguments/ServiceOptions.hpp"
+#include "arguments/SourceOptions.hpp"
 #include "documentation/DocumentationCommands.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <CLI/CLI.hpp>
 
 #include <map>
-#include <set>
 
 namespace connector_config {
 
@@ -26,12 +26,8 @@ public:
         app.set_version_flag("--version", versionText());
         app.add_flag("--json", arguments.json)->disable_flag_override();
         app.add_flag("--trace", arguments.trace)->disable_flag_override();
-        files = addSourceOption("-f,--file", "FILE");
-        environments = addSourceOption("--env", "PREFIX");
-        etcds = addSourceOption("--etcd", "endpoint=URL,prefix=P");
-        overrides = addSourceOption("-s,--set", "KEY[:TYPE]=VALUE");
-        defaults = addSourceOption("-d,--default", "KEY[:TYPE]=VALUE");
-        addRepeatable(app, "--secret", arguments.secrets, "GLOB");
+        sourceOptions.declare(app);
+        app.add_option("--secret", arguments.secrets)->type_name("GLOB")->allow_extra_args(false);
         serviceOptions.declare(app);
 
         app.require_subcommand(0, 1);
@@ -61,7 +57,7 @@ public:
             return informationOnly(*text);
         arguments.command = requireCommand();
         unmarkAll(arguments.secrets);
-        collectSources();
+        arguments.sources = sourceOptions.collect(Secrets(arguments.secrets));
         arguments.key = unmarked(arguments.key);
         arguments.prefix = unmarked(arguments.prefix);
         unmarkAll(arguments.keys);
@@ -87,17 +83,6 @@ private:
         return information;
     }
 
-    CLI::Option* addSourceOption(const char* names, const char* type) {
-        CLI::Option* const option = addRepeatable(app, names, sourceTexts[names], type);
-        sourceOptions.insert(option);
-        return option;
-    }
-
-    static CLI::Option* addRepeatable(CLI::App& command, const char* name,
-                                      std::vector<std::string>& texts, const char* type) {
-        return command.add_option(name, texts)->type_name(type)->allow_extra_args(false);
-    }
-
     void addGet() {
         CLI::App* const get = addCommand("get", Command::Get);
         get->add_option("KEY", arguments.keys)->required();
@@ -121,7 +106,7 @@ private:
     }
 
     void addComparing() {
-        snapshot = app.add_option("--snapshot", texts["--snapshot"])->type_name("FILE");
+        snapshot = app.add_option("--snapshot", snapshotFile)->type_name("FILE");
         addCommand("snapshot", Command::Snapshot)
             ->add_flag("--with-secrets", arguments.withSecrets)
             ->disable_flag_override();
@@ -167,11 +152,8 @@ private:
         arguments.fleet = fleetOptions.collect(Secrets(arguments.secrets));
         if (arguments.json && arguments.fleet.format == FleetArguments::Format::Properties)
             throw WrongArguments("--json excludes --format=properties");
-        for (const CLI::Option* const option : sourceOptions) {
-            if (option != etcds && option->count() > 0)
-                throw WrongArguments("fleet excludes " + option->get_name());
-        }
-        if (etcds->count() != 1)
+        sourceOptions.forbid("fleet", &sourceOptions.etcds());
+        if (sourceOptions.etcds().count() != 1)
             throw WrongArguments("fleet requires exactly one --etcd");
     }
 
@@ -198,7 +180,7 @@ private:
         }
         if (arguments.command != Command::Diff)
             return;
-        forbidSources("diff");
+        sourceOptions.forbid("diff");
         if (snapshot->count() > 0)
             throw WrongArguments("diff excludes --snapshot");
         arguments.sides = diffOptions.collect(serviceOptions);
@@ -209,12 +191,12 @@ private:
     void collectSnapshot() {
         const bool isPlannedReload =
             arguments.command == Command::Plan && plannedWords == Words{"reload"};
-        if (isPlannedReload && files->count() == 0)
+        if (isPlannedReload && sourceOptions.files().count() == 0)
             throw WrongArguments("plan reload requires --file");
         arguments.snapshot = textOf(*snapshot);
         if (!arguments.snapshot)
             return;
-        forbidSources("--snapshot", isPlannedReload ? files : nullptr);
+        sourceOptions.forbid("--snapshot", isPlannedReload ? &sourceOptions.files() : nullptr);
         if (arguments.followsFiles)
             throw WrongArguments("--snapshot excludes --reload");
         if (serviceOptions.url())
@@ -225,16 +207,8 @@ private:
             throw WrongArguments("Standard input can be read only once");
     }
 
-    /// @param allowed  an option that may be given; null for none
-    void forbidSources(const std::string& by, const CLI::Option* allowed = nullptr) const {
-        for (const CLI::Option* const option : sourceOptions) {
-            if (option != allowed && option->count() > 0)
-                throw WrongArguments(by + " excludes " + option->get_name());
-        }
-    }
-
     void checkNothingIsLocal() const {
-        forbidSources("--url");
+        sourceOptions.forbid("--url");
         if (arguments.followsFiles)
             throw WrongArguments("--url excludes --reload");
         for (const auto& [command, name] :
@@ -245,46 +219,18 @@ private:
         }
     }
 
-    /// Keeps the order of sources of different kinds on the command line.
-    void collectSources() {
-        const Secrets secrets(arguments.secrets);
-        std::map<const CLI::Option*, std::size_t> seen;
-        for (const CLI::Option* const option : app.parse_order()) {
-            if (sourceOptions.count(option) != 0)
-                addSource(option, unmarked(option->results()[seen[option]++]), secrets);
-        }
-    }
-
-    void addSource(const CLI::Option* option, const std::string& text, const Secrets& secrets) {
-        if (option == files)
-            arguments.sources.emplace_back(parseFileArgument(text));
-        else if (option == environments)
-            arguments.sources.emplace_back(parseEnvironmentArgument(text));
-        else if (option == etcds)
-            arguments.sources.emplace_back(parseEtcdArgument(text));
-        else
-            arguments.sources.emplace_back(TableAssignment{
-                parseAssignment(text, secrets), option == overrides ? "override" : "default"});
-    }
-
     CLI::App app;
     Arguments arguments;
     std::map<const CLI::App*, Command> commands;
-    std::map<std::string, std::vector<std::string>> sourceTexts;
-    std::set<const CLI::Option*> sourceOptions;
-    CLI::Option* files;
-    CLI::Option* environments;
-    CLI::Option* etcds;
-    CLI::Option* overrides;
-    CLI::Option* defaults;
     std::string assignment;
-    std::map<std::string, std::string> texts; // of options with one value
+    SourceOptions sourceOptions;
     ServeOptions serveOptions;
     ServiceOptions serviceOptions;
     CheckOptions checkOptions;
     FleetOptions fleetOptions;
     DiffOptions diffOptions;
-    CLI::Option* snapshot;
+    std::string snapshotFile;
+    const CLI::Option* snapshot = nullptr;
     Words plannedWords;
     DocumentationCommands documentation;
 };
