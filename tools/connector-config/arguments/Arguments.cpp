@@ -1,6 +1,7 @@
 #include "arguments/Arguments.hpp"
 
 #include "arguments/CheckOptions.hpp"
+#include "arguments/CommandLine.hpp"
 #include "arguments/FleetOptions.hpp"
 #include "arguments/Help.hpp"
 #include "arguments/LiteralArguments.hpp"
@@ -12,8 +13,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <map>
-
 namespace connector_config {
 
 namespace {
@@ -21,7 +20,7 @@ namespace {
 /// Declares the grammar of the command line to CLI11 and collects the results.
 class Parser {
 public:
-    Parser() : app("", "connector-config") {
+    Parser() {
         app.set_help_flag("-h,--help");
         app.set_version_flag("--version", versionText());
         app.add_flag("--json", arguments.json)->disable_flag_override();
@@ -30,24 +29,22 @@ public:
         app.add_option("--secret", arguments.secrets)->type_name("GLOB")->allow_extra_args(false);
         serviceOptions.declare(app);
 
-        app.require_subcommand(0, 1);
-        app.fallthrough();
         addGet();
-        addCommand("keys", Command::Keys)->add_option("PREFIX", arguments.prefix);
-        addCommand("show", Command::Show)->add_option("PREFIX", arguments.prefix);
-        addCommand("explain", Command::Explain)->add_option("KEY", arguments.key)->required();
+        commandLine.add("keys", Command::Keys).add_option("PREFIX", arguments.prefix);
+        commandLine.add("show", Command::Show).add_option("PREFIX", arguments.prefix);
+        commandLine.add("explain", Command::Explain).add_option("KEY", arguments.key)->required();
         addWatch();
-        addCommand("set", Command::Set)->add_option("KEY[:TYPE]=VALUE", assignment)->required();
+        commandLine.add("set", Command::Set).add_option("KEY[:TYPE]=VALUE", assignment)->required();
         addServe();
-        checkOptions.declare(*addCommand("check", Command::Check));
-        fleetOptions.declare(*addCommand("fleet", Command::Fleet));
+        checkOptions.declare(commandLine.add("check", Command::Check));
+        fleetOptions.declare(commandLine.add("fleet", Command::Fleet));
         addComparing();
         documentation.declare(app);
     }
 
     Arguments parse(int argc, const char* const argv[]) {
         try {
-            parseGrammar(argc, argv);
+            commandLine.parse(argc, argv);
         } catch (const CLI::CallForHelp&) {
             return informationOnly(helpText());
         } catch (const CLI::CallForVersion&) {
@@ -55,7 +52,7 @@ public:
         }
         if (const auto text = documentation.output(helpText(), versionText()))
             return informationOnly(*text);
-        arguments.command = requireCommand();
+        arguments.command = commandLine.command();
         unmarkAll(arguments.secrets);
         arguments.sources = sourceOptions.collect(Secrets(arguments.secrets));
         arguments.key = unmarked(arguments.key);
@@ -84,15 +81,15 @@ private:
     }
 
     void addGet() {
-        CLI::App* const get = addCommand("get", Command::Get);
-        get->add_option("KEY", arguments.keys)->required();
-        get->add_flag("--export", arguments.forShell)->disable_flag_override();
+        CLI::App& get = commandLine.add("get", Command::Get);
+        get.add_option("KEY", arguments.keys)->required();
+        get.add_flag("--export", arguments.forShell)->disable_flag_override();
     }
 
     void addWatch() {
-        CLI::App* const watch = addCommand("watch", Command::Watch);
-        watch->add_option("KEY", arguments.keys)->required();
-        addReload(*watch);
+        CLI::App& watch = commandLine.add("watch", Command::Watch);
+        watch.add_option("KEY", arguments.keys)->required();
+        addReload(watch);
     }
 
     void addReload(CLI::App& command) {
@@ -100,51 +97,18 @@ private:
     }
 
     void addServe() {
-        CLI::App* const serve = addCommand("serve", Command::Serve);
-        addReload(*serve);
-        serveOptions.declare(*serve);
+        CLI::App& serve = commandLine.add("serve", Command::Serve);
+        addReload(serve);
+        serveOptions.declare(serve);
     }
 
     void addComparing() {
         snapshot = app.add_option("--snapshot", snapshotFile)->type_name("FILE");
-        addCommand("snapshot", Command::Snapshot)
-            ->add_flag("--with-secrets", arguments.withSecrets)
+        commandLine.add("snapshot", Command::Snapshot)
+            .add_flag("--with-secrets", arguments.withSecrets)
             ->disable_flag_override();
-        diffOptions.declare(*addCommand("diff", Command::Diff));
-        addCommand("plan", Command::Plan)->add_option("CHANGE", plannedWords);
-    }
-
-    CLI::App* addCommand(const char* name, Command command) {
-        CLI::App* const subcommand = app.add_subcommand(name);
-        subcommand->set_help_flag(); // --help after a command is the program's own option
-        commands[subcommand] = command;
-        return subcommand;
-    }
-
-    /// @throws CLI::Success, or a class derived from it, for --help and --version
-    void parseGrammar(int argc, const char* const argv[]) {
-        try {
-            std::vector<std::string> rest = markedBackwards(argc, argv);
-            app.parse(rest);
-        } catch (const CLI::Success&) {
-            throw;
-        } catch (const CLI::ExtrasError&) {
-            throw WrongArguments(describeExtra(unmarked(app.remaining(true).front())));
-        } catch (const CLI::ParseError& error) {
-            throw WrongArguments(error.what());
-        }
-    }
-
-    std::string describeExtra(const std::string& extra) const {
-        const bool isCommand = app.get_subcommands().empty() && extra.compare(0, 1, "-") != 0;
-        return (isCommand ? "Unknown command: " : "Unexpected argument: ") + extra;
-    }
-
-    Command requireCommand() const {
-        const std::vector<CLI::App*> chosen = app.get_subcommands();
-        if (chosen.empty())
-            throw WrongArguments("COMMAND is required");
-        return commands.at(chosen.front());
+        diffOptions.declare(commandLine.add("diff", Command::Diff));
+        commandLine.add("plan", Command::Plan).add_option("CHANGE", plannedWords);
     }
 
     /// Sources of other kinds would play no part.
@@ -219,9 +183,9 @@ private:
         }
     }
 
-    CLI::App app;
+    CLI::App app{"", "connector-config"};
     Arguments arguments;
-    std::map<const CLI::App*, Command> commands;
+    CommandLine commandLine{app};
     std::string assignment;
     SourceOptions sourceOptions;
     ServeOptions serveOptions;

@@ -3,6 +3,7 @@
 
 #include "arguments/Assignment.hpp"
 #include "arguments/CheckArguments.hpp"
+#include "arguments/Command.hpp"
 #include "arguments/DiffOptions.hpp"
 #include "arguments/FleetArguments.hpp"
 #include "arguments/PlannedChange.hpp"
@@ -16,21 +17,6 @@
 #include <vector>
 
 namespace connector_config {
-
-enum class Command {
-    Get,
-    Keys,
-    Show,
-    Explain,
-    Watch,
-    Set,
-    Serve,
-    Check,
-    Fleet,
-    Snapshot,
-    Diff,
-    Plan
-};
 
 struct Arguments {
     /// output of --help, --version, completion or manual; if not empty, the rest is unset
