@@ -126,14 +126,15 @@ private:
         if (arguments.command == Command::Set)
             arguments.assignment =
                 parseAssignment(unmarked(assignment), Secrets(arguments.secrets));
-        if (serviceOptions.url()) {
+        std::vector<connector::service::HttpClientOptions> services = servicesOf(arguments.sides);
+        const auto url = serviceOptions.url();
+        if (url && arguments.command != Command::Diff) {
             checkNothingIsLocal();
-            arguments.service = serviceOptions.collect();
-            return;
+            arguments.service = serviceOptions.serviceAt(*url);
+            services.push_back(*arguments.service);
         }
-        if (!diffOptions.hasUrl())
-            serviceOptions.requireUrl();
-        if (arguments.command == Command::Set)
+        serviceOptions.check(services);
+        if (arguments.command == Command::Set && !url)
             throw WrongArguments("set requires --url");
     }
 

@@ -23,6 +23,15 @@ bool isStandardInput(const DiffSide& side) {
 
 } // namespace
 
+std::vector<connector::service::HttpClientOptions> servicesOf(const std::vector<DiffSide>& sides) {
+    std::vector<connector::service::HttpClientOptions> services;
+    for (const DiffSide& side : sides) {
+        if (const auto* const service = std::get_if<connector::service::HttpClientOptions>(&side))
+            services.push_back(*service);
+    }
+    return services;
+}
+
 void DiffOptions::declare(CLI::App& newCommand) {
     command = &newCommand;
     newCommand.add_option("FILE", files);

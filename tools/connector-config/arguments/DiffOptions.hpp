@@ -23,14 +23,14 @@ using SnapshotOrFile = std::string;
 /// What diff compares.
 using DiffSide = std::variant<SnapshotOrFile, FileArgument, connector::service::HttpClientOptions>;
 
+/// @return the services among the sides, in their order
+std::vector<connector::service::HttpClientOptions> servicesOf(const std::vector<DiffSide>& sides);
+
 /// Declares the options of diff to CLI11, which fills this object.
 class DiffOptions {
 public:
     /// @param newCommand  the command diff, which must outlive this object
     void declare(CLI::App& newCommand);
-
-    /// @return whether --url was given behind the command
-    bool hasUrl() const { return !urls.empty(); }
 
     /// @param services  makes the options of each URL. Its own, in front of the command, is the
     ///                  first side.

@@ -144,6 +144,9 @@ plan:
       --token-file FILE  sends the token in FILE
       --ca FILE          trusts the certificates in FILE, in place of those
                          that the system trusts
+      --client-cert FILE --client-key FILE
+                         identifies the program with this certificate and its
+                         key if the service asks for a certificate
 
 SIGHUP makes watch and serve reload all files once.
 

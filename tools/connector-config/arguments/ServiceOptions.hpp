@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -24,18 +25,17 @@ public:
     ///         of that command.
     std::optional<std::string> url() const;
 
-    /// Called if there is no --url, not even behind diff.
-    /// @throws WrongArguments "OPTION requires --url" if an option was given that requires it
-    void requireUrl() const;
-
-    /// @return the service at url()
-    /// @throws WrongArguments if a service at that URL cannot be used with the other options
-    connector::service::HttpClientOptions collect() const;
-
     /// @return the service at this URL, with the other options
     /// @throws WrongArguments "Not of the form http://HOST:PORT, https://HOST:PORT or unix:PATH:
-    ///         URL"
+    ///         URL", "Name of a file is empty: OPTION"
     connector::service::HttpClientOptions serviceAt(const std::string& text) const;
+
+    /// Checks that the other options have a service to be used with. diff can have two, of which
+    /// one may have no TLS.
+    /// @param services  all that the command asks
+    /// @throws WrongArguments "OPTION requires --url", or "OPTION requires a URL with https: URL"
+    ///         with the first URL
+    void check(const std::vector<connector::service::HttpClientOptions>& services) const;
 
 private:
     CLI::Option* add(CLI::App& app, const char* name, const char* type);
@@ -44,6 +44,8 @@ private:
     CLI::Option* urlOption = nullptr;
     CLI::Option* tokenFile = nullptr;
     CLI::Option* authority = nullptr;
+    CLI::Option* certificate = nullptr;
+    CLI::Option* key = nullptr;
 };
 
 } // namespace connector_config
