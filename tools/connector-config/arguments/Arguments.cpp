@@ -62,7 +62,7 @@ public:
             throw WrongArguments("--export excludes --json");
         arguments.http = serveOptions.collect();
         if (arguments.command == Command::Check)
-            arguments.check = checkOptions.collect(arguments.json);
+            collectCheck();
         if (arguments.command == Command::Fleet)
             collectFleet();
         collectSnapshot();
@@ -111,6 +111,11 @@ private:
         commandLine.add("plan", Command::Plan).add_option("CHANGE", plannedWords);
     }
 
+    void collectCheck() {
+        forbidSources("check");
+        arguments.check = checkOptions.collect(arguments.json);
+    }
+
     /// Sources of other kinds would play no part.
     void collectFleet() {
         arguments.fleet = fleetOptions.collect(Secrets(arguments.secrets));
@@ -145,9 +150,7 @@ private:
         }
         if (arguments.command != Command::Diff)
             return;
-        sourceOptions.forbid("diff");
-        if (snapshot->count() > 0)
-            throw WrongArguments("diff excludes --snapshot");
+        forbidSources("diff");
         arguments.sides = diffOptions.collect(serviceOptions);
     }
 
@@ -172,13 +175,20 @@ private:
             throw WrongArguments("Standard input can be read only once");
     }
 
+    /// @param by  a command for which sources would play no part
+    void forbidSources(const std::string& by) const {
+        sourceOptions.forbid(by);
+        if (snapshot->count() > 0)
+            throw WrongArguments(by + " excludes --snapshot");
+    }
+
     void checkNothingIsLocal() const {
         sourceOptions.forbid("--url");
         if (arguments.followsFiles)
             throw WrongArguments("--url excludes --reload");
         for (const auto& [command, name] :
-             {std::pair(Command::Serve, "serve"), std::pair(Command::Snapshot, "snapshot"),
-              std::pair(Command::Plan, "plan")}) {
+             {std::pair(Command::Serve, "serve"), std::pair(Command::Check, "check"),
+              std::pair(Command::Snapshot, "snapshot"), std::pair(Command::Plan, "plan")}) {
             if (arguments.command == command)
                 throw WrongArguments("--url excludes " + std::string(name));
         }
