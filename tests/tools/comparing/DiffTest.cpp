@@ -203,6 +203,8 @@ TEST_F(Diff, RequiresTwoSides) {
               runConnectorConfig({"diff", "-", "-"}));
     EXPECT_EQ((Result{2, "", usageError("diff excludes --set")}),
               runConnectorConfig({"-s", "a=1", "diff", "a", "b"}));
+    EXPECT_EQ((Result{2, "", usageError("diff excludes --snapshot")}),
+              runConnectorConfig({"--snapshot", "c", "diff", "a", "b"}));
     EXPECT_EQ((Result{2, "",
                       usageError("Not of the form http://HOST:PORT, https://HOST:PORT or "
                                  "unix:PATH: x")}),
