@@ -41,6 +41,11 @@ TEST(Arguments, InvalidOnesAreUsageErrors) {
         {__LINE__, {"keys", "-d"}, "--default: 1 required KEY[:TYPE]=VALUE missing"},
         {__LINE__, {"--token-file", "f", "keys"}, "--token-file requires --url"},
         {__LINE__, {"keys", "--ca", "f"}, "--ca requires --url"},
+        {__LINE__, {"keys", "--client-cert", "f"}, "--client-cert requires --client-key"},
+        {__LINE__, {"keys", "--client-key", "f"}, "--client-key requires --client-cert"},
+        {__LINE__,
+         {"keys", "--client-key", "f", "--client-cert", "f"},
+         "--client-cert requires --url"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
@@ -111,6 +116,7 @@ TEST(Help, NamesEveryOptionAndTypeAndHasAnExampleOfEachCommand) {
                                "--url URL",
                                "--token-file FILE",
                                "--ca FILE",
+                               "--client-cert FILE --client-key FILE",
                                "--snapshot FILE",
                                "--with-secrets",
                                "bool,",

@@ -116,6 +116,42 @@ TEST_F(Check, InvalidArgumentsAreUsageErrors) {
     }
 }
 
+TEST_F(Check, ExcludesSourcesAndServices) {
+    const struct {
+        int line;
+        std::vector<std::string> arguments;
+        const char* message;
+    } rows[] = {
+        {__LINE__, {"-f", "b"}, "check excludes --file"},
+        {__LINE__, {"--env", "B_"}, "check excludes --env"},
+        {__LINE__, {"-s", "b=1"}, "check excludes --set"},
+        {__LINE__, {"-d", "b=1"}, "check excludes --default"},
+        {__LINE__, {"--snapshot", "b"}, "check excludes --snapshot"},
+        {__LINE__, {"--url", "unix:b"}, "--url excludes check"},
+        {__LINE__, {"--token-file", "b"}, "--token-file requires --url"},
+    };
+    const std::string path = file("a", "a=1\n");
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.line);
+        std::vector<std::string> before = row.arguments;
+        before.insert(before.end(), {"check", path});
+        EXPECT_EQ((Result{2, "", usageError(row.message)}), runConnectorConfig(before));
+        std::vector<std::string> after{"check", path};
+        after.insert(after.end(), row.arguments.begin(), row.arguments.end());
+        EXPECT_EQ((Result{2, "", usageError(row.message)}), runConnectorConfig(after));
+    }
+}
+
+TEST_F(Check, TakesTheOptionsForAllCommands) {
+    const std::string path = file("a", "a=1\n");
+    EXPECT_EQ((Result{0,
+                      R"({"files":[{"file":")" + path +
+                          R"(","findings":[]}]})"
+                          "\n",
+                      ""}),
+              runConnectorConfig({"--json", "--trace", "--secret", "b", "check", path}));
+}
+
 TEST_F(Check, ADisabledRuleIsNotReported) {
     const std::string path = file("a", "a==b\nb=\\t\n");
     EXPECT_EQ("1:3 [second-separator] 2:3 [escape] ",

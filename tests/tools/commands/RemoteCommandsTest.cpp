@@ -153,6 +153,18 @@ TEST(RemoteArguments, AreCheckedAtOnce) {
         {__LINE__,
          {"--url", "http://localhost:1", "--ca", "f", "keys"},
          "--ca requires a URL with https: http://localhost:1"},
+        {__LINE__,
+         {"--url", "http://localhost:1", "--client-cert", "f", "--client-key", "f", "keys"},
+         "--client-cert requires a URL with https: http://localhost:1"},
+        {__LINE__,
+         {"--url", "unix:x", "--client-cert", "f", "--client-key", "f", "keys"},
+         "--client-cert requires a URL with https: unix:x"},
+        {__LINE__,
+         {"--url", "https://localhost:1", "--client-cert", "", "--client-key", "f", "keys"},
+         "Name of a file is empty: --client-cert"},
+        {__LINE__,
+         {"--url", "https://localhost:1", "--client-cert", "f", "--client-key", "", "keys"},
+         "Name of a file is empty: --client-key"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);

@@ -203,12 +203,45 @@ TEST_F(Diff, RequiresTwoSides) {
               runConnectorConfig({"diff", "-", "-"}));
     EXPECT_EQ((Result{2, "", usageError("diff excludes --set")}),
               runConnectorConfig({"-s", "a=1", "diff", "a", "b"}));
+    EXPECT_EQ((Result{2, "", usageError("diff excludes --snapshot")}),
+              runConnectorConfig({"--snapshot", "c", "diff", "a", "b"}));
     EXPECT_EQ((Result{2, "",
                       usageError("Not of the form http://HOST:PORT, https://HOST:PORT or "
                                  "unix:PATH: x")}),
               runConnectorConfig({"diff", "a", "--url", "x"}));
     EXPECT_EQ((Result{2, "", usageError("Unknown format of a file: x")}),
               runConnectorConfig({"diff", "a", "path=b,format=x"}));
+}
+
+TEST_F(Diff, RequiresAUrlWithHttpsForOptionsOfTls) {
+    const Arguments authority{"--ca", "f"};
+    const Arguments identity{"--client-cert", "f", "--client-key", "f"};
+    const struct {
+        int line;
+        Arguments arguments;
+        const Arguments& options;
+        const char* message;
+    } rows[] = {
+        {__LINE__, {"diff", "a", "b"}, authority, "--ca requires --url"},
+        {__LINE__, {"diff", "a", "b"}, identity, "--client-cert requires --url"},
+        {__LINE__,
+         {"diff", "a", "--url", "http://h:1"},
+         authority,
+         "--ca requires a URL with https: http://h:1"},
+        {__LINE__,
+         {"--url", "http://h:1", "diff", "a"},
+         authority,
+         "--ca requires a URL with https: http://h:1"},
+        {__LINE__,
+         {"diff", "--url", "unix:x", "--url", "unix:y"},
+         identity,
+         "--client-cert requires a URL with https: unix:x"},
+    };
+    for (auto row : rows) {
+        SCOPED_TRACE(row.line);
+        row.arguments.insert(row.arguments.end(), row.options.begin(), row.options.end());
+        EXPECT_EQ((Result{2, "", usageError(row.message)}), runConnectorConfig(row.arguments));
+    }
 }
 
 } // namespace

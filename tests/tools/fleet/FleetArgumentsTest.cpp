@@ -29,6 +29,7 @@ TEST(FleetArguments, AreCheckedAtOnce) {
         {__LINE__, {"--etcd", etcd, "-d", "a=1", "fleet", "export"}, "fleet excludes --default"},
         {__LINE__, {"--etcd", etcd, "-f", "f", "fleet", "export"}, "fleet excludes --file"},
         {__LINE__, {"--etcd", etcd, "--env", "E", "fleet", "export"}, "fleet excludes --env"},
+        {__LINE__, {"--etcd", etcd, "check", "f"}, "check excludes --etcd"},
         {__LINE__, {"--etcd", etcd, "fleet", "put"}, "KEY[:TYPE]=VALUE is required"},
         {__LINE__, {"--etcd", etcd, "fleet", "put", "a"}, "Not of the form KEY[:TYPE]=VALUE: a"},
         {__LINE__, {"--etcd", etcd, "fleet", "put", "=1"}, "Not of the form KEY[:TYPE]=VALUE: =1"},

@@ -1,89 +1,50 @@
 #include "arguments/Arguments.hpp"
 
 #include "arguments/CheckOptions.hpp"
+#include "arguments/CommandLine.hpp"
 #include "arguments/FleetOptions.hpp"
 #include "arguments/Help.hpp"
-#include "arguments/ListenAddress.hpp"
+#include "arguments/LiteralArguments.hpp"
+#include "arguments/ServeOptions.hpp"
+#include "arguments/ServiceOptions.hpp"
+#include "arguments/SourceOptions.hpp"
 #include "documentation/DocumentationCommands.hpp"
 #include "values/WrongArguments.hpp"
 
-#include <connector/service/client/ServiceUrl.hpp>
-#include <connector/service/text/Number.hpp>
-
 #include <CLI/CLI.hpp>
-
-#include <algorithm>
-#include <map>
-#include <set>
 
 namespace connector_config {
 
 namespace {
 
-// CLI11 treats some arguments specially: "[a,b]" is a list if the option may be repeated,
-// "++" ends a command, and "--" ends the options only while the command expects an argument. Keys
-// may look like any of these. So every argument that must be taken literally gets a mark in front
-// of it, which is removed after parsing.
-constexpr char textMark = '\x01';
-
-bool needsMark(const std::string& argument) {
-    const char first = argument.empty() ? ' ' : argument.front();
-    return first == '[' || first == '+' || first == textMark;
-}
-
-/// @return the arguments without the program's name, in the reverse order that CLI11 expects
-std::vector<std::string> markedBackwards(int argc, const char* const argv[]) {
-    std::vector<std::string> marked;
-    bool onlyLiterals = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string argument = argv[i];
-        if (argument == "--" && !onlyLiterals)
-            onlyLiterals = true;
-        else
-            marked.push_back(onlyLiterals || needsMark(argument) ? textMark + argument : argument);
-    }
-    std::reverse(marked.begin(), marked.end());
-    return marked;
-}
-
-std::string unmarked(const std::string& argument) {
-    return !argument.empty() && argument.front() == textMark ? argument.substr(1) : argument;
-}
-
 /// Declares the grammar of the command line to CLI11 and collects the results.
 class Parser {
 public:
-    Parser() : app("", "connector-config") {
+    Parser() {
         app.set_help_flag("-h,--help");
         app.set_version_flag("--version", versionText());
         app.add_flag("--json", arguments.json)->disable_flag_override();
         app.add_flag("--trace", arguments.trace)->disable_flag_override();
-        files = addSourceOption("-f,--file", "FILE");
-        environments = addSourceOption("--env", "PREFIX");
-        etcds = addSourceOption("--etcd", "endpoint=URL,prefix=P");
-        overrides = addSourceOption("-s,--set", "KEY[:TYPE]=VALUE");
-        defaults = addSourceOption("-d,--default", "KEY[:TYPE]=VALUE");
-        addRepeatable(app, "--secret", arguments.secrets, "GLOB");
-        addService();
+        sourceOptions.declare(app);
+        app.add_option("--secret", arguments.secrets)->type_name("GLOB")->allow_extra_args(false);
+        serviceOptions.declare(app);
 
-        app.require_subcommand(0, 1);
-        app.fallthrough();
         addGet();
-        addCommand("keys", Command::Keys)->add_option("PREFIX", arguments.prefix);
-        addCommand("show", Command::Show)->add_option("PREFIX", arguments.prefix);
-        addCommand("explain", Command::Explain)->add_option("KEY", arguments.key)->required();
+        commandLine.add("keys", Command::Keys).add_option("PREFIX", arguments.prefix);
+        commandLine.add("show", Command::Show).add_option("PREFIX", arguments.prefix);
+        commandLine.add("explain", Command::Explain).add_option("KEY", arguments.key)->required();
         addWatch();
-        addCommand("set", Command::Set)->add_option("KEY[:TYPE]=VALUE", assignment)->required();
+        commandLine.add("set", Command::Set).add_option("KEY[:TYPE]=VALUE", assignment)->required();
         addServe();
-        checkOptions.declare(*addCommand("check", Command::Check));
-        fleetOptions.declare(*addCommand("fleet", Command::Fleet));
+        checkOptions.declare(commandLine.add("check", Command::Check));
+        fleetOptions.declare(commandLine.add("fleet", Command::Fleet));
         addComparing();
         documentation.declare(app);
     }
 
     Arguments parse(int argc, const char* const argv[]) {
         try {
-            parseGrammar(argc, argv);
+            commandLine.parse(argc, argv);
         } catch (const CLI::CallForHelp&) {
             return informationOnly(helpText());
         } catch (const CLI::CallForVersion&) {
@@ -91,17 +52,17 @@ public:
         }
         if (const auto text = documentation.output(helpText(), versionText()))
             return informationOnly(*text);
-        arguments.command = requireCommand();
+        arguments.command = commandLine.command();
         unmarkAll(arguments.secrets);
-        collectSources();
+        arguments.sources = sourceOptions.collect(Secrets(arguments.secrets));
         arguments.key = unmarked(arguments.key);
         arguments.prefix = unmarked(arguments.prefix);
         unmarkAll(arguments.keys);
         if (arguments.forShell && arguments.json)
             throw WrongArguments("--export excludes --json");
-        collectHttp();
+        arguments.http = serveOptions.collect();
         if (arguments.command == Command::Check)
-            arguments.check = checkOptions.collect(arguments.json, unmarked);
+            collectCheck();
         if (arguments.command == Command::Fleet)
             collectFleet();
         collectSnapshot();
@@ -119,35 +80,16 @@ private:
         return information;
     }
 
-    CLI::Option* addSourceOption(const char* names, const char* type) {
-        CLI::Option* const option = addRepeatable(app, names, sourceTexts[names], type);
-        sourceOptions.insert(option);
-        return option;
-    }
-
-    static CLI::Option* addRepeatable(CLI::App& command, const char* name,
-                                      std::vector<std::string>& texts, const char* type) {
-        return command.add_option(name, texts)->type_name(type)->allow_extra_args(false);
-    }
-
-    void addService() {
-        url = app.add_option("--url", texts["--url"])->type_name("URL");
-        // serve has an option with the same name
-        serviceToken = app.add_option("--token-file", texts["token of a service"]);
-        serviceToken->type_name("FILE");
-        authority = app.add_option("--ca", texts["--ca"])->type_name("FILE");
-    }
-
     void addGet() {
-        CLI::App* const get = addCommand("get", Command::Get);
-        get->add_option("KEY", arguments.keys)->required();
-        get->add_flag("--export", arguments.forShell)->disable_flag_override();
+        CLI::App& get = commandLine.add("get", Command::Get);
+        get.add_option("KEY", arguments.keys)->required();
+        get.add_flag("--export", arguments.forShell)->disable_flag_override();
     }
 
     void addWatch() {
-        CLI::App* const watch = addCommand("watch", Command::Watch);
-        watch->add_option("KEY", arguments.keys)->required();
-        addReload(*watch);
+        CLI::App& watch = commandLine.add("watch", Command::Watch);
+        watch.add_option("KEY", arguments.keys)->required();
+        addReload(watch);
     }
 
     void addReload(CLI::App& command) {
@@ -155,103 +97,32 @@ private:
     }
 
     void addServe() {
-        CLI::App* const serve = addCommand("serve", Command::Serve);
-        addReload(*serve);
-        http = addRepeatable(*serve, "--http", listenAddresses, "HOST:PORT|unix:PATH");
-        addRepeatable(*serve, "--writable", httpOptions.writablePrefixes, "PREFIX")->needs(http);
-        addRepeatable(*serve, "--allow-host", httpOptions.allowedHosts, "NAME")->needs(http);
-        propertyRoot = addHttpOption(*serve, "--property-root", "DIR");
-        tokenFile = addHttpOption(*serve, "--token-file", "FILE");
-        maxFileSize = addHttpOption(*serve, "--max-file-size", "BYTES");
-        certificate = addHttpOption(*serve, "--tls-cert", "FILE");
-        key = addHttpOption(*serve, "--tls-key", "FILE");
-        clientAuthority = addHttpOption(*serve, "--client-ca", "FILE");
-        certificate->needs(key);
-        key->needs(certificate);
-        clientAuthority->needs(certificate);
+        CLI::App& serve = commandLine.add("serve", Command::Serve);
+        addReload(serve);
+        serveOptions.declare(serve);
     }
 
     void addComparing() {
-        snapshot = app.add_option("--snapshot", texts["--snapshot"])->type_name("FILE");
-        addCommand("snapshot", Command::Snapshot)
-            ->add_flag("--with-secrets", arguments.withSecrets)
+        snapshot = app.add_option("--snapshot", snapshotFile)->type_name("FILE");
+        commandLine.add("snapshot", Command::Snapshot)
+            .add_flag("--with-secrets", arguments.withSecrets)
             ->disable_flag_override();
-        diffOptions.declare(*addCommand("diff", Command::Diff));
-        addCommand("plan", Command::Plan)->add_option("CHANGE", plannedWords);
+        diffOptions.declare(commandLine.add("diff", Command::Diff));
+        commandLine.add("plan", Command::Plan).add_option("CHANGE", plannedWords);
     }
 
-    CLI::Option* addHttpOption(CLI::App& serve, const char* name, const char* type) {
-        return serve.add_option(name, texts[name])->type_name(type)->needs(http);
-    }
-
-    CLI::App* addCommand(const char* name, Command command) {
-        CLI::App* const subcommand = app.add_subcommand(name);
-        subcommand->set_help_flag(); // --help after a command is the program's own option
-        commands[subcommand] = command;
-        return subcommand;
-    }
-
-    /// @throws CLI::Success, or a class derived from it, for --help and --version
-    void parseGrammar(int argc, const char* const argv[]) {
-        try {
-            std::vector<std::string> rest = markedBackwards(argc, argv);
-            app.parse(rest);
-        } catch (const CLI::Success&) {
-            throw;
-        } catch (const CLI::ExtrasError&) {
-            throw WrongArguments(describeExtra(unmarked(app.remaining(true).front())));
-        } catch (const CLI::ParseError& error) {
-            throw WrongArguments(error.what());
-        }
-    }
-
-    std::string describeExtra(const std::string& extra) const {
-        const bool isCommand = app.get_subcommands().empty() && extra.compare(0, 1, "-") != 0;
-        return (isCommand ? "Unknown command: " : "Unexpected argument: ") + extra;
-    }
-
-    Command requireCommand() const {
-        const std::vector<CLI::App*> chosen = app.get_subcommands();
-        if (chosen.empty())
-            throw WrongArguments("COMMAND is required");
-        return commands.at(chosen.front());
-    }
-
-    static void unmarkAll(std::vector<std::string>& texts) {
-        for (std::string& text : texts)
-            text = unmarked(text);
-    }
-
-    void collectHttp() {
-        if (http->count() == 0)
-            return;
-        httpOptions.addresses.clear();
-        for (const std::string& address : listenAddresses)
-            httpOptions.addresses.push_back(parseListenAddress(unmarked(address)));
-        unmarkAll(httpOptions.writablePrefixes);
-        unmarkAll(httpOptions.allowedHosts);
-        for (std::string& name : httpOptions.allowedHosts)
-            name = parseHostName(name);
-        httpOptions.propertyRoot = textOf(propertyRoot);
-        httpOptions.tokenFile = textOf(tokenFile);
-        if (const auto size = textOf(maxFileSize))
-            httpOptions.maxFileSize = parseSize(*size);
-        if (certificate->count() > 0)
-            httpOptions.tls = {*textOf(certificate), *textOf(key),
-                               textOf(clientAuthority).value_or("")};
-        arguments.http = std::move(httpOptions);
+    void collectCheck() {
+        forbidSources("check");
+        arguments.check = checkOptions.collect(arguments.json);
     }
 
     /// Sources of other kinds would play no part.
     void collectFleet() {
-        arguments.fleet = fleetOptions.collect(Secrets(arguments.secrets), unmarked);
+        arguments.fleet = fleetOptions.collect(Secrets(arguments.secrets));
         if (arguments.json && arguments.fleet.format == FleetArguments::Format::Properties)
             throw WrongArguments("--json excludes --format=properties");
-        for (const CLI::Option* const option : sourceOptions) {
-            if (option != etcds && option->count() > 0)
-                throw WrongArguments("fleet excludes " + option->get_name());
-        }
-        if (etcds->count() != 1)
+        sourceOptions.forbid("fleet", &sourceOptions.etcds());
+        if (sourceOptions.etcds().count() != 1)
             throw WrongArguments("fleet requires exactly one --etcd");
     }
 
@@ -260,33 +131,16 @@ private:
         if (arguments.command == Command::Set)
             arguments.assignment =
                 parseAssignment(unmarked(assignment), Secrets(arguments.secrets));
-        if (url->count() == 0 && !diffOptions.hasUrl()) {
-            for (const CLI::Option* const option : {serviceToken, authority}) {
-                if (option->count() > 0)
-                    throw WrongArguments(option->get_name() + " requires --url");
-            }
+        std::vector<connector::service::HttpClientOptions> services = servicesOf(arguments.sides);
+        const auto url = serviceOptions.url();
+        if (url && arguments.command != Command::Diff) {
+            checkNothingIsLocal();
+            arguments.service = serviceOptions.serviceAt(*url);
+            services.push_back(*arguments.service);
         }
-        if (url->count() == 0) {
-            if (arguments.command == Command::Set)
-                throw WrongArguments("set requires --url");
-            return;
-        }
-        checkNothingIsLocal();
-        arguments.service = serviceAt(*textOf(url));
-        if (authority->count() > 0 && arguments.service->url.compare(0, 6, "https:") != 0)
-            throw WrongArguments("--ca requires a URL with https: " + arguments.service->url);
-    }
-
-    connector::service::HttpClientOptions serviceAt(const std::string& text) const {
-        connector::service::HttpClientOptions service;
-        service.url = text;
-        service.tokenFile = textOf(serviceToken);
-        service.authority = textOf(authority).value_or("");
-        if (!connector::service::parseServiceUrl(service.url))
-            throw WrongArguments("Not of the form http://HOST:PORT, https://HOST:PORT or "
-                                 "unix:PATH: " +
-                                 service.url);
-        return service;
+        serviceOptions.check(services);
+        if (arguments.command == Command::Set && !url)
+            throw WrongArguments("set requires --url");
     }
 
     void collectComparing() {
@@ -297,10 +151,7 @@ private:
         if (arguments.command != Command::Diff)
             return;
         forbidSources("diff");
-        if (snapshot->count() > 0)
-            throw WrongArguments("diff excludes --snapshot");
-        arguments.sides = diffOptions.collect(textOf(url).value_or(""), unmarked,
-                                              [this](const auto& text) { return serviceAt(text); });
+        arguments.sides = diffOptions.collect(serviceOptions);
     }
 
     /// The sources of a snapshot are taken in place of others. Only plan reload has files beside
@@ -308,15 +159,15 @@ private:
     void collectSnapshot() {
         const bool isPlannedReload =
             arguments.command == Command::Plan && plannedWords == Words{"reload"};
-        if (isPlannedReload && files->count() == 0)
+        if (isPlannedReload && sourceOptions.files().count() == 0)
             throw WrongArguments("plan reload requires --file");
-        arguments.snapshot = textOf(snapshot);
+        arguments.snapshot = textOf(*snapshot);
         if (!arguments.snapshot)
             return;
-        forbidSources("--snapshot", isPlannedReload ? files : nullptr);
+        sourceOptions.forbid("--snapshot", isPlannedReload ? &sourceOptions.files() : nullptr);
         if (arguments.followsFiles)
             throw WrongArguments("--snapshot excludes --reload");
-        if (url->count() > 0)
+        if (serviceOptions.url())
             throw WrongArguments("--url excludes --snapshot");
         const bool readsInput = arguments.command == Command::Watch ||
                                 (arguments.command == Command::Serve && !arguments.http);
@@ -324,90 +175,37 @@ private:
             throw WrongArguments("Standard input can be read only once");
     }
 
-    /// @param allowed  an option that may be given; null for none
-    void forbidSources(const std::string& by, const CLI::Option* allowed = nullptr) const {
-        for (const CLI::Option* const option : sourceOptions) {
-            if (option != allowed && option->count() > 0)
-                throw WrongArguments(by + " excludes " + option->get_name());
-        }
+    /// @param by  a command for which sources would play no part
+    void forbidSources(const std::string& by) const {
+        sourceOptions.forbid(by);
+        if (snapshot->count() > 0)
+            throw WrongArguments(by + " excludes --snapshot");
     }
 
     void checkNothingIsLocal() const {
-        forbidSources("--url");
+        sourceOptions.forbid("--url");
         if (arguments.followsFiles)
             throw WrongArguments("--url excludes --reload");
         for (const auto& [command, name] :
-             {std::pair(Command::Serve, "serve"), std::pair(Command::Snapshot, "snapshot"),
-              std::pair(Command::Plan, "plan")}) {
+             {std::pair(Command::Serve, "serve"), std::pair(Command::Check, "check"),
+              std::pair(Command::Snapshot, "snapshot"), std::pair(Command::Plan, "plan")}) {
             if (arguments.command == command)
                 throw WrongArguments("--url excludes " + std::string(name));
         }
     }
 
-    static std::uintmax_t parseSize(const std::string& text) {
-        const auto size = connector::service::readNumber<std::uintmax_t>(text);
-        if (!size)
-            throw WrongArguments("Not a number of bytes: " + text);
-        return *size;
-    }
-
-    /// @return nothing if the option was not given
-    static std::optional<std::string> textOf(const CLI::Option* option) {
-        if (option->count() == 0)
-            return std::nullopt;
-        return unmarked(option->results().front());
-    }
-
-    /// Keeps the order of sources of different kinds on the command line.
-    void collectSources() {
-        const Secrets secrets(arguments.secrets);
-        std::map<const CLI::Option*, std::size_t> seen;
-        for (const CLI::Option* const option : app.parse_order()) {
-            if (sourceOptions.count(option) != 0)
-                addSource(option, unmarked(option->results()[seen[option]++]), secrets);
-        }
-    }
-
-    void addSource(const CLI::Option* option, const std::string& text, const Secrets& secrets) {
-        if (option == files)
-            arguments.sources.emplace_back(parseFileArgument(text));
-        else if (option == environments)
-            arguments.sources.emplace_back(parseEnvironmentArgument(text));
-        else if (option == etcds)
-            arguments.sources.emplace_back(parseEtcdArgument(text));
-        else
-            arguments.sources.emplace_back(TableAssignment{
-                parseAssignment(text, secrets), option == overrides ? "override" : "default"});
-    }
-
-    CLI::App app;
+    CLI::App app{"", "connector-config"};
     Arguments arguments;
-    std::map<const CLI::App*, Command> commands;
-    std::map<std::string, std::vector<std::string>> sourceTexts;
-    std::set<const CLI::Option*> sourceOptions;
-    CLI::Option* files;
-    CLI::Option* environments;
-    CLI::Option* etcds;
-    CLI::Option* overrides;
-    CLI::Option* defaults;
-    CLI::Option* url;
-    CLI::Option* serviceToken;
-    CLI::Option* authority;
-    CLI::Option* http;
-    CLI::Option* propertyRoot;
-    CLI::Option* tokenFile;
-    CLI::Option* maxFileSize;
-    CLI::Option* certificate;
-    CLI::Option* key;
-    CLI::Option* clientAuthority;
+    CommandLine commandLine{app};
     std::string assignment;
-    std::vector<std::string> listenAddresses;
-    std::map<std::string, std::string> texts; // of options with one value
-    connector::service::HttpOptions httpOptions;
+    SourceOptions sourceOptions;
+    ServeOptions serveOptions;
+    ServiceOptions serviceOptions;
     CheckOptions checkOptions;
     FleetOptions fleetOptions;
     DiffOptions diffOptions;
-    CLI::Option* snapshot;
+    std::string snapshotFile;
+    const CLI::Option* snapshot = nullptr;
     Words plannedWords;
     DocumentationCommands documentation;
 };

@@ -3,46 +3,20 @@
 
 #include "arguments/Assignment.hpp"
 #include "arguments/CheckArguments.hpp"
+#include "arguments/Command.hpp"
 #include "arguments/DiffOptions.hpp"
-#include "arguments/EnvironmentArgument.hpp"
-#include "arguments/EtcdArgument.hpp"
-#include "arguments/FileArgument.hpp"
 #include "arguments/FleetArguments.hpp"
 #include "arguments/PlannedChange.hpp"
+#include "arguments/SourceArgument.hpp"
 
 #include <connector/service/HttpClientOptions.hpp>
 #include <connector/service/HttpOptions.hpp>
 
 #include <optional>
 #include <string>
-#include <variant>
 #include <vector>
 
 namespace connector_config {
-
-/// A value for one of the two built-in tables.
-struct TableAssignment {
-    Assignment assignment;
-    const char* table; ///< "override" or "default"
-};
-
-using SourceArgument =
-    std::variant<FileArgument, EnvironmentArgument, EtcdArgument, TableAssignment>;
-
-enum class Command {
-    Get,
-    Keys,
-    Show,
-    Explain,
-    Watch,
-    Set,
-    Serve,
-    Check,
-    Fleet,
-    Snapshot,
-    Diff,
-    Plan
-};
 
 struct Arguments {
     /// output of --help, --version, completion or manual; if not empty, the rest is unset

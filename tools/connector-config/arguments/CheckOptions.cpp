@@ -1,6 +1,7 @@
 #include "arguments/CheckOptions.hpp"
 
 #include "arguments/CheckRules.hpp"
+#include "arguments/LiteralArguments.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <CLI/CLI.hpp>
@@ -30,9 +31,7 @@ void CheckOptions::declare(CLI::App& command) {
     command.add_flag("--diff", isDiff)->disable_flag_override();
 }
 
-CheckArguments
-CheckOptions::collect(bool json,
-                      const std::function<std::string(const std::string&)>& unmarked) const {
+CheckArguments CheckOptions::collect(bool json) const {
     exclude(json, "--json", isSarif, "--sarif");
     exclude(isFix, "--fix", isDiff, "--diff");
     exclude(isDiff, "--diff", json, "--json");

@@ -3,7 +3,6 @@
 
 #include "arguments/CheckArguments.hpp"
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,10 +20,8 @@ public:
     void declare(CLI::App& command);
 
     /// @param json  whether --json was given
-    /// @param unmarked  makes of an argument what the user wrote
     /// @throws WrongArguments  for options that exclude each other and rules that do not exist
-    CheckArguments collect(bool json,
-                           const std::function<std::string(const std::string&)>& unmarked) const;
+    CheckArguments collect(bool json) const;
 
 private:
     std::vector<std::string> files;

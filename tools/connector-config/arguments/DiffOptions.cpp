@@ -1,5 +1,6 @@
 #include "arguments/DiffOptions.hpp"
 
+#include "arguments/LiteralArguments.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <CLI/CLI.hpp>
@@ -22,22 +23,30 @@ bool isStandardInput(const DiffSide& side) {
 
 } // namespace
 
+std::vector<connector::service::HttpClientOptions> servicesOf(const std::vector<DiffSide>& sides) {
+    std::vector<connector::service::HttpClientOptions> services;
+    for (const DiffSide& side : sides) {
+        if (const auto* const service = std::get_if<connector::service::HttpClientOptions>(&side))
+            services.push_back(*service);
+    }
+    return services;
+}
+
 void DiffOptions::declare(CLI::App& newCommand) {
     command = &newCommand;
     newCommand.add_option("FILE", files);
     url = newCommand.add_option("--url", urls)->type_name("URL")->allow_extra_args(false);
 }
 
-std::vector<DiffSide> DiffOptions::collect(const std::string& urlInFront, const Unmark& unmarked,
-                                           const MakeService& service) const {
+std::vector<DiffSide> DiffOptions::collect(const ServiceOptions& services) const {
     std::vector<DiffSide> sides;
-    if (!urlInFront.empty())
-        sides.emplace_back(service(urlInFront));
+    if (const auto urlInFront = services.url())
+        sides.emplace_back(services.serviceAt(*urlInFront));
     auto nextFile = files.begin();
     auto nextUrl = urls.begin();
     for (const CLI::Option* const option : command->parse_order()) {
         if (option == url)
-            sides.emplace_back(service(unmarked(*nextUrl++)));
+            sides.emplace_back(services.serviceAt(unmarked(*nextUrl++)));
         else
             sides.push_back(fileSide(unmarked(*nextFile++)));
     }

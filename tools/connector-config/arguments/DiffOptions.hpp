@@ -2,10 +2,10 @@
 #pragma once
 
 #include "arguments/FileArgument.hpp"
+#include "arguments/ServiceOptions.hpp"
 
 #include <connector/service/HttpClientOptions.hpp>
 
-#include <functional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -23,26 +23,20 @@ using SnapshotOrFile = std::string;
 /// What diff compares.
 using DiffSide = std::variant<SnapshotOrFile, FileArgument, connector::service::HttpClientOptions>;
 
+/// @return the services among the sides, in their order
+std::vector<connector::service::HttpClientOptions> servicesOf(const std::vector<DiffSide>& sides);
+
 /// Declares the options of diff to CLI11, which fills this object.
 class DiffOptions {
 public:
-    using Unmark = std::function<std::string(const std::string&)>;
-    using MakeService =
-        std::function<connector::service::HttpClientOptions(const std::string& url)>;
-
     /// @param newCommand  the command diff, which must outlive this object
     void declare(CLI::App& newCommand);
 
-    /// @return whether --url was given behind the command
-    bool hasUrl() const { return !urls.empty(); }
-
-    /// @param urlInFront  of --url in front of the command, which is the first side; empty for none
-    /// @param unmarked  makes of an argument what the user wrote
-    /// @param service   makes the options of a URL
+    /// @param services  makes the options of each URL. Its own, in front of the command, is the
+    ///                  first side.
     /// @return the two sides, in the order of the arguments
     /// @throws WrongArguments
-    std::vector<DiffSide> collect(const std::string& urlInFront, const Unmark& unmarked,
-                                  const MakeService& service) const;
+    std::vector<DiffSide> collect(const ServiceOptions& services) const;
 
 private:
     const CLI::App* command = nullptr;

@@ -1,6 +1,7 @@
 #include "arguments/FleetOptions.hpp"
 
 #include "arguments/EtcdArgument.hpp"
+#include "arguments/LiteralArguments.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <CLI/CLI.hpp>
@@ -11,7 +12,6 @@ namespace {
 
 using Action = FleetArguments::Action;
 using Format = FleetArguments::Format;
-using Unmarked = std::function<std::string(const std::string&)>;
 
 /// More operations are more than one transaction.
 constexpr std::size_t mostOperations = 128;
@@ -22,8 +22,8 @@ void checkNumber(std::size_t operations) {
                              std::to_string(operations));
 }
 
-std::vector<Assignment> assignmentsOf(const std::vector<std::string>& texts, const Secrets& secrets,
-                                      const Unmarked& unmarked) {
+std::vector<Assignment> assignmentsOf(const std::vector<std::string>& texts,
+                                      const Secrets& secrets) {
     std::vector<Assignment> assignments;
     std::set<std::string> keys;
     for (const std::string& text : texts) {
@@ -35,7 +35,7 @@ std::vector<Assignment> assignmentsOf(const std::vector<std::string>& texts, con
     return assignments;
 }
 
-std::set<std::string> keysOf(const std::vector<std::string>& texts, const Unmarked& unmarked) {
+std::set<std::string> keysOf(const std::vector<std::string>& texts) {
     std::set<std::string> keys;
     for (const std::string& text : texts)
         keys.insert(unmarked(text));
@@ -76,7 +76,7 @@ CLI::App* FleetOptions::add(const char* name, Action action) {
     return subcommand;
 }
 
-FleetArguments FleetOptions::collect(const Secrets& secrets, const Unmarked& unmarked) const {
+FleetArguments FleetOptions::collect(const Secrets& secrets) const {
     if (!hasEtcd)
         throw WrongArguments("This program was built without etcd: fleet");
     const std::vector<CLI::App*> chosen = fleet->get_subcommands();
@@ -84,8 +84,8 @@ FleetArguments FleetOptions::collect(const Secrets& secrets, const Unmarked& unm
         throw WrongArguments("fleet requires put, delete, import, export or status");
     FleetArguments arguments;
     arguments.action = actions.at(chosen.front());
-    arguments.assignments = assignmentsOf(assignments, secrets, unmarked);
-    arguments.keys = keysOf(keys, unmarked);
+    arguments.assignments = assignmentsOf(assignments, secrets);
+    arguments.keys = keysOf(keys);
     if (arguments.action == Action::Import)
         arguments.file = parseImportedFile(unmarked(file));
     arguments.deletes = deletes;

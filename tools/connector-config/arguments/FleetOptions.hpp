@@ -5,7 +5,6 @@
 
 #include <connector/service/text/Secrets.hpp>
 
-#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -23,10 +22,8 @@ public:
     void declare(CLI::App& command);
 
     /// @param secrets  keys whose values are masked in failures
-    /// @param unmarked  makes of an argument what the user wrote
     /// @throws WrongArguments, always if the program was built without connector::etcd
-    FleetArguments collect(const connector::service::Secrets& secrets,
-                           const std::function<std::string(const std::string&)>& unmarked) const;
+    FleetArguments collect(const connector::service::Secrets& secrets) const;
 
 private:
     using Action = FleetArguments::Action;

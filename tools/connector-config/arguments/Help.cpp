@@ -131,19 +131,23 @@ Sources, added in the order given:
                          doubleArray, stringArray or ustringArray; arrays
                          are written as JSON arrays
 
-The sources of a snapshot in place of others, for all commands:
+The sources of a snapshot in place of others, for get, keys, show, explain,
+watch, serve, snapshot and plan:
       --snapshot FILE    FILE is what the command snapshot has written, or "-"
                          for standard input; --file then only names files for
                          plan reload
 
-A running service in place of sources, for all commands but serve, snapshot and
-plan:
+A running service in place of sources, for get, keys, show, explain, watch, set
+and diff:
       --url URL          http://HOST:PORT, https://HOST:PORT or unix:PATH;
                          watch then connects again when the service is lost,
                          and does not read standard input
       --token-file FILE  sends the token in FILE
       --ca FILE          trusts the certificates in FILE, in place of those
                          that the system trusts
+      --client-cert FILE --client-key FILE
+                         identifies the program with this certificate and its
+                         key if the service asks for a certificate
 
 SIGHUP makes watch and serve reload all files once.
 
