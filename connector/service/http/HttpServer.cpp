@@ -20,6 +20,7 @@ namespace {
 constexpr std::size_t workerThreads = 4;
 
 constexpr HttpLimits::Duration longestTick{100};
+constexpr HttpLimits::Duration resumeInterval{10};
 
 /// @return how often deadlines are looked at: often enough for the shortest one
 HttpLimits::Duration tickOf(const HttpLimits& limits) {
@@ -95,29 +96,38 @@ void HttpServer::start() {
     thread = std::thread([this] { run(); });
 }
 
-/// A handler fails only when there is no memory. What it did not start is started again then.
+/// A handler fails only when there is no memory. What it did not start is started again as soon as
+/// there is some. Until then, the handlers that still wait are served: they release memory.
 void HttpServer::run() noexcept {
-    for (;;) {
+    bool isComplete = true;
+    while (!io.stopped()) {
         try {
+            if (!isComplete)
+                resume();
+            isComplete = true;
             io.run();
-            return;
         } catch (...) {
-        }
-        try {
-            resume();
-        } catch (...) {
-            std::this_thread::sleep_for(longestTick);
+            isComplete = false;
+            runWaitingHandlers();
         }
     }
 }
 
+void HttpServer::runWaitingHandlers() noexcept {
+    try {
+        io.run_for(resumeInterval);
+    } catch (...) { // no memory either
+    }
+}
+
+/// First what needs no memory and releases some.
 void HttpServer::resume() {
+    workers.resume();
+    events.start();
     if (!context.isStopping) {
         for (Listener& listener : listeners)
             listener.start();
     }
-    workers.resume();
-    events.start();
     if (!connections.empty())
         scheduleTick();
 }

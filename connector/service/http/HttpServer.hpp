@@ -14,6 +14,7 @@
 #include <connector/service/network/Places.hpp>
 #include <connector/service/network/Workers.hpp>
 
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ssl/context.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -52,6 +53,7 @@ public:
 
 private:
     void run() noexcept;
+    void runWaitingHandlers() noexcept;
     void releaseHandlers() noexcept;
     void resume();
     void accept(Socket socket, const Peer& peer);
@@ -63,6 +65,9 @@ private:
 
     const HttpOptions& options;
     boost::asio::io_context io{1};
+    // The network thread ends when it is told to, also if no handler waits because none had memory.
+    const boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard{
+        io.get_executor()};
     Workers workers;
     EventHub events;
     SharedResponses shared;

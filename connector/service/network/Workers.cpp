@@ -32,6 +32,7 @@ void Workers::start(std::size_t count) {
 }
 
 void Workers::resume() {
+    finishAll(); // results hold memory
     wake.start();
     scheduleCheck(); // the handler that has thrown may have been about to
 }

@@ -191,6 +191,8 @@ TEST_F(PlanCommand, OfAReloadReadsEachFileOnce) {
               runConnectorConfig({"-f", "/dev/stdin", "plan", "reload"}, "a=1\n"));
     EXPECT_EQ((Result{2, "", usageError("plan reload requires --file")}),
               runConnectorConfig({"plan", "reload"}));
+    EXPECT_EQ((Result{2, "", usageError("plan reload requires --file")}),
+              runConnectorConfig({"plan", "--", "reload"}));
 }
 
 TEST_F(PlanCommand, RefusesOtherArguments) {

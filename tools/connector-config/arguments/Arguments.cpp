@@ -58,6 +58,7 @@ public:
         arguments.key = unmarked(arguments.key);
         arguments.prefix = unmarked(arguments.prefix);
         unmarkAll(arguments.keys);
+        unmarkAll(plannedWords);
         if (arguments.forShell && arguments.json)
             throw WrongArguments("--export excludes --json");
         arguments.http = serveOptions.collect();
@@ -144,10 +145,8 @@ private:
     }
 
     void collectComparing() {
-        if (arguments.command == Command::Plan) {
-            unmarkAll(plannedWords);
+        if (arguments.command == Command::Plan)
             arguments.plannedChange = parsePlannedChange(plannedWords, Secrets(arguments.secrets));
-        }
         if (arguments.command != Command::Diff)
             return;
         forbidSources("diff");
