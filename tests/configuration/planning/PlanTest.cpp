@@ -275,13 +275,16 @@ TEST_F(Planning, ReadsUnderTheMutexAndReleasesItWhenASourceThrows) {
     const auto source = std::make_shared<test::ScriptedSource>(
         journal, "site", std::map<std::string, OptionValue>{{"x", 1}});
     configuration->addSource("site", "", -1, false, source).get();
-    test::MutexProbe probe(*configuration);
     bool wasHeld = false;
-    source->onHas = [&](const std::string& key) {
-        if (key == "x") // the probe looks up another one
-            wasHeld = wasHeld || probe.isHeld();
-    };
-    configuration->plan(SetOption{"x", 2});
+    {
+        test::MutexProbe probe(*configuration); // its lookup ends with this block
+        source->onHas = [&](const std::string& key) {
+            if (key == "x") // the probe looks up another one
+                wasHeld = wasHeld || probe.isHeld();
+        };
+        configuration->plan(SetOption{"x", 2});
+        source->onHas = nullptr;
+    }
     EXPECT_TRUE(wasHeld);
     source->onKeys = [](const std::string&) { throw std::logic_error("keys"); };
     expectFailure<std::logic_error>("keys", RemoveSource{"site"});
