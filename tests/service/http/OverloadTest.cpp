@@ -201,7 +201,7 @@ TEST(Overload, LargeEventsDoNotDelayOthersNorPileUp) {
         EXPECT_LT(processorTimeOf(process) - begin, 1 * slowdown);
     }
     if (!isSanitized) {
-        EXPECT_LT(memoryOf(process) - before, 32 * 1000 * 1000);
+        EXPECT_LT(memoryOf(process) - before, 100 * 1000 * 1000); // copies would be 1.5 GB
     }
     const Clock::time_point begin = Clock::now();
     EXPECT_EQ(0, server.stop().status);
