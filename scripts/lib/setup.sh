@@ -27,6 +27,7 @@ base_packages=(
     libgmock-dev
     libgrpc++-dev
     libgtest-dev
+    libjson-validator-perl
     libpoco-dev
     libprotobuf-dev
     libssl-dev
@@ -36,7 +37,6 @@ base_packages=(
     mmdebstrap
     ninja-build
     nlohmann-json3-dev
-    openapi-specification
     openjdk-17-jdk-headless
     openssl
     pkg-config
