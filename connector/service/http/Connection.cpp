@@ -10,7 +10,8 @@ namespace connector::service {
 
 namespace {
 
-constexpr std::size_t maxPiece = 256 * 1024; // bytes of one write, so that each makes progress
+constexpr std::size_t maxPiece = 64 * 1024;      // bytes of one write
+constexpr std::size_t maxSizeAtOnce = 16 * 1024; // bytes that are written without a wait for a turn
 constexpr char goOn[] = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr char lastEvent[] = "event: end\ndata: {}\n\n";
 constexpr char comment[] = ":\n\n";
@@ -248,6 +249,12 @@ void Connection::send(Outgoing bytes) {
 }
 
 void Connection::write() {
+    if (output.size() - output.sent <= maxSizeAtOnce)
+        return writePiece();
+    context.turns.add([self = shared_from_this()] { self->guarded([&] { self->writePiece(); }); });
+}
+
+void Connection::writePiece() {
     const std::string_view body = output.body == nullptr ? std::string_view() : *output.body;
     const std::size_t inBody = output.sent - std::min(output.sent, output.head.size());
     transport.asyncWrite(
@@ -263,9 +270,7 @@ void Connection::written(const Transport::Error& error, std::size_t count) {
     output.sent += count;
     if (state != State::Reading)
         deadline = Clock::now() + context.limits.stall;
-    const std::size_t size =
-        output.head.size() + (output.body == nullptr ? 0 : output.body->size());
-    if (output.sent < size)
+    if (output.sent < output.size())
         return write();
     isWriting = false;
     output.head.clear();

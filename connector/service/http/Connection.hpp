@@ -63,6 +63,8 @@ private:
         std::shared_ptr<const std::string> body; ///< may be null
         std::size_t sent = 0;
         Then then = Then::Linger;
+
+        std::size_t size() const { return head.size() + (body == nullptr ? 0 : body->size()); }
     };
 
     template <typename Step>
@@ -83,6 +85,7 @@ private:
     void endStream();
     void send(Outgoing bytes);
     void write();
+    void writePiece();
     void written(const Transport::Error& error, std::size_t count);
     void sendingDone();
     void nextRequest();

@@ -50,8 +50,9 @@ private:
 HttpServer::HttpServer(const HttpOptions& newOptions, const Router& router,
                        const RequestGuard& guard, configuration::ConfigurationImpl& configuration,
                        const Secrets& secrets, Metrics& metrics)
-    : options(newOptions), workers(io), events(io, configuration, secrets, workers),
-      shared(workers), context{options.limits, router, guard, workers, events, shared, metrics},
+    : options(newOptions), workers(io), turns(io), events(io, configuration, secrets, workers),
+      shared(workers), context{options.limits, router, guard,  workers,
+                               turns,          events, shared, metrics},
       places(options.limits.connections), timer(io) {
     if (options.tls)
         tls = makeServerContext(*options.tls);
@@ -72,6 +73,7 @@ HttpServer::~HttpServer() {
         listener.close();
     for (const auto& connection : connections)
         connection->close();
+    turns.close();
     connections.clear();
     events.close();
     timer.cancel();
@@ -123,6 +125,7 @@ void HttpServer::runWaitingHandlers() noexcept {
 /// First what needs no memory and releases some.
 void HttpServer::resume() {
     workers.resume();
+    turns.start();
     events.start();
     if (!context.isStopping) {
         for (Listener& listener : listeners)
@@ -211,6 +214,7 @@ void HttpServer::beginStop() {
 void HttpServer::endIfDone() {
     if (!context.isStopping || !connections.empty())
         return;
+    turns.close();
     events.close();
     io.stop();
 }

@@ -13,6 +13,7 @@
 #include <connector/service/network/Listener.hpp>
 #include <connector/service/network/Places.hpp>
 #include <connector/service/network/Workers.hpp>
+#include <connector/service/network/WriteTurns.hpp>
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
@@ -69,6 +70,7 @@ private:
     const boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard{
         io.get_executor()};
     Workers workers;
+    WriteTurns turns;
     EventHub events;
     SharedResponses shared;
     ServerContext context;

@@ -7,6 +7,7 @@
 #include <connector/service/http/SharedResponses.hpp>
 #include <connector/service/metrics/Metrics.hpp>
 #include <connector/service/network/Workers.hpp>
+#include <connector/service/network/WriteTurns.hpp>
 #include <connector/service/protocol/Router.hpp>
 
 namespace connector::service {
@@ -16,6 +17,7 @@ struct ServerContext {
     const Router& router;
     const RequestGuard& guard;
     Workers& workers;
+    WriteTurns& turns;
     EventHub& events;
     SharedResponses& shared;
     Metrics& metrics;

@@ -29,6 +29,9 @@ constexpr bool isSanitized = false;
 #endif
 constexpr int slowdown = isSanitized ? 10 : 1;
 
+/// Seconds. A server that waits for its clients takes longer: none of them reads in a minute.
+constexpr int withoutWaiting = 30;
+
 const std::string anyAddress = "127.0.0.1:0";
 
 /// The test needs a descriptor for each client.
@@ -88,7 +91,7 @@ TEST(Overload, WithoutDescriptorsClientsAreDisconnectedAtOnce) {
             const int status = get(server.port(), "/options/k").status;
             EXPECT_TRUE(status == 200 || status == 503 || status == 0) << status;
         }
-        EXPECT_LT(secondsSince(begin), 5);
+        EXPECT_LT(secondsSince(begin), withoutWaiting);
     }
     while (!isServed(server.port())) { // until the server has noticed that the watchers left
     }
@@ -155,7 +158,7 @@ TEST(Overload, WorkForClientsThatHaveLeftStops) {
     EXPECT_LT(processorTimeOf(server.process().processId()) - before, 1 * slowdown);
     const Clock::time_point begin = Clock::now();
     EXPECT_EQ(0, server.stop().status);
-    EXPECT_LT(secondsSince(begin), 5 * slowdown);
+    EXPECT_LT(secondsSince(begin), withoutWaiting);
 }
 
 TEST(Overload, AThousandReadersOfOneTextDoNotDelayTheEnd) {
@@ -177,7 +180,7 @@ TEST(Overload, AThousandReadersOfOneTextDoNotDelayTheEnd) {
     clients.clear();
     const Clock::time_point begin = Clock::now();
     EXPECT_EQ(0, server.stop().status);
-    EXPECT_LT(secondsSince(begin), 5);
+    EXPECT_LT(secondsSince(begin), withoutWaiting);
 }
 
 TEST(Overload, LargeEventsDoNotDelayOthersNorPileUp) {
@@ -198,14 +201,14 @@ TEST(Overload, LargeEventsDoNotDelayOthersNorPileUp) {
         const double begin = processorTimeOf(process);
         ASSERT_EQ(200, put(server.port(), "small", std::to_string(round)).status);
         EXPECT_NE("", other.readLineStartingWith("data: "));
-        EXPECT_LT(processorTimeOf(process) - begin, 1 * slowdown);
+        EXPECT_LT(processorTimeOf(process) - begin, 0.2 * slowdown);
     }
     if (!isSanitized) {
         EXPECT_LT(memoryOf(process) - before, 100 * 1000 * 1000); // copies would be 1.5 GB
     }
     const Clock::time_point begin = Clock::now();
     EXPECT_EQ(0, server.stop().status);
-    EXPECT_LT(secondsSince(begin), 7);
+    EXPECT_LT(secondsSince(begin), withoutWaiting);
 }
 
 } // namespace
