@@ -11,7 +11,7 @@ namespace connector::service {
 namespace {
 
 /// How long a task may delay others.
-constexpr std::chrono::milliseconds patience{1};
+constexpr std::chrono::milliseconds maxDelay{1};
 
 /// So many results are fetched while the worker goes on: both threads have something to do then.
 constexpr std::size_t largestBatch = 32;
@@ -59,7 +59,7 @@ void Workers::handOver() {
 void Workers::scheduleCheck() {
     if (isCheckScheduled)
         return;
-    timer.expires_after(patience);
+    timer.expires_after(maxDelay);
     timer.async_wait([this](const boost::system::error_code& error) {
         isCheckScheduled = false;
         if (!error)
@@ -104,7 +104,7 @@ void Workers::wakeWorker() noexcept {
 /// @return whether a worker takes the next task soon, as far as it can be known. Called with the
 ///         mutex.
 bool Workers::isWorkerComing() const noexcept {
-    const Clock::time_point recently = Clock::now() - patience;
+    const Clock::time_point recently = Clock::now() - maxDelay;
     return (woken > 0 && wakeTime > recently) ||
            std::any_of(begins.begin(), begins.end(),
                        [&](Clock::time_point begin) { return begin > recently; });

@@ -20,7 +20,7 @@ namespace connector::service {
 
 /// Waking a thread costs more than most tasks. So the network thread hands over all tasks that it
 /// has found in one turn, and wakes one worker for them. The worker wakes the network thread when
-/// it has done the last one. A task that takes longer than `patience` delays the others no longer
+/// it has done the last one. A task that takes longer than `maxDelay` delays the others no longer
 /// than that: then another worker goes on with them, and the network thread fetches the results.
 class Workers {
 public:
