@@ -143,9 +143,13 @@ if(TARGET connector-config)
     install(TARGETS connector-config RUNTIME COMPONENT program)
     set(network_directory "${CMAKE_INSTALL_LIBEXECDIR}/connector-config")
     file(RELATIVE_PATH network_to_lib "/${network_directory}" "/${CMAKE_INSTALL_LIBDIR}")
-    set_target_properties(connector-config-network PROPERTIES
+    set(connector_network_programs connector-config-network)
+    if(TARGET connector-config-etcd)
+        list(APPEND connector_network_programs connector-config-etcd)
+    endif()
+    set_target_properties(${connector_network_programs} PROPERTIES
         INSTALL_RPATH "$ORIGIN/${network_to_lib}")
-    install(TARGETS connector-config-network
+    install(TARGETS ${connector_network_programs}
         RUNTIME DESTINATION "${network_directory}" COMPONENT program)
     # connector_install_document(FILE DIRECTORY)
     function(connector_install_document file directory)

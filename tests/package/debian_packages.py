@@ -103,7 +103,9 @@ def check_library(name, file):
 def check_program(packages):
     paths = files_of(packages[PROGRAM])
     for path in ("/usr/bin/connector-config",
-                 "/usr/libexec/connector-config/connector-config-network", "/usr/share/man/man1/connector-config.1.gz",
+                 "/usr/libexec/connector-config/connector-config-network",
+                 "/usr/libexec/connector-config/connector-config-etcd",
+                 "/usr/share/man/man1/connector-config.1.gz",
                  "/usr/share/bash-completion/completions/connector-config",
                  "/usr/share/zsh/vendor-completions/_connector-config",
                  "/usr/share/fish/vendor_completions.d/connector-config.fish",

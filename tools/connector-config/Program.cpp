@@ -49,14 +49,10 @@ ExitStatus statusOf(CheckResult result) {
 }
 
 bool needsNetwork(const Arguments& arguments) {
-    const auto isEtcd = [](const SourceArgument& source) {
-        return std::holds_alternative<EtcdArgument>(source);
-    };
     const auto isService = [](const DiffSide& side) {
         return std::holds_alternative<connector::service::HttpClientOptions>(side);
     };
-    return arguments.service || arguments.http ||
-           std::any_of(arguments.sources.begin(), arguments.sources.end(), isEtcd) ||
+    return arguments.service || arguments.http || needsEtcd(arguments) ||
            std::any_of(arguments.sides.begin(), arguments.sides.end(), isService);
 }
 
@@ -78,6 +74,12 @@ ExitStatus run(const Arguments& arguments, const RunOnNetwork& runOnNetwork) {
 }
 
 } // namespace
+
+bool needsEtcd(const Arguments& arguments) {
+    return std::any_of(
+        arguments.sources.begin(), arguments.sources.end(),
+        [](const SourceArgument& source) { return std::holds_alternative<EtcdArgument>(source); });
+}
 
 void serveWithoutNetwork(const std::shared_ptr<ConfigurationImpl>& configuration,
                          const Arguments& arguments, const NamedFiles& files) {

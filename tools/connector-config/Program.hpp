@@ -1,8 +1,9 @@
 /// What the program does with its arguments.
 ///
-/// There are two programs with the same sources and commands: connector-config, and
-/// connector-config-network, which can also use the network. Loading the libraries for that takes
-/// longer than most commands run, so connector-config starts the other program when it must.
+/// There are three programs with the same sources and commands: connector-config;
+/// connector-config-network, which can also ask a service, or be one; and connector-config-etcd,
+/// which can also use etcd. Loading the libraries for that takes longer than most commands run, so
+/// connector-config starts another program only when it must.
 #pragma once
 
 #include "ExitStatus.hpp"
@@ -29,6 +30,9 @@ using RunOnNetwork = std::function<ExitStatus(const Arguments&)>;
 using Serve =
     std::function<void(const std::shared_ptr<connector::configuration::ConfigurationImpl>&,
                        const Arguments&, const NamedFiles& files)>;
+
+/// @return whether the command reads or writes options in etcd
+bool needsEtcd(const Arguments& arguments);
 
 /// Runs the program. Failures are printed.
 /// @param argv  as main gets it

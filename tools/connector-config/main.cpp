@@ -13,11 +13,11 @@ namespace connector_config {
 
 namespace {
 
-/// Replaces this process by the program that can use the network.
-[[noreturn]] void startNetworkProgram(char* const argv[]) {
+/// Replaces this process by a program that can use the network.
+[[noreturn]] void startNetworkProgram(const char* name, char* const argv[]) {
     const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe");
     const std::filesystem::path program =
-        (self.parent_path() / CONNECTOR_CONFIG_NETWORK).lexically_normal();
+        (self.parent_path() / NETWORK_PROGRAMS_FROM_BIN / name).lexically_normal();
     ::execv(program.c_str(), argv);
     throw std::runtime_error("Cannot run " + program.string() + ": " +
                              std::generic_category().message(errno));
@@ -28,8 +28,9 @@ namespace {
 } // namespace connector_config
 
 int main(int argc, char* argv[]) {
-    return connector_config::runProgram(
-        argc, argv, [argv](const connector_config::Arguments&) -> connector_config::ExitStatus {
-            connector_config::startNetworkProgram(argv);
-        });
+    using namespace connector_config;
+    return runProgram(argc, argv, [argv](const Arguments& arguments) -> ExitStatus {
+        startNetworkProgram(
+            needsEtcd(arguments) ? "connector-config-etcd" : "connector-config-network", argv);
+    });
 }

@@ -1,5 +1,5 @@
-/// What stands for this room in a program without connector::etcd. The arguments are refused before
-/// any of it is called.
+/// What stands for this room in connector-config-network. connector-config starts another program
+/// for what calls it.
 #include "fleet/EtcdSources.hpp"
 #include "fleet/Fleet.hpp"
 #include "values/WrongArguments.hpp"
@@ -7,11 +7,11 @@
 namespace connector_config {
 
 void addEtcd(connector::configuration::ConfigurationImpl&, const EtcdArgument&, bool) {
-    throw WrongArguments("This program was built without etcd");
+    throw WrongArguments("connector-config-network has no etcd");
 }
 
 ExitStatus runFleet(const Arguments&) {
-    throw WrongArguments("This program was built without etcd");
+    throw WrongArguments("connector-config-network has no etcd");
 }
 
 } // namespace connector_config

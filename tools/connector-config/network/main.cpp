@@ -1,5 +1,6 @@
-/// connector-config-network: the commands of connector-config that use the network. It is started
-/// by connector-config, not by users.
+/// connector-config-network and connector-config-etcd: the commands of connector-config that use
+/// the network. They are started by connector-config, not by users, and differ in whether the room
+/// fleet is linked.
 #include "Program.hpp"
 #include "commands/Sources.hpp"
 #include "fleet/EtcdSources.hpp"
