@@ -277,14 +277,14 @@ TEST_F(Planning, ReadsUnderTheMutexAndReleasesItWhenASourceThrows) {
     configuration->addSource("site", "", -1, false, source).get();
     bool wasHeld = false;
     {
-        test::MutexProbe probe(*configuration); // its lookup ends with this block
+        test::MutexProbe probe(*configuration); // its lookup, which may come late, ends with this block
         source->onHas = [&](const std::string& key) {
             if (key == "x") // the probe looks up another one
                 wasHeld = wasHeld || probe.isHeld();
         };
         configuration->plan(SetOption{"x", 2});
-        source->onHas = nullptr;
     }
+    source->onHas = nullptr; // now that the lookup of the probe no longer reads it
     EXPECT_TRUE(wasHeld);
     source->onKeys = [](const std::string&) { throw std::logic_error("keys"); };
     expectFailure<std::logic_error>("keys", RemoveSource{"site"});
