@@ -277,7 +277,7 @@ TEST_F(Planning, ReadsUnderTheMutexAndReleasesItWhenASourceThrows) {
     configuration->addSource("site", "", -1, false, source).get();
     bool wasHeld = false;
     {
-        test::MutexProbe probe(*configuration); // its lookup, which may come late, ends with this block
+        test::MutexProbe probe(*configuration); // its lookup ends with this block
         source->onHas = [&](const std::string& key) {
             if (key == "x") // the probe looks up another one
                 wasHeld = wasHeld || probe.isHeld();
