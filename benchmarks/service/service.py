@@ -168,11 +168,21 @@ class Report:
               flush=True)
 
 
-def put(server, value):
-    request = urllib.request.Request(server.url(), json.dumps(value).encode(), method="PUT",
+def put(server, value, key="net.port"):
+    request = urllib.request.Request(server.url(f"/options/{key}"), json.dumps(value).encode(), method="PUT",
                                      headers={"Content-Type": "application/json"})
     with urllib.request.urlopen(request) as response:
         response.read()
+
+
+def longest_wait(server, action):
+    """How long another client waits at most while an action runs, in ms."""
+    program = os.path.join(os.path.dirname(__file__), "longest_wait.py")
+    with subprocess.Popen([sys.executable, program, server.url("/options/net.other")],
+                          stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True) as other:
+        other.stdout.readline()
+        action()
+        return float(other.communicate()[0])
 
 
 def keep_alive(report, ours, fixed, rounds, seconds):
@@ -198,19 +208,39 @@ def connection_each(report, ours, fixed, rounds, count):
     report.add("its processor time a request", f"{cost:.0f} us", "at most 150 us", cost <= 150)
 
 
+def watch(server, key):
+    return f"GET /watch?key={key} HTTP/1.1\r\nHost: 127.0.0.1:{server.port}\r\n\r\n".encode()
+
+
 def idle_streams(report, ours, count):
-    watch = f"GET /watch?key=net.port HTTP/1.1\r\nHost: 127.0.0.1:{ours.port}\r\n\r\n".encode()
-    with Clients(ours.port, 100, watch) as few:  # what the first stream needs once
+    request = watch(ours, "net.port")
+    with Clients(ours.port, 100, request) as few:  # what the first stream needs once
         few.await_text(b"data: ")
     before = ours.memory()
-    with Clients(ours.port, count, watch) as clients:
+    with Clients(ours.port, count, request) as clients:
         clients.await_text(b"data: ")
         each = (ours.memory() - before) / count
         report.add(f"{count} idle event streams, memory of each", f"{each:.0f} bytes",
                    "at most 4096 bytes", each <= 4096)
-        put(ours, 7777)
-        last = clients.await_text(b"7777") * 1000
+
+        def change(value):
+            put(ours, value)
+            return clients.await_text(str(value).encode()) * 1000
+
+        last = change(7777)
+        longest = longest_wait(ours, lambda: change(8888))
     report.add("a change reaches all of them", f"{last:.0f} ms", "at most 500 ms", last <= 500)
+    report.add("another client meanwhile", f"at most {longest:.0f} ms", "at most 100 ms",
+               longest <= 100)
+
+
+def large_events(report, ours, count):
+    """Clients that watch and do not read beyond the first value."""
+    with Clients(ours.port, count, watch(ours, "net.large")) as clients:
+        clients.await_text(b"data: ")
+        longest = longest_wait(ours, lambda: put(ours, "x" * 1000000, "net.large"))
+    report.add(f"another client, while {count} get 1 MB each", f"at most {longest:.0f} ms",
+               "at most 100 ms", longest <= 100)
 
 
 def slow_heads(report, ours, count, rounds, seconds):
@@ -247,7 +277,8 @@ def main():
     rounds, scale = (1, 0.05) if arguments.quick else (7, 1)
 
     report = Report()
-    ours = Server(arguments.program, "--set", "net.port=8080", "serve", "--http", "127.0.0.1:0",
+    ours = Server(arguments.program, "--set", "net.port=8080", "--set", "net.other=1", "--set",
+                  "net.large=", "serve", "--http", "127.0.0.1:0",
                   "--writable", "net.")
     with ours:
         with urllib.request.urlopen(ours.url()) as response:
@@ -259,6 +290,7 @@ def main():
         slow_heads(report, ours, int(2000 * scale), min(rounds, 3), seconds)
         idle_streams(report, ours, int(9999 * scale))  # and one that changes the option
         growth(report, ours, int(100000 * scale))
+        large_events(report, ours, int(1500 * scale))
     if arguments.json:
         with open(arguments.json, "w", encoding="utf-8") as file:
             json.dump(report.rows, file, indent=2)

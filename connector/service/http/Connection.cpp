@@ -10,8 +10,9 @@ namespace connector::service {
 
 namespace {
 
-constexpr std::size_t maxPiece = 64 * 1024;      // bytes of one write
-constexpr std::size_t maxSizeAtOnce = 16 * 1024; // bytes that are written without a wait for a turn
+constexpr std::size_t maxPiece = 64 * 1024; // bytes of one write
+constexpr std::size_t maxSizeAtOnce =
+    16 * 1024; // bytes of a response that does not wait for a turn
 constexpr char goOn[] = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr char lastEvent[] = "event: end\ndata: {}\n\n";
 constexpr char comment[] = ":\n\n";
@@ -248,8 +249,9 @@ void Connection::send(Outgoing bytes) {
     write();
 }
 
+/// Many clients get the same event, so each waits for its turn. Short responses do not.
 void Connection::write() {
-    if (output.size() - output.sent <= maxSizeAtOnce)
+    if (state != State::Streaming && output.size() - output.sent <= maxSizeAtOnce)
         return writePiece();
     context.turns.add([self = shared_from_this()] { self->guarded([&] { self->writePiece(); }); });
 }

@@ -1,4 +1,4 @@
-/// Lets connections with much to send take turns.
+/// Lets connections take turns in writing.
 #pragma once
 
 #include <connector/service/network/Signal.hpp>
@@ -13,8 +13,8 @@
 
 namespace connector::service {
 
-/// The network thread does a few of the long writes, then looks for other work, and so on: nobody
-/// waits until a large value is on its way to all who watch it. Used by the network thread.
+/// The network thread does a few writes, then looks for other work, and so on: nobody waits until a
+/// change is on its way to all who watch the option. Used by the network thread.
 class WriteTurns {
 public:
     using Write = std::function<void()>;
