@@ -21,6 +21,7 @@ using Clock = detail::Connection::Clock;
 
 constexpr int mostLists = 3; // in a row, when the revision of a list is compacted meanwhile
 constexpr std::chrono::milliseconds longestPause{250};
+constexpr std::chrono::seconds leastTime{1}; // of an attempt whose timeout tells something
 
 /// @return how many keys the operations of a transaction have erased
 std::size_t erasedBy(const etcdserverpb::TxnResponse& answer) {
@@ -82,13 +83,14 @@ private:
 
     const detail::Settings settings;
     std::unique_ptr<detail::Connection> connection;
-    std::string failure; // of the last attempt to connect
+    std::string failure; // of the last attempt to connect that had enough time
 };
 
 /// Opens a connection that answers, unless there is one.
 void EtcdClient::Impl::connect(Clock::time_point deadline) {
     if (connection && connection->greet(deadline).ok())
         return;
+    failure.clear();
     auto pause = settings.options.timing.firstPause;
     while (!tryEndpoints(deadline)) {
         const auto next = Clock::now() + pause;
@@ -101,11 +103,14 @@ void EtcdClient::Impl::connect(Clock::time_point deadline) {
 
 bool EtcdClient::Impl::tryEndpoints(Clock::time_point deadline) {
     for (const detail::Endpoint& endpoint : settings.endpoints) {
+        const bool hasTime = Clock::now() + leastTime < deadline;
         connection = std::make_unique<detail::Connection>(settings.options, endpoint);
         const grpc::Status status = connection->greet(deadline);
         if (status.ok())
             return true;
-        failure = connection->describe(status);
+        const bool isTimeout = status.error_code() == grpc::StatusCode::DEADLINE_EXCEEDED;
+        if (hasTime || !isTimeout || failure.empty())
+            failure = connection->describe(status);
         if (detail::isRefusal(status)) // another attempt would be refused, too
             throw std::runtime_error(failure);
     }
