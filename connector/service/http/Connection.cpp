@@ -20,6 +20,13 @@ constexpr char comment[] = ":\n\n";
 constexpr std::string_view noMemory =
     "HTTP/1.1 503 Service Unavailable\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
 
+/// Some clients send an empty line behind a body. A request does not begin with it: the client is
+/// idle.
+/// @return whether the input may be skipped when more arrives
+bool isSkipped(std::string_view input) {
+    return input.empty() || isBeginningOfEmptyLine(input) || input == "\r\n";
+}
+
 /// @return the bytes of a text from a position on, a piece at most
 boost::asio::const_buffer pieceOf(std::string_view text, std::size_t position) {
     if (position >= text.size())
@@ -99,7 +106,7 @@ void Connection::received(const Transport::Error& error, std::string_view bytes)
 /// Does what the bytes that have arrived allow.
 void Connection::process() {
     if (state != State::Reading) {
-        if (input.empty())
+        if (isSkipped(input))
             return read();
         beginRequest();
     }
