@@ -209,12 +209,21 @@ bool ClientConnection::readSome(ClientParser& parser, Duration timeout) {
     if (parser.is_done())
         return false;
     startTimer(timeout);
+    receive(parser);
+    return !parser.is_done();
+}
+
+void ClientConnection::readRest(ClientParser& parser, std::size_t limit) {
+    while (!parser.is_done() && parser.get().body().size() <= limit)
+        receive(parser);
+}
+
+void ClientConnection::receive(ClientParser& parser) {
     const Error error = run([&](auto handler) {
         withStream([&](auto& stream) { http::async_read_some(stream, buffer, parser, handler); });
     });
     if (error)
         failToRead(error);
-    return !parser.is_done();
 }
 
 void ClientConnection::failToConnect(const std::string& reason) {
