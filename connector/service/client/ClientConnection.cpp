@@ -21,6 +21,7 @@ namespace {
 
 constexpr std::size_t maxBody = 256 * 1024 * 1024;
 constexpr std::uint32_t maxHead = 64 * 1024;
+constexpr std::size_t maxBuffer = 2 * maxHead; // also for trailers, and for the line of a chunk
 
 /// Such a response is followed by another one (RFC 9110, 15.2). 101 is not: nobody asked for it.
 bool isInterim(unsigned status) {
@@ -36,7 +37,8 @@ bool isClosing(const boost::system::error_code& error) {
 } // namespace
 
 ClientConnection::ClientConnection(const ClientTarget& newTarget, Waiter& newWaiter)
-    : target(newTarget), waiter(newWaiter), resolver(waiter.context()), socket(waiter.context()) {
+    : target(newTarget), waiter(newWaiter), resolver(waiter.context()), socket(waiter.context()),
+      buffer(maxBuffer) {
 }
 
 ClientConnection::~ClientConnection() = default;
