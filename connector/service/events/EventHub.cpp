@@ -8,6 +8,7 @@
 #include <new>
 #include <random>
 #include <set>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -78,10 +79,18 @@ private:
     void readBelow(const std::string& prefix) {
         try {
             for (const Option& option : hub.configuration.optionsBelow(prefix))
-                answers.push_back({option.key, textOf(option)});
+                add(option);
         } catch (const std::bad_alloc&) {
             throw;
         } catch (...) {
+        }
+    }
+
+    /// A value of the application's may be no valid text. It must not hide the others.
+    void add(const Option& option) {
+        try {
+            answers.push_back({option.key, textOf(option)});
+        } catch (const std::runtime_error&) {
         }
     }
 
