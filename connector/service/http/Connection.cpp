@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::size_t maxPiece = 64 * 1024;      // bytes of one write
 constexpr std::size_t maxSizeAtOnce = 16 * 1024; // bytes that are written without a wait for a turn
+constexpr std::size_t keptInput = 4 * 1024;      // bytes of the buffer of an idle client
 constexpr char goOn[] = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr char lastEvent[] = "event: end\ndata: {}\n\n";
 constexpr char comment[] = ":\n\n";
@@ -307,6 +308,8 @@ void Connection::nextRequest() {
     state = State::Idle;
     deadline = Clock::now() + context.limits.idle;
     parser.reset();
+    if (input.empty() && input.capacity() > keptInput)
+        std::string().swap(input); // of a long request
     process();
 }
 
