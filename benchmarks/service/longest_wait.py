@@ -1,5 +1,5 @@
-"""Asks a service for a URL again and again, until standard input ends. Prints a line after the first
-answer, and at the end the longest time that an answer took, in milliseconds.
+"""Asks a service for a URL again and again, until standard input ends. Prints a line after the
+first answer, and at the end the longest time that an answer took, in milliseconds.
 
 A process of its own: threads of the measuring one would wait for each other.
 """

@@ -169,8 +169,8 @@ class Report:
 
 
 def put(server, value, key="net.port"):
-    request = urllib.request.Request(server.url(f"/options/{key}"), json.dumps(value).encode(), method="PUT",
-                                     headers={"Content-Type": "application/json"})
+    request = urllib.request.Request(server.url(f"/options/{key}"), json.dumps(value).encode(),
+                                     method="PUT", headers={"Content-Type": "application/json"})
     with urllib.request.urlopen(request) as response:
         response.read()
 

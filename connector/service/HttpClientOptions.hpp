@@ -22,8 +22,8 @@ struct HttpClientOptions {
     Duration connect = std::chrono::seconds(10); ///< to connect, beside the lookup of the name
     Duration request = std::chrono::seconds(60); ///< for a request and its whole response
     Duration silence = std::chrono::seconds(60); ///< after which a watched service counts as lost
-    Duration minRetry = std::chrono::milliseconds(100); ///< before the first attempt to reconnect
-    Duration maxRetry = std::chrono::seconds(10);       ///< between two later ones; waits double
+    Duration minRetry = std::chrono::milliseconds(100); ///< before it connects again, at least
+    Duration maxRetry = std::chrono::seconds(10);       ///< the same, at most; waits grow at random
 };
 
 /// What HttpClient::watch follows: the union of both.

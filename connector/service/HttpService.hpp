@@ -29,7 +29,8 @@ public:
     HttpService(const std::shared_ptr<configuration::ConfigurationImpl>& configuration,
                 const HttpOptions& options);
 
-    /// Stops, without waiting for requests in progress.
+    /// Stops, without waiting for requests in progress, except for those that are calling the
+    /// configuration: such a call cannot be interrupted.
     ~HttpService();
 
     HttpService(const HttpService&) = delete;
@@ -40,7 +41,8 @@ public:
     void start();
 
     /// Accepts nobody any more, ends all event streams with an event, and waits for the requests in
-    /// progress, at most for HttpLimits::shutdown. Does nothing the second time.
+    /// progress, at most for HttpLimits::shutdown. A call of the configuration that takes longer is
+    /// waited for nevertheless. Does nothing the second time.
     void stop();
 
     /// @return where clients reach the service, in the order of the options: "http://HOST:PORT",

@@ -21,6 +21,7 @@ namespace {
 
 constexpr std::size_t maxBody = 256 * 1024 * 1024;
 constexpr std::uint32_t maxHead = 64 * 1024;
+constexpr std::size_t maxBuffer = 2 * maxHead; // also for trailers, and for the line of a chunk
 
 /// Such a response is followed by another one (RFC 9110, 15.2). 101 is not: nobody asked for it.
 bool isInterim(unsigned status) {
@@ -36,7 +37,8 @@ bool isClosing(const boost::system::error_code& error) {
 } // namespace
 
 ClientConnection::ClientConnection(const ClientTarget& newTarget, Waiter& newWaiter)
-    : target(newTarget), waiter(newWaiter), resolver(waiter.context()), socket(waiter.context()) {
+    : target(newTarget), waiter(newWaiter), resolver(waiter.context()), socket(waiter.context()),
+      buffer(maxBuffer) {
 }
 
 ClientConnection::~ClientConnection() = default;
@@ -209,12 +211,21 @@ bool ClientConnection::readSome(ClientParser& parser, Duration timeout) {
     if (parser.is_done())
         return false;
     startTimer(timeout);
+    receive(parser);
+    return !parser.is_done();
+}
+
+void ClientConnection::readRest(ClientParser& parser, std::size_t limit) {
+    while (!parser.is_done() && parser.get().body().size() <= limit)
+        receive(parser);
+}
+
+void ClientConnection::receive(ClientParser& parser) {
     const Error error = run([&](auto handler) {
         withStream([&](auto& stream) { http::async_read_some(stream, buffer, parser, handler); });
     });
     if (error)
         failToRead(error);
-    return !parser.is_done();
 }
 
 void ClientConnection::failToConnect(const std::string& reason) {

@@ -73,6 +73,11 @@ public:
     /// @return whether anything may follow
     bool readSome(ClientParser& parser, HttpClientOptions::Duration timeout);
 
+    /// Reads the rest of the body, in the time that `start` has left. Reads no further once the
+    /// body is longer than a limit.
+    /// @param limit  in bytes
+    void readRest(ClientParser& parser, std::size_t limit);
+
 private:
     using Socket = boost::asio::generic::stream_protocol::socket;
     using Endpoint = boost::asio::generic::stream_protocol::endpoint;
@@ -91,6 +96,7 @@ private:
     template <typename Function>
     void withStream(Function function);
 
+    void receive(ClientParser& parser);
     std::vector<Endpoint> endpoints();
     Error connectTo(const Endpoint& endpoint);
     void handshake();

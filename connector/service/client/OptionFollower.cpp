@@ -16,6 +16,8 @@ using configuration::Option;
 
 namespace {
 
+constexpr std::size_t maxProblem = 1024 * 1024; // a longer text is no problem document
+
 /// @return whether the service has said that it will not be watched
 bool isRefusal(const ServiceError& error) {
     const unsigned status = error.status();
@@ -86,8 +88,7 @@ void OptionFollower::open(const WatchedOptions& watched) {
     connection.start(requests.watch(watched, lastEventId), parser, noLimit);
     const ClientResponse& response = parser->get();
     if (response.result() != http::status::ok) {
-        while (connection.readSome(*parser, options.request)) {
-        }
+        connection.readRest(*parser, maxProblem);
         throw readProblem(response.body(), response.result_int(),
                           statusLineOf(target.url, response));
     }

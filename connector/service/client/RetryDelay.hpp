@@ -17,8 +17,10 @@ public:
 
     /// @return between the minimum and three times the result before, at most the maximum
     Duration next() {
-        std::uniform_int_distribution<Duration::rep> range(minimum.count(), 3 * previous.count());
-        previous = std::min(Duration(range(random)), maximum);
+        const Duration highest = previous < maximum / 3 ? 3 * previous : maximum;
+        const Duration lowest = std::min(minimum, highest);
+        std::uniform_int_distribution<Duration::rep> range(lowest.count(), highest.count());
+        previous = Duration(range(random));
         return previous;
     }
 

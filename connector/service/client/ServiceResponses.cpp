@@ -9,6 +9,10 @@
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Object.h>
 
+#include <boost/variant/apply_visitor.hpp>
+#include <boost/variant/static_visitor.hpp>
+
+#include <limits>
 #include <stdexcept>
 
 namespace connector::service {
@@ -43,10 +47,41 @@ Type member(const Object& object, const char* name) {
     return value.extract<Type>();
 }
 
+/// JSON has neither infinite numbers nor NaN, so a service sends their text.
+std::optional<double> nonFinite(const Var& payload) {
+    using Limits = std::numeric_limits<double>;
+    const std::string text = payload.isString() ? payload.extract<std::string>() : std::string();
+    if (text == "inf" || text == "-inf")
+        return text == "inf" ? Limits::infinity() : -Limits::infinity();
+    return text == "nan" ? std::optional(Limits::quiet_NaN()) : std::nullopt;
+}
+
+/// Puts such numbers into a value that was read without them.
+class NonFiniteReader : public boost::static_visitor<void> {
+public:
+    explicit NonFiniteReader(const Var& newPayload) : payload(newPayload) {}
+
+    template <typename Other>
+    void operator()(const Other&) const {}
+    void operator()(double& number) const { number = nonFinite(payload).value_or(number); }
+    void operator()(std::vector<double>& numbers) const {
+        if (payload.type() != typeid(Array::Ptr))
+            return;
+        const Array& elements = *payload.extract<Array::Ptr>();
+        for (unsigned i = 0; i < numbers.size(); ++i)
+            numbers[i] = nonFinite(elements.get(i)).value_or(numbers[i]);
+    }
+
+private:
+    const Var& payload;
+};
+
 /// The conversion is tolerant, but a service only sends what it would convert back to the same.
 OptionValue valueIn(const Object& object) {
     const Object::Ptr json = member<Object::Ptr>(object, "value");
     OptionValue value = configuration::toOptionValue(json);
+    const Var payload = json->get("value");
+    boost::apply_visitor(NonFiniteReader(payload), value);
     const Object::Ptr back = configuration::fromOptionValue(value);
     for (const char* const name : {"type", "value"}) {
         if (jsonText(json->get(name)) != jsonText(back->get(name)))

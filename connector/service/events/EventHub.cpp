@@ -8,6 +8,7 @@
 #include <new>
 #include <random>
 #include <set>
+#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -78,10 +79,18 @@ private:
     void readBelow(const std::string& prefix) {
         try {
             for (const Option& option : hub.configuration.optionsBelow(prefix))
-                answers.push_back({option.key, textOf(option)});
+                add(option);
         } catch (const std::bad_alloc&) {
             throw;
         } catch (...) {
+        }
+    }
+
+    /// A value of the application's may be no valid text. It must not hide the others.
+    void add(const Option& option) {
+        try {
+            answers.push_back({option.key, textOf(option)});
+        } catch (const std::runtime_error&) {
         }
     }
 
@@ -131,15 +140,18 @@ std::unique_ptr<EventSession> EventHub::open(WatchedKeys watched, const std::str
     signal->raise();
     for (const std::string& key : session->watched.keys) {
         Topic& topic = topicOf(key);
-        if (join(*session, topic))
+        if (!topic.sessions.insert(session.get()).second)
+            continue; // the client has named the key before
+        ++topic.named;
+        if (startWaiting(*session, topic))
             read(topic);
     }
     if (session->watched.prefixes.empty())
         return session;
-    for (auto& [key, topic] : topics) {
-        if (session->matchesPrefix(key) && join(*session, topic))
+    forEachBelow(session->watched.prefixes, [&](Topic& topic) {
+        if (join(*session, topic))
             read(topic);
-    }
+    });
     prefixSessions.insert(session.get());
     session->wantsPrefixes = true;
     return session;
@@ -152,12 +164,13 @@ Topic& EventHub::topicOf(const std::string& key) {
     return topic;
 }
 
-/// @return whether the client waits for the value; it does unless it knows it from before
+/// @return whether the client has joined, and waits for the value
 bool EventHub::join(EventSession& session, Topic& topic) {
-    if (topic.sessions.count(&session) != 0)
-        return false;
-    session.topics.push_back(&topic);
-    topic.sessions.insert(&session);
+    return topic.sessions.insert(&session).second && startWaiting(session, topic);
+}
+
+/// @return whether the client waits for the value; it does unless it knows it from before
+bool EventHub::startWaiting(EventSession& session, Topic& topic) {
     const bool knowsIt = topic.changeId != 0 && topic.changeId <= session.seen && !topic.isStale;
     if (!knowsIt)
         topic.waiting.insert(&session);
@@ -174,10 +187,30 @@ void EventHub::leave(EventSession& session) noexcept {
     }
     if (session.beingSent != nullptr)
         --session.beingSent->sending;
-    for (Topic* const topic : session.topics) {
-        topic->sessions.erase(&session);
-        topic->waiting.erase(&session);
-        readAgainIfStale(*topic); // it may have waited for this client
+    for (const std::string& key : session.watched.keys) {
+        const auto found = topics.find(key);
+        if (found == topics.end() || found->second.sessions.count(&session) == 0)
+            continue; // the client has named the key before, or there was no memory to join it
+        --found->second.named;
+        leave(session, found->second);
+    }
+    forEachBelow(session.watched.prefixes, [&](Topic& topic) { leave(session, topic); });
+}
+
+void EventHub::leave(EventSession& session, Topic& topic) noexcept {
+    topic.sessions.erase(&session);
+    topic.waiting.erase(&session);
+    readAgainIfStale(topic); // it may have waited for this client
+    forgetIfGone(topic);
+}
+
+/// The action may forget its topic.
+template <typename Action>
+void EventHub::forEachBelow(const std::vector<std::string>& prefixes, Action action) {
+    for (const std::string& prefix : prefixes) {
+        auto topic = topics.lower_bound(prefix);
+        while (topic != topics.end() && topic->first.compare(0, prefix.size(), prefix) == 0)
+            action((topic++)->second);
     }
 }
 
@@ -185,6 +218,7 @@ void EventHub::delivered(Topic& topic) noexcept {
     --topic.sending;
     topic.wasDelivered = true;
     readAgainIfStale(topic);
+    forgetIfGone(topic);
 }
 
 void EventHub::onSignal() {
@@ -302,10 +336,12 @@ void EventHub::apply(const std::vector<Wanted>& wanted, const std::vector<Answer
             if (session->matchesPrefix(answer.key))
                 join(*session, topic);
         }
-        if (answer.text == nullptr)
+        topic.isAbsent = answer.text == nullptr;
+        if (topic.isAbsent)
             withdraw(topic);
         else
             tell(topic, answer.text, changed.count(answer.key) != 0 || topic.changeId == 0);
+        forgetIfGone(topic);
     }
 }
 
@@ -335,6 +371,14 @@ void EventHub::withdraw(Topic& topic) noexcept {
     }
     topic.owed = 0;
     topic.text.reset();
+}
+
+/// Keys may come and go for as long as a client watches their prefix. One that comes back is new:
+/// clients are not told of its removal, so they need not know that it is the same.
+void EventHub::forgetIfGone(Topic& topic) noexcept {
+    const bool isUsed = topic.named > 0 || topic.sending > 0 || topic.isWanted || topic.isStale;
+    if (topic.isAbsent && !isUsed)
+        topics.erase(topics.find(topic.key));
 }
 
 /// Forgets keys that nobody watches. A client that comes back to one is told its value again.

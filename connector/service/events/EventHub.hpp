@@ -20,10 +20,10 @@
 #include <boost/asio/io_context.hpp>
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -50,6 +50,9 @@ public:
     std::unique_ptr<EventSession> open(WatchedKeys watched, const std::string& lastEventId,
                                        EventSession::OnEvent onEvent);
 
+    /// @return how many keys it keeps in memory
+    std::size_t topicCount() const { return topics.size(); }
+
     /// @return the id of an event as clients see it
     std::string idText(std::uint64_t id) const { return instance + std::to_string(id); }
 
@@ -63,7 +66,9 @@ private:
 
     Topic& topicOf(const std::string& key);
     bool join(EventSession& session, Topic& topic);
+    static bool startWaiting(EventSession& session, Topic& topic);
     void leave(EventSession& session) noexcept;
+    void leave(EventSession& session, Topic& topic) noexcept;
     void delivered(Topic& topic) noexcept;
 
     void onSignal();
@@ -78,7 +83,10 @@ private:
     void apply(const std::vector<Wanted>& wanted, const std::vector<Answer>& answers);
     void tell(Topic& topic, const std::shared_ptr<const std::string>& text, bool isChange);
     void withdraw(Topic& topic) noexcept;
+    void forgetIfGone(Topic& topic) noexcept;
     void forgetUnused();
+    template <typename Action>
+    void forEachBelow(const std::vector<std::string>& prefixes, Action action);
     std::uint64_t seenBy(const std::string& lastEventId) const;
 
     configuration::ConfigurationImpl& configuration;
@@ -89,7 +97,7 @@ private:
     const std::shared_ptr<ChangedKeys> changedKeys = std::make_shared<ChangedKeys>(signal);
     Wake wake;
     std::uint64_t lastId = 0;
-    std::unordered_map<std::string, Topic> topics; // also without clients, for their last event
+    std::map<std::string, Topic> topics; // also without clients, for their last event
     std::unordered_set<EventSession*> prefixSessions;
     std::unordered_set<EventSession*> newSessions;      // their first values are read next
     std::unordered_set<EventSession*> startingSessions; // their first values are being read

@@ -36,6 +36,8 @@ struct Topic {
     bool wasDelivered = false;               ///< whether a client has got it
     bool isStale = false;        ///< whether the option has changed since it was read last
     bool isWanted = false;       ///< whether it is in the list of those to be read next
+    bool isAbsent = false;       ///< whether there was no such option when it was read last
+    std::size_t named = 0;       ///< sessions that watch the key itself, not only a prefix
     Topic* nextWanted = nullptr; ///< in that list, which needs no memory
     std::unordered_set<EventSession*> sessions;
     std::unordered_set<EventSession*> waiting; ///< sessions that want the value, not a change
@@ -73,7 +75,6 @@ private:
     const WatchedKeys watched;
     const std::uint64_t seen; // events up to this one were known when the client came
     const OnEvent onEvent;
-    std::vector<Topic*> topics;
     std::map<std::uint64_t, Topic*> pending; // by event: an id that is told covers all before it
     Topic* beingSent = nullptr;
     bool hasBegun = false;      // whether all first values are known, so that they go in order

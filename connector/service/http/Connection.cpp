@@ -10,9 +10,9 @@ namespace connector::service {
 
 namespace {
 
-constexpr std::size_t maxPiece = 64 * 1024; // bytes of one write
-constexpr std::size_t maxSizeAtOnce =
-    16 * 1024; // bytes of a response that does not wait for a turn
+constexpr std::size_t maxPiece = 64 * 1024;      // bytes of one write
+constexpr std::size_t maxSizeAtOnce = 16 * 1024; // bytes of a response that waits for no turn
+constexpr std::size_t keptInput = 4 * 1024;      // bytes of the buffer of an idle client
 constexpr char goOn[] = "HTTP/1.1 100 Continue\r\n\r\n";
 constexpr char lastEvent[] = "event: end\ndata: {}\n\n";
 constexpr char comment[] = ":\n\n";
@@ -20,6 +20,13 @@ constexpr char comment[] = ":\n\n";
 /// Needs no memory.
 constexpr std::string_view noMemory =
     "HTTP/1.1 503 Service Unavailable\r\nContent-Length: 0\r\nConnection: close\r\n\r\n";
+
+/// Some clients send an empty line behind a body. A request does not begin with it: the client is
+/// idle.
+/// @return whether the input may be skipped when more arrives
+bool isSkipped(std::string_view input) {
+    return input.empty() || isBeginningOfEmptyLine(input) || input == "\r\n";
+}
 
 /// @return the bytes of a text from a position on, a piece at most
 boost::asio::const_buffer pieceOf(std::string_view text, std::size_t position) {
@@ -100,7 +107,7 @@ void Connection::received(const Transport::Error& error, std::string_view bytes)
 /// Does what the bytes that have arrived allow.
 void Connection::process() {
     if (state != State::Reading) {
-        if (input.empty())
+        if (isSkipped(input))
             return read();
         beginRequest();
     }
@@ -302,6 +309,8 @@ void Connection::nextRequest() {
     state = State::Idle;
     deadline = Clock::now() + context.limits.idle;
     parser.reset();
+    if (input.empty() && input.capacity() > keptInput)
+        std::string().swap(input); // of a long request
     process();
 }
 

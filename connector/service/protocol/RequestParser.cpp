@@ -67,6 +67,8 @@ RequestParser::RequestParser(std::size_t newHeadSize, std::size_t newBodySize)
 
 bool RequestParser::readHead(std::string& input) {
     skipEmptyLines(input);
+    if (isBeginningOfEmptyLine(input))
+        return false;
     const std::string_view text = input;
     const std::size_t start = checked < 3 ? 0 : checked - 3; // the end may have begun to arrive
     const std::size_t blank = text.find("\r\n\r\n", start);

@@ -76,6 +76,11 @@ private:
     std::string body;
 };
 
+/// @return whether the text is the first byte of an empty line, whose rest may follow
+inline bool isBeginningOfEmptyLine(std::string_view text) {
+    return text == "\r";
+}
+
 /// @return the only value of a header; empty if there is none
 /// @throws HttpError  status 400 if there are several
 std::string_view onlyValue(const RequestHead& head, std::string_view name);

@@ -106,6 +106,23 @@ TEST(ScriptedService, MayBeSilent) {
               errorOf([&] { client.get("a"); }).what());
 }
 
+/// The parser limits neither.
+TEST(ScriptedService, MaySendEndlessExtensionsAndTrailersOfChunks) {
+    for (const char* const beginning : {"1;", "0\r\n"}) {
+        SCOPED_TRACE(beginning);
+        ScriptedServer server([beginning](ScriptedServer& self) {
+            ScriptedServer::Client client = self.accept();
+            client.readRequest();
+            client.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
+            client.send(beginning + std::string(4 * 1024 * 1024, 'x'));
+            EXPECT_EQ("", client.readRequest()); // until the client gives up
+        });
+        HttpClient client(optionsFor(server));
+        EXPECT_EQ("No response from " + server.url() + ": buffer overflow",
+                  errorOf([&] { client.get("a"); }).what());
+    }
+}
+
 /// @return how a client fails to understand a response, without the URL
 template <typename Ask>
 std::string misunderstanding(const std::string& body, Ask ask) {

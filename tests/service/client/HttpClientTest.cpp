@@ -1,6 +1,7 @@
 /// Reading and changing the options of a service.
 #include "service/client/ServedConfiguration.hpp"
 
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -61,6 +62,24 @@ TEST_F(HttpClientTest, GetsWhatItHasSet) {
         EXPECT_TRUE(value == configuration->get("net.x").get());
     }
     EXPECT_EQ(422u, errorOf([&] { client.set("net.x", infinity); }).status());
+}
+
+TEST_F(HttpClientTest, GetsNumbersThatJsonDoesNotHave) {
+    using Limits = std::numeric_limits<double>;
+    const std::vector<double> infinities{1.5, Limits::infinity(), -Limits::infinity()};
+    configuration->set("net.all", infinities).get();
+    configuration->set("net.max", infinities[1]).get();
+    configuration->set("net.min", infinities[2]).get();
+    configuration->set("net.none", Limits::quiet_NaN()).get();
+    configuration->set("net.text", std::string("inf")).get();
+    start();
+    HttpClient client(clientOptions());
+    EXPECT_TRUE(OptionValue(infinities) == client.get("net.all")->value);
+    EXPECT_TRUE(OptionValue(infinities[1]) == client.get("net.max")->value);
+    EXPECT_TRUE(OptionValue(infinities[2]) == client.get("net.min")->value);
+    EXPECT_TRUE(std::isnan(boost::get<double>(client.get("net.none")->value)));
+    EXPECT_TRUE(OptionValue(std::string("inf")) == client.get("net.text")->value);
+    EXPECT_EQ(7u, client.list().size());
 }
 
 TEST_F(HttpClientTest, ListsOptionsAndKeys) {

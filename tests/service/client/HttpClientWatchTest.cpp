@@ -194,6 +194,44 @@ TEST(HttpClientWatchOfScript, TellsWhatItHasSeen) {
     EXPECT_THAT(watch.losses.take(), HasSubstr("503 Service Unavailable"));
 }
 
+TEST(HttpClientWatchOfScript, DoesNotReadAnEndlessRefusal) {
+    ScriptedServer server([](ScriptedServer& self) {
+        ScriptedServer::Client client = self.accept();
+        client.readRequest();
+        client.send("HTTP/1.1 500 Broken\r\n\r\n");
+        client.send(std::string(4 * 1024 * 1024, 'x'));
+        EXPECT_EQ("", client.readRequest()); // until the client has enough
+    });
+    HttpClientOptions options;
+    options.url = server.url();
+    HttpClient client(options);
+    const auto error = errorOf([&] { client.watch({{"a"}, {}}, [](const Option&) {}); });
+    EXPECT_EQ("Response of " + server.url() + ": 500 Broken", error.what());
+    EXPECT_EQ(500u, error.status());
+}
+
+TEST(HttpClientWatchOfScript, GivesUpARefusalThatTakesTooLong) {
+    constexpr int length = 100;
+    ScriptedServer server([](ScriptedServer& self) {
+        ScriptedServer::Client client = self.accept();
+        client.readRequest();
+        client.send("HTTP/1.1 500 Broken\r\nContent-Length: " + std::to_string(length) +
+                    "\r\n\r\n");
+        for (int i = 0; i < length; ++i) {
+            client.send("x");
+            std::this_thread::sleep_for(std::chrono::milliseconds(10)); // the service is slow
+        }
+    });
+    HttpClientOptions options;
+    options.url = server.url();
+    options.request = std::chrono::milliseconds(200);
+    HttpClient client(options);
+    EXPECT_EQ("No response from " + server.url() + ": Connection timed out",
+              errorOf([&] {
+                  client.watch({{"a"}, {}}, [](const Option&) {});
+              }).what());
+}
+
 TEST(HttpClientWatchOfScript, GivesUpASilentService) {
     ScriptedServer server([](ScriptedServer& self) {
         for (int i = 0; i < 2; ++i) {

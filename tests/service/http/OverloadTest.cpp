@@ -185,6 +185,25 @@ TEST(Overload, AThousandReadersOfOneTextDoNotDelayTheEnd) {
     EXPECT_LT(secondsSince(begin), withoutWaiting);
 }
 
+TEST(Overload, IdleClientsKeepNoMemoryForTheirRequests) {
+    ServerProcess server({"--writable", ""});
+    const std::string body = '1' + std::string(1000000, ' ');
+    const std::string request =
+        "PUT /options/k HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
+        "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+    const pid_t process = server.process().processId();
+    const long before = memoryOf(process);
+    std::vector<HttpClient> clients;
+    for (int i = 0; i < 200; ++i) {
+        clients.emplace_back(server.port());
+        clients.back().send(request);
+        ASSERT_EQ(200, clients.back().response().status);
+    }
+    if (!isSanitized) {
+        EXPECT_LT(memoryOf(process) - before, 50 * 1000 * 1000); // their buffers had 200 MB
+    }
+}
+
 TEST(Overload, LargeEventsDoNotDelayOthersNorPileUp) {
     raiseDescriptorLimit();
     ServerProcess server({"--writable", ""}, {"-s", "large=1", "-s", "small=0"});

@@ -2,12 +2,18 @@
 #include "service/support/HttpClient.hpp"
 #include "service/support/InProcessServer.hpp"
 #include "service/support/ServerProcess.hpp"
+#include "support/TemporaryDirectory.hpp"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdint>
+#include <cstring>
+#include <functional>
 #include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -129,6 +135,64 @@ TEST(Shutdown, DoesNotWaitForClientsThatHaveSentNothing) {
     server.close();
     for (HttpClient& client : silent)
         EXPECT_EQ("", client.readToEnd());
+}
+
+/// The keys of a file that takes a minute to load: std::hash of libstdc++ is the same for all.
+class CollidingKeys {
+public:
+    std::string next() {
+        for (;;) {
+            const std::uint64_t first = random();
+            const std::uint64_t state = (seed ^ size * factor ^ mixed(first)) * factor;
+            std::string key(size, '\0');
+            std::memcpy(&key[0], &first, sizeof first);
+            const std::uint64_t second = unmixed(state);
+            std::memcpy(&key[sizeof first], &second, sizeof second);
+            const auto isPlain = [](unsigned char byte) {
+                return byte > ' ' && byte != 0x7F &&
+                       std::string("=:\\#!").find(static_cast<char>(byte)) == std::string::npos;
+            };
+            if (std::all_of(key.begin(), key.end(), isPlain))
+                return key;
+        }
+    }
+
+private:
+    static constexpr std::size_t size = 16;
+    static constexpr std::uint64_t seed = 0xC70F6907;
+    static constexpr std::uint64_t factor = 0xC6A4A7935BD1E995;
+
+    static std::uint64_t shifted(std::uint64_t value) { return value ^ value >> 47; }
+    static std::uint64_t mixed(std::uint64_t value) { return shifted(value * factor) * factor; }
+    static std::uint64_t unmixed(std::uint64_t value) {
+        std::uint64_t inverse = factor;
+        for (int i = 0; i < 6; ++i)
+            inverse *= 2 - factor * inverse;
+        return shifted(value * inverse) * inverse;
+    }
+
+    std::mt19937_64 random;
+};
+
+TEST(Shutdown, EndsInTimeWhateverTheConfigurationDoes) {
+    CollidingKeys keys;
+    const std::hash<std::string> hash;
+    if (hash(keys.next()) != hash(keys.next()))
+        GTEST_SKIP() << "Not the hash function of libstdc++";
+    std::string text;
+    for (int i = 0; i < 150000; ++i)
+        text += keys.next() + "=1\n";
+    const test::TemporaryDirectory root;
+    const std::string path = root.write("slow.properties", text).string();
+    ServerProcess server({"--property-root", root.path.string()});
+    const std::string body = test::addMessage("slow", path);
+    HttpClient client(server.port());
+    client.send("POST /messages HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
+                "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+    EXPECT_EQ(200, get(server.port(), "/healthz").status); // so the file is probably being loaded
+    const auto begin = std::chrono::steady_clock::now();
+    EXPECT_EQ((Result{0, "", ""}), server.stop());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(12));
 }
 
 TEST(HttpServing, DoesNotReadStandardInput) {

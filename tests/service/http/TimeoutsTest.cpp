@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <string>
 #include <vector>
 
 namespace {
@@ -50,6 +51,17 @@ TEST(Timeouts, AClientThatSendsNothingIsDisconnected) {
     const InProcessServer server(shortTimeouts());
     HttpClient client(server.port());
     EXPECT_EQ("", client.readToEnd());
+}
+
+TEST(Timeouts, AnEmptyLineBehindARequestIsNoIncompleteHead) {
+    const InProcessServer server(shortTimeouts());
+    for (const char* line : {"\r\n", "\r"}) {
+        HttpClient client(server.port());
+        client.send("GET /options HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
+                    "\r\n\r\n" + line);
+        EXPECT_EQ(200, client.response().status);
+        EXPECT_EQ("", client.readToEnd());
+    }
 }
 
 TEST(Timeouts, AClientThatSendsNoFurtherRequestIsDisconnected) {

@@ -238,6 +238,15 @@ TEST(WatchRoute, AFastClientReceivesEveryValue) {
     }
 }
 
+TEST(WatchRoute, AValueThatCannotBeSentHidesNoOther) {
+    const InProcessServer server;
+    server.configuration->set("k1", OptionValue(std::u16string(1, char16_t(0xD800)))).get();
+    server.configuration->set("k2", OptionValue(std::string("2"))).get();
+    HttpClient client(server.port());
+    client.get("/watch?prefix=k");
+    EXPECT_EQ(event("k2", "2"), client.readLineStartingWith("data: "));
+}
+
 TEST(WatchRoute, SendsALargeValueCompletely) {
     const InProcessServer server;
     HttpClient client = watcher(server.port(), "k");

@@ -1,4 +1,5 @@
 /// The commands on a running service.
+#include "service/client/ScriptedServer.hpp"
 #include "service/support/ServerProcess.hpp"
 #include "support/TemporaryDirectory.hpp"
 #include "tools/support/Program.hpp"
@@ -116,6 +117,35 @@ TEST_F(RemoteCommands, WatchAgainAfterARestart) {
                                      server.host() + ':' + std::to_string(server.port()));
     EXPECT_EQ(R"({"key":"net.port","source":"override","value":{"type":"int","value":81}})",
               watch.readLine());
+    watch.signal(SIGTERM);
+    EXPECT_EQ(128 + SIGTERM, watch.finish().status);
+}
+
+TEST(RemoteWatch, ReportsEachLossOfTheService) {
+    using test::ScriptedServer;
+    constexpr int losses = 3;
+    ScriptedServer server([](ScriptedServer& self) {
+        {
+            ScriptedServer::Client client = self.accept();
+            client.readRequest(); // whether there is a value
+            client.respond(
+                R"({"type":"connector/configuration/ConfigurationOptionResponse","message":{}})");
+        }
+        for (int i = 0; i < losses; ++i) {
+            ScriptedServer::Client client = self.accept();
+            client.readRequest();
+            client.send("HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\n\r\n"
+                        "data: {\"key\":\"a\",\"source\":\"s\","
+                        "\"value\":{\"type\":\"int\",\"value\":1}}\n\n");
+        }
+    });
+    test::Process watch(test::connectorConfig({"--url", server.url(), "watch", "a"}));
+    EXPECT_EQ("connector-config: No value yet: a", watch.readErrorLine());
+    for (int i = 0; i < losses; ++i) {
+        EXPECT_EQ("a = 1  (s)", watch.readLine());
+        EXPECT_EQ("connector-config: Connection to " + server.url() + " was closed",
+                  watch.readErrorLine());
+    }
     watch.signal(SIGTERM);
     EXPECT_EQ(128 + SIGTERM, watch.finish().status);
 }

@@ -27,12 +27,15 @@ void reportMissing(HttpClient& client, const std::set<std::string>& keys) {
 /// Reports each reason once, however many attempts to connect fail for it.
 class LossReport {
 public:
-    void operator()(const ServiceError& error) {
+    void lost(const ServiceError& error) {
         if (error.what() == reported)
             return;
         reported = error.what();
         printError(reported);
     }
+
+    /// The service is back: the next loss is another one.
+    void reached() { reported.clear(); }
 
 private:
     std::string reported;
@@ -48,15 +51,17 @@ void setRemotely(HttpClient& client, const Arguments& arguments) {
 void watchRemotely(HttpClient& client, const Arguments& arguments) {
     const std::vector<std::string>& keys = arguments.keys;
     const Secrets secrets(arguments.secrets);
+    LossReport report;
     reportMissing(client, {keys.begin(), keys.end()});
     client.watch(
         {keys, {}},
         [&](const connector::configuration::Option& option) {
+            report.reached();
             const std::string text = changeText(secrets.masked(option), arguments.json);
             for (auto left = std::count(keys.begin(), keys.end(), option.key); left > 0; --left)
                 writeOutput(text); // once for each time that the key is in the arguments
         },
-        LossReport());
+        [&](const ServiceError& error) { report.lost(error); });
 }
 
 } // namespace connector_config

@@ -1,5 +1,6 @@
 #include "network/ServeHttp.hpp"
 
+#include "commands/ExitTimer.hpp"
 #include "commands/FileReloading.hpp"
 #include "display/Output.hpp"
 #include "network/SystemdNotifier.hpp"
@@ -7,6 +8,7 @@
 #include <connector/service/HttpService.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <exception>
 #include <functional>
@@ -26,6 +28,9 @@ using connector::service::ListenAddress;
 namespace {
 
 constexpr rlim_t maxDescriptors = 16384;
+
+/// Beyond that of the requests in progress.
+constexpr std::chrono::milliseconds timeToEnd{500};
 
 /// Blocks SIGINT and SIGTERM, to wait for them later. Must be constructed before the first thread
 /// is created, because threads inherit the signal mask.
@@ -118,6 +123,7 @@ void serveHttp(const std::shared_ptr<ConfigurationImpl>& configuration, const Ar
     signals.wait();
     systemd.stopping();
     signals.unblock();
+    exitAfter(options.limits.shutdown + timeToEnd);
     service.stop();
 }
 
