@@ -291,15 +291,15 @@ void EventHub::submit() {
     for (const Topic* topic = firstWanted; topic != nullptr; topic = topic->nextWanted)
         wanted.push_back({topic->key, topic->isStale});
     std::reverse(wanted.begin(), wanted.end()); // into the order in which they became wanted
-    std::set<std::string> prefixes;
+    std::set<std::string> all;
     for (const EventSession* const session : prefixSessions) {
         if (session->wantsPrefixes)
-            prefixes.insert(session->watched.prefixes.begin(), session->watched.prefixes.end());
+            all.insert(session->watched.prefixes.begin(), session->watched.prefixes.end());
     }
+    std::vector<std::string> prefixes = outermost({all.begin(), all.end()});
     if (wanted.empty() && prefixes.empty())
         return begin(newSessions); // they know everything
-    workers.run(std::make_unique<Reading>(
-        *this, std::move(wanted), std::vector<std::string>(prefixes.begin(), prefixes.end())));
+    workers.run(std::make_unique<Reading>(*this, std::move(wanted), std::move(prefixes)));
 
     isReading = true;
     startingSessions.swap(newSessions); // there are none yet, since nothing was being read

@@ -20,6 +20,9 @@ struct WatchedKeys {
     std::vector<std::string> prefixes; ///< every key that begins with one of these
 };
 
+/// @return the prefixes in ascending order, without those that begin with another one
+std::vector<std::string> outermost(std::vector<std::string> prefixes);
+
 /// A server-sent event: the line with its id, and the rest, which all clients share.
 struct Event {
     std::string idLine;
@@ -51,9 +54,7 @@ public:
     using OnEvent = std::function<void()>;
 
     EventSession(EventHub& newHub, WatchedKeys newWatched, std::uint64_t newSeen,
-                 OnEvent newOnEvent)
-        : hub(newHub), watched(std::move(newWatched)), seen(newSeen),
-          onEvent(std::move(newOnEvent)) {}
+                 OnEvent newOnEvent);
 
     ~EventSession(); ///< the client is told nothing any more
     EventSession(const EventSession&) = delete;
@@ -72,8 +73,8 @@ private:
     bool matchesPrefix(const std::string& key) const;
 
     EventHub& hub;
-    const WatchedKeys watched;
-    const std::uint64_t seen; // events up to this one were known when the client came
+    const WatchedKeys watched; // with the outermost prefixes only
+    const std::uint64_t seen;  // events up to this one were known when the client came
     const OnEvent onEvent;
     std::map<std::uint64_t, Topic*> pending; // by event: an id that is told covers all before it
     Topic* beingSent = nullptr;

@@ -177,12 +177,10 @@ void Connection::serve() {
             self->complete(*response);
         });
     };
-    if (request.operation->isShared) {
-        const auto target = parser->head().target();
-        context.shared.request(std::string(target), std::move(request), std::move(done));
-    } else {
+    if (request.operation->isShared)
+        context.shared.request(std::move(request), std::move(done));
+    else
         context.workers.run(std::make_unique<RequestTask>(std::move(request), std::move(done)));
-    }
 }
 
 /// What follows the head cannot be told from a next request if the request has not been read whole.

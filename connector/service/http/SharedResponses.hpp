@@ -19,18 +19,19 @@ class SharedResponses {
 public:
     explicit SharedResponses(Workers& newWorkers) : workers(newWorkers) {}
 
-    /// @param target  equal for equal requests
-    void request(const std::string& target, Request request, RequestTask::Done done);
+    /// @param request  without a body
+    void request(Request request, RequestTask::Done done);
 
 private:
     using Waiting = std::vector<RequestTask::Done>;
 
-    void make(const std::string& target, const std::shared_ptr<const Request>& request,
+    void make(const std::string& name, const std::shared_ptr<const Request>& request,
               Waiting waiting);
-    void finish(const std::string& target, const std::shared_ptr<const Request>& request) noexcept;
+    void finish(const std::string& name, const std::shared_ptr<const Request>& request) noexcept;
 
     Workers& workers;
-    std::unordered_map<std::string, Waiting> later; // by the targets that are being made
+    std::unordered_map<std::string, Waiting>
+        later; // by the names of the requests that are being served
 };
 
 } // namespace connector::service

@@ -145,7 +145,7 @@ void Listener::reject() noexcept {
         spare = openSpare();
     if (spare >= 0) {
         ::close(std::exchange(spare, -1));
-        const int descriptor = ::accept(socket.native_handle(), nullptr, nullptr);
+        const int descriptor = ::accept4(socket.native_handle(), nullptr, nullptr, SOCK_CLOEXEC);
         if (descriptor >= 0)
             ::close(descriptor);
         spare = openSpare();

@@ -4,14 +4,14 @@
 #include <system_error>
 #include <utility>
 
-#include <unistd.h>
+#include <fcntl.h>
 
 namespace connector::service {
 
 namespace {
 
 int duplicate(int descriptor) {
-    const int copy = ::dup(descriptor);
+    const int copy = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
     if (copy < 0)
         throw std::system_error(errno, std::generic_category(), "dup");
     return copy;

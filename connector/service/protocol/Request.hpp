@@ -44,7 +44,7 @@ struct Operation {
     const char* contentType = "application/json"; ///< of a success
     bool needsJson = false;                       ///< a body of another content type is refused
     bool isPublic = false;                        ///< served without the token
-    bool isShared = false; ///< all who wait for the same target get the same response
+    bool isShared = false; ///< all who wait for the same get the same response
     Handler handler;       ///< none: the request is for a stream of events
 };
 

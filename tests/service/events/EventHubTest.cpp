@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -109,6 +110,32 @@ TEST_F(EventHubTest, KeepsAnAbsentKeyForAsLongAsAClientNamesIt) {
     EXPECT_EQ(2u, hub.topicCount());
     second.reset();
     EXPECT_EQ(1u, hub.topicCount());
+}
+
+TEST(Prefixes, ThatBeginWithAnotherOneAreLeftOut) {
+    using connector::service::outermost;
+    using Texts = std::vector<std::string>;
+    EXPECT_EQ(Texts(), outermost({}));
+    EXPECT_EQ(Texts{""}, outermost({"b", "", "a", ""}));
+    EXPECT_EQ((Texts{"a", "b.c", "b\xff"}),
+              outermost({"b.c", "ab", "b.c.d", "b\xff", "a", "b.cd"}));
+}
+
+TEST_F(EventHubTest, TellsTheKeysOfSeveralPrefixesOnce) {
+    for (const char* const key : {"", "a", "ab", "b", "b.c", "b.cd", "b\xff", "c"})
+        set(key, 1);
+    const Session session = open({"c"}, {"b.c", "b.c.d", "ab", "a", "b\xff"});
+    std::set<std::string> told;
+    for (int i = 0; i < 6; ++i)
+        told.insert(next(*session));
+    EXPECT_EQ(
+        (std::set<std::string>{textOf("a", 1), textOf("ab", 1), textOf("b.c", 1), textOf("b.cd", 1),
+                               textOf("b\xEF\xBF\xBD", 1), textOf("c", 1)}),
+        told);
+    set("b", 2);
+    set("b.d", 2);
+    set("a", 2);
+    EXPECT_EQ(textOf("a", 2), next(*session));
 }
 
 TEST_F(EventHubTest, TellsAKeyThatComesBack) {

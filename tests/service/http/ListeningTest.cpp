@@ -1,5 +1,6 @@
 /// The addresses that the server listens on, and the host names that it accepts.
 #include "service/support/HttpClient.hpp"
+#include "service/support/InProcessServer.hpp"
 #include "service/support/ServerProcess.hpp"
 
 #include <Poco/Exception.h>
@@ -7,8 +8,11 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <system_error>
+
+#include <fcntl.h>
 
 namespace {
 
@@ -93,6 +97,25 @@ TEST(ListeningWithIpv6, OnAllAddressesIsReachableByIpv4Too) {
     EXPECT_EQ(200, statusFor(server, "127.0.0.1", "localhost"));
     EXPECT_EQ(403, statusFor(server, "127.0.0.1", "[::1]"));
     EXPECT_EQ(403, statusFor(server, "127.0.0.1", "elsewhere.example"));
+}
+
+/// @return the descriptors of this process that programs which it starts would inherit
+std::set<int> inheritedDescriptors() {
+    std::set<int> inherited;
+    constexpr int limit = 1024;
+    for (int descriptor = 0; descriptor < limit; ++descriptor) {
+        const int flags = ::fcntl(descriptor, F_GETFD);
+        if (flags >= 0 && (flags & FD_CLOEXEC) == 0)
+            inherited.insert(descriptor);
+    }
+    return inherited;
+}
+
+TEST(Listening, LeavesNoDescriptorToProgramsThatTheApplicationStarts) {
+    const std::set<int> before = inheritedDescriptors();
+    const test::InProcessServer server;
+    EXPECT_EQ(200, test::get(server.port(), "/options").status);
+    EXPECT_EQ(before, inheritedDescriptors());
 }
 
 } // namespace

@@ -185,6 +185,39 @@ TEST(Overload, AThousandReadersOfOneTextDoNotDelayTheEnd) {
     EXPECT_LT(secondsSince(begin), withoutWaiting);
 }
 
+/// @return the prefix "abcdefgh" in one of 256 encodings
+std::string encodedPrefix(int encoding) {
+    std::string prefix;
+    for (int i = 0; i < 8; ++i) {
+        const char hex = static_cast<char>('1' + i);
+        prefix += (encoding >> i) % 2 == 0 ? std::string(1, static_cast<char>('a' + i))
+                                           : std::string("%6") + hex;
+    }
+    return prefix;
+}
+
+TEST(Overload, AListIsSharedHoweverItIsAskedFor) {
+    constexpr int clientCount = 100;
+    constexpr int optionCount = 20000;
+    std::string file;
+    for (int i = 0; i < optionCount; ++i)
+        file += "abcdefgh" + std::to_string(i) + " = x\n";
+    const test::TemporaryFile properties(file);
+    ServerProcess server({}, {"--file", properties.path()});
+    std::vector<HttpClient> clients;
+    for (int i = 0; i < clientCount; ++i)
+        clients.emplace_back(server.port());
+    for (int i = 0; i < clientCount; ++i)
+        clients[static_cast<std::size_t>(i)].get("/options?prefix=" + encodedPrefix(i));
+    for (HttpClient& client : clients)
+        EXPECT_EQ("HTTP/1.1 200 OK", client.readLine());
+    const std::string metrics = get(server.port(), "/metrics").body;
+    const std::string name = "\nconnector_lookups_total ";
+    const long lookups = std::stol(metrics.substr(metrics.find(name) + name.size()));
+    EXPECT_LE(optionCount, lookups);
+    EXPECT_GT(clientCount / 2 * optionCount, lookups); // a list for each client would be twice that
+}
+
 TEST(Overload, IdleClientsKeepNoMemoryForTheirRequests) {
     ServerProcess server({"--writable", ""});
     const std::string body = '1' + std::string(1000000, ' ');

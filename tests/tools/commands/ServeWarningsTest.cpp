@@ -36,7 +36,7 @@ TEST(ServeWarnings, EachSuchAddressIsOne) {
 }
 
 TEST(ServeWarnings, AddressesOfThisMachineAreNone) {
-    for (const char* const address : {"127.0.0.1:0", "127.0.0.2:0", "localhost:0"})
+    for (const char* const address : {"127.0.0.1:0", "127.0.0.2:0", "localhost:0", "2130706433:0"})
         EXPECT_EQ("", errorsOf({}, address)) << address;
 }
 

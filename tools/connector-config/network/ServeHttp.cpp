@@ -10,10 +10,12 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <exception>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <pthread.h>
 #include <sys/resource.h>
@@ -65,19 +67,22 @@ void raiseDescriptorLimit() {
     ::setrlimit(RLIMIT_NOFILE, &limit); // on failure, fewer clients can connect
 }
 
-bool isLoopback(const ListenAddress& address) {
-    return address.host == "localhost" || address.host == "::1" ||
-           address.host.compare(0, 4, "127.") == 0;
+/// @param url  of a TCP address, with its host in numbers: a name tells nothing
+bool isLoopback(const std::string& url) {
+    const std::string host = url.substr(url.find("://") + 3);
+    return host.compare(0, 4, "127.") == 0 || host.compare(0, 6, "[::1]:") == 0;
 }
 
 /// Every client that reaches the address may read everything but secrets.
-void warnIfOpen(const HttpOptions& options) {
+/// @param urls  of the addresses, in their order
+void warnIfOpen(const HttpOptions& options, const std::vector<std::string>& urls) {
     const bool needsCredentials =
         options.tokenFile || (options.tls && !options.tls->clientAuthority.empty());
     if (needsCredentials)
         return;
-    for (const ListenAddress& address : options.addresses) {
-        if (!address.isUnix() && !isLoopback(address))
+    for (std::size_t i = 0; i < urls.size(); ++i) {
+        const ListenAddress& address = options.addresses[i];
+        if (!address.isUnix() && !isLoopback(urls[i]))
             printError("Warning: every machine that reaches " + address.host +
                        " may read the options; --token-file FILE or --client-ca FILE would "
                        "prevent that");
@@ -103,7 +108,7 @@ void serveHttp(const std::shared_ptr<ConfigurationImpl>& configuration, const Ar
     // Only now, because reading the token and resolving the host can block, and the signals must
     // interrupt that.
     const TerminationSignals signals;
-    warnIfOpen(options);
+    warnIfOpen(options, service.urls());
     service.start();
     // Ends before the service, because a reload calls the service's listeners.
     const SystemdNotifier systemd;
