@@ -167,6 +167,8 @@ void Connection::serve() {
         throw HttpError(Status::service_unavailable, "Service is stopping");
     if (request.operation->handler == nullptr)
         return beginStream();
+    if (request.operation->isImmediate)
+        return complete(responseTo(request));
     RequestTask::Done done = [weak = weak_from_this()](const std::optional<Response>& response) {
         const auto self = weak.lock();
         if (self == nullptr || self->state != State::Working)

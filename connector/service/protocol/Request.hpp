@@ -44,8 +44,9 @@ struct Operation {
     const char* contentType = "application/json"; ///< of a success
     bool needsJson = false;                       ///< a body of another content type is refused
     bool isPublic = false;                        ///< served without the token
-    bool isShared = false; ///< all who wait for the same get the same response
-    Handler handler;       ///< none: the request is for a stream of events
+    bool isShared = false;    ///< all who wait for the same get the same response
+    bool isImmediate = false; ///< served by the network thread; the handler must not wait
+    Handler handler;          ///< none: the request is for a stream of events
 };
 
 } // namespace connector::service

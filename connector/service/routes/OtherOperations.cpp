@@ -29,17 +29,20 @@ void addWatchOperation(Router& router) {
     router.add(std::move(operation));
 }
 
-/// A server that can answer at all is alive and ready: its sources are in memory.
+/// A process is alive that reads requests, also while all workers wait for the configuration. It is
+/// ready if a worker comes round to the request: its sources are in memory.
 void addHealthOperations(Router& router) {
-    const auto add = [&router](const char* path, const char* summary, const char* answer) {
+    const auto add = [&router](const char* path, const char* summary, const char* answer,
+                               bool isImmediate) {
         Operation operation = getOperation(path, summary);
         operation.isPublic = true;
+        operation.isImmediate = isImmediate;
         operation.schema = "Health";
         operation.handler = [answer](const Request&) { return jsonResponse(answer); };
         router.add(std::move(operation));
     };
-    add("/healthz", "Whether the process is alive", R"({"status":"alive"})");
-    add("/readyz", "Whether requests are served", R"({"status":"ready"})");
+    add("/healthz", "Whether the process is alive", R"({"status":"alive"})", true);
+    add("/readyz", "Whether requests are served", R"({"status":"ready"})", false);
 }
 
 void addMetricsOperation(Router& router, const Services& services) {

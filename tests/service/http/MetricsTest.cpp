@@ -1,4 +1,5 @@
 /// GET /metrics, /healthz and /readyz
+#include "configuration/MutexHolder.hpp"
 #include "service/support/HttpClient.hpp"
 #include "service/support/InProcessServer.hpp"
 #include "service/support/ServerProcess.hpp"
@@ -7,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -110,6 +112,24 @@ TEST(Health, NeedsNoToken) {
     }
     EXPECT_EQ(401, get(server.port(), "/metrics").status);
     EXPECT_EQ(401, get(server.port(), "/openapi.json").status);
+}
+
+TEST(Health, IsToldWhileAllWorkersWaitForTheConfiguration) {
+    const InProcessServer server;
+    put(server.port(), "k", "1");
+    test::MutexHolder holder(*server.configuration);
+    std::vector<HttpClient> waiting;
+    for (int i = 0; i < 20; ++i) {
+        waiting.emplace_back(server.port());
+        waiting.back().get("/options/k");
+    }
+    HttpClient ready(server.port());
+    ready.get("/readyz");
+    EXPECT_EQ(200, get(server.port(), "/healthz").status);
+    holder.release();
+    EXPECT_EQ(200, ready.response().status);
+    for (HttpClient& client : waiting)
+        EXPECT_EQ(200, client.response().status);
 }
 
 } // namespace
