@@ -21,7 +21,7 @@ namespace connector::service {
 class CONNECTOR_SERVICE_EXPORT HttpService {
 public:
     /// Reads the files of the options, and listens. Nobody is served yet.
-    /// @param configuration  not null
+    /// @throws std::invalid_argument "A null configuration cannot be served."
     /// @throws std::runtime_error "Cannot listen on " + address + ": " + reason;
     ///         "Token file could not be read: " + path and others of readToken's;
     ///         "Not a directory: " + path; "TLS file could not be used: " + path + ": " + reason;
@@ -36,7 +36,8 @@ public:
     HttpService(const HttpService&) = delete;
     HttpService& operator=(const HttpService&) = delete;
 
-    /// Serves clients from now on.
+    /// Serves clients from now on, on threads of its own. Does nothing the second time, nor after
+    /// stop: a service that was stopped stays stopped.
     /// @throws std::system_error  no thread can be started
     void start();
 
