@@ -29,7 +29,7 @@ TEST(Arguments, InvalidOnesAreUsageErrors) {
         {__LINE__, {"explain", "a", "b"}, "Unexpected argument: b"},
         {__LINE__, {"--colour", "keys"}, "Unexpected argument: --colour"},
         {__LINE__, {"keys", "--colour"}, "Unexpected argument: --colour"},
-        {__LINE__, {"get", "-x"}, "KEY is required"},
+        {__LINE__, {"get", "-x"}, "Unexpected argument: -x"},
         {__LINE__, {"get", "a", "-x"}, "Unexpected argument: -x"},
         {__LINE__, {"keys", "-f"}, "--file: 1 required FILE missing"},
         {__LINE__, {"keys", "--env"}, "--env: 1 required PREFIX missing"},

@@ -27,6 +27,11 @@ void CommandLine::parse(int argc, const char* const argv[]) {
         throw;
     } catch (const CLI::ExtrasError&) {
         throw WrongArguments(describeExtra(unmarked(app.remaining(true).front())));
+    } catch (const CLI::RequiredError& error) {
+        // What is missing may be there, but mistyped: name that.
+        const std::vector<std::string> extras = app.remaining(true);
+        throw WrongArguments(extras.empty() ? error.what()
+                                            : describeExtra(unmarked(extras.front())));
     } catch (const CLI::ParseError& error) {
         throw WrongArguments(error.what());
     }
@@ -40,8 +45,16 @@ Command CommandLine::command() const {
 }
 
 std::string CommandLine::describeExtra(const std::string& extra) const {
-    const bool isCommand = app.get_subcommands().empty() && extra.compare(0, 1, "-") != 0;
-    return (isCommand ? "Unknown command: " : "Unexpected argument: ") + extra;
+    const CLI::App* innermost = &app;
+    std::string path;
+    while (!innermost->get_subcommands().empty()) {
+        innermost = innermost->get_subcommands().front();
+        path += innermost->get_name() + ' ';
+    }
+    const bool takesCommand = !innermost->get_subcommands(nullptr).empty();
+    if (takesCommand && extra.compare(0, 1, "-") != 0)
+        return "Unknown command: " + path + extra;
+    return "Unexpected argument: " + extra;
 }
 
 } // namespace connector_config

@@ -31,9 +31,9 @@ Object::Ptr parse(const std::string& json) {
         parser.setDepth(deepest);
         return parser.parse(json).extract<Object::Ptr>();
     } catch (const Poco::BadCastException&) {
-        refuse("it is no JSON object");
+        refuse("it is not a JSON object");
     } catch (const Poco::Exception& error) {
-        refuse(error.displayText());
+        refuse("it is not JSON: " + error.message());
     }
 }
 
