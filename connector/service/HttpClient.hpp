@@ -46,7 +46,7 @@ public:
     /// On the thread that has called watch.
     using OnLoss = std::function<void(const ServiceError&)>;
 
-    /// Reads the files of the options. Connects to nobody yet.
+    /// Reads the files of the options. Does not connect yet.
     /// @throws std::invalid_argument "Not the URL of a service: " + url
     /// @throws std::runtime_error "Token file could not be read: " + path and others of that file;
     ///         "TLS file could not be used: " + path + ": " + reason

@@ -1,4 +1,4 @@
-/// What a HttpService is told when it is made.
+/// The options of an HttpService.
 #pragma once
 
 #include <chrono>
@@ -26,7 +26,7 @@ struct TlsFiles {
     std::string clientAuthority; ///< if not empty, clients need a certificate of this authority
 };
 
-/// How long the service waits, and how much it takes. A client that exceeds a limit loses its
+/// How long the service waits, and how much it accepts. A client that exceeds a limit loses its
 /// connection, after a response where one is possible.
 struct HttpLimits {
     using Duration = std::chrono::milliseconds;
@@ -48,7 +48,9 @@ struct HttpOptions {
     std::vector<ListenAddress> addresses{ListenAddress()};
     std::optional<TlsFiles> tls; ///< for the TCP addresses; Unix sockets stay plain
 
-    std::vector<std::string> writablePrefixes;     ///< clients may write keys that begin with one
+    /// Clients may write keys that begin with one. Messages of the service call it --writable, and
+    /// the next one --property-root, as connector-config does.
+    std::vector<std::string> writablePrefixes;
     std::optional<std::string> propertyRoot;       ///< clients may add property files below it
     std::uintmax_t maxFileSize = 64 * 1024 * 1024; ///< bytes of such a file
     std::optional<std::string> tokenFile;          ///< clients must send the token in it

@@ -7,6 +7,7 @@
 #include <connector/service/routes/Services.hpp>
 
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 namespace connector::service {
@@ -35,14 +36,21 @@ RequestGuard guardOf(const HttpOptions& options) {
     return RequestGuard(std::move(hosts), options.allowedHosts, tokenOf(options));
 }
 
+const std::shared_ptr<configuration::ConfigurationImpl>&
+demand(const std::shared_ptr<configuration::ConfigurationImpl>& configuration) {
+    if (!configuration)
+        throw std::invalid_argument("A null configuration cannot be served.");
+    return configuration;
+}
+
 } // namespace
 
 class HttpService::Impl {
 public:
     Impl(const std::shared_ptr<configuration::ConfigurationImpl>& newConfiguration,
          const HttpOptions& newOptions)
-        : configuration(newConfiguration), options(newOptions), secrets(options.secretGlobs),
-          policy(policyOf(options, secrets)), guard(guardOf(options)),
+        : configuration(demand(newConfiguration)), options(newOptions),
+          secrets(options.secretGlobs), policy(policyOf(options, secrets)), guard(guardOf(options)),
           messages(
               configuration, [this](Message& message) { return policy.authorize(message); },
               defaultFileOrder) {

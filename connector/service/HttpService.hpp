@@ -17,11 +17,11 @@ namespace connector::service {
 /// docs/messages.md.
 ///
 /// The functions may be called from any thread, but not at the same time, except for those that say
-/// otherwise. None is called from a callback of the configuration's.
+/// otherwise. Do not call them from a callback of the configuration, such as a subscriber.
 class CONNECTOR_SERVICE_EXPORT HttpService {
 public:
-    /// Reads the files of the options, and listens. Nobody is served yet.
-    /// @param configuration  not null
+    /// Reads the files of the options, and listens. Clients are served after start only.
+    /// @throws std::invalid_argument "A null configuration cannot be served."
     /// @throws std::runtime_error "Cannot listen on " + address + ": " + reason;
     ///         "Token file could not be read: " + path and others of readToken's;
     ///         "Not a directory: " + path; "TLS file could not be used: " + path + ": " + reason;
@@ -36,13 +36,14 @@ public:
     HttpService(const HttpService&) = delete;
     HttpService& operator=(const HttpService&) = delete;
 
-    /// Serves clients from now on.
+    /// Serves clients from now on, on threads of its own. Does nothing the second time, nor after
+    /// stop: a service that was stopped stays stopped.
     /// @throws std::system_error  no thread can be started
     void start();
 
-    /// Accepts nobody any more, ends all event streams with an event, and waits for the requests in
-    /// progress, at most for HttpLimits::shutdown. A call of the configuration that takes longer is
-    /// waited for nevertheless. Does nothing the second time.
+    /// Accepts no more connections, ends all event streams with an event, and waits for the
+    /// requests in progress, at most for HttpLimits::shutdown. If a call of the configuration takes
+    /// longer, it waits for that call. Does nothing the second time.
     void stop();
 
     /// @return where clients reach the service, in the order of the options: "http://HOST:PORT",

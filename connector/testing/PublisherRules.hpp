@@ -161,7 +161,7 @@ Verdict aFailureIsTold(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory, kit::unlimited);
     factory.fail(*stream.publisher, std::make_exception_ptr(std::range_error("failed")));
     return Verdict::keptIf(stream.recorder->errors == 1 && stream.recorder->completions == 0,
-                           "a failure was not told with one onError alone");
+                           "a failure was not reported by exactly one onError");
 }
 
 /// 1.5: successful completion is signalled with onComplete.
@@ -170,7 +170,7 @@ Verdict anEndIsTold(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory, kit::unlimited);
     stream.complete();
     return Verdict::keptIf(stream.recorder->completions == 1 && stream.recorder->errors == 0,
-                           "a normal end was not told with one onComplete alone");
+                           "a normal end was not reported by exactly one onComplete");
 }
 
 /// 1.7: no signal follows onComplete or onError.
@@ -294,7 +294,7 @@ Verdict aRequestForNothingFails(const PublisherFactory<T>& factory) {
     kit::Stream<T> stream(factory);
     stream.recorder->request(0);
     if (stream.recorder->errors != 1)
-        return Verdict::brokenAs("a request for nothing was not told with onError");
+        return Verdict::brokenAs("a request for nothing was not reported by onError");
     try {
         std::rethrow_exception(stream.recorder->error);
     } catch (const std::invalid_argument&) {

@@ -4,8 +4,9 @@
 ///     CONNECTOR_SOURCE_CONFORMANCE(MySource, mySource())
 ///
 /// defines a GoogleTest suite with a test for each rule, named RuleNN and a word. SourceRules.hpp
-/// lists the rules. A rule that does not apply to the sources of the factory is skipped. Run the
-/// suite under the thread sanitizer, too.
+/// lists the rules, and docs/writing-a-source.md shows a source that keeps them. A rule that does
+/// not apply to the sources of the factory is skipped. Run the suite under the thread sanitizer,
+/// too.
 #pragma once
 
 #include <connector/testing/SourceRules.hpp>

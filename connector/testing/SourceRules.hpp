@@ -392,6 +392,10 @@ private:
     std::thread thread;
 };
 
+inline constexpr const char* lookupFailed =
+    "a lookup failed, although another source had the key (get must not throw when the key is "
+    "removed after has returned true): ";
+
 /// @return the error in one lookup of a configuration whose values are long texts of one repeated
 ///         letter; empty if there is none
 inline std::string wrongIn(configuration::Configuration& configuration) {
@@ -402,7 +406,7 @@ inline std::string wrongIn(configuration::Configuration& configuration) {
             string->find_first_not_of(string->front()) != std::string::npos)
             return "a lookup got a value that nobody had written";
     } catch (const std::exception& error) {
-        return "a lookup failed, although another source had the key: " + std::string(error.what());
+        return lookupFailed + std::string(error.what());
     }
     return "";
 }
@@ -424,8 +428,7 @@ inline Verdict concurrentLookupsTearNothing(const SourceFactory& factory) {
     try {
         configuration->addSource("tested", "", 1, !factory.writable, source).get();
     } catch (const std::exception& error) {
-        return Verdict::brokenAs("a lookup failed, although another source had the key: " +
-                                 std::string(error.what()));
+        return Verdict::brokenAs(kit::lookupFailed + std::string(error.what()));
     }
     const kit::Changing changing([&](int round) {
         if (!factory.change)

@@ -25,6 +25,9 @@ endif()
 configure_command(configure "${CMAKE_CURRENT_LIST_DIR}/components" "${WORK_DIR}/no-component"
     "-DCMAKE_PREFIX_PATH=${PREFIX}" "-DMORE_COMPONENTS=nonsense")
 run_to_fail(output ${configure})
+if(NOT output MATCHES "This installation has no component nonsense")
+    fail("a component that there is not is not named: ${output}")
+endif()
 
 find_program(PKG_CONFIG NAMES pkg-config pkgconf REQUIRED)
 set(ENV{PKG_CONFIG_PATH} "${PREFIX}/${LIBDIR}/pkgconfig")

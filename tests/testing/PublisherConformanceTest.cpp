@@ -149,7 +149,7 @@ TEST(PublisherRulesTest, EachWrongPublisherIsFoundByTheRuleThatItBreaks) {
     EXPECT_EQ("two demands did not add up", demandsAddUp(broken(&Breaks::sum)).broken);
     EXPECT_EQ("request calls onNext inside of onNext, and so on",
               recursionIsBounded(broken(&Breaks::recursion)).broken);
-    EXPECT_EQ("a normal end was not told with one onComplete alone",
+    EXPECT_EQ("a normal end was not reported by exactly one onComplete",
               anEndIsTold(broken(&Breaks::end)).broken);
     EXPECT_EQ("a signal came after the end", nothingFollowsTheEnd(broken(&Breaks::twice)).broken);
 }
@@ -159,7 +159,7 @@ TEST(PublisherRulesTest, WhereTheLibraryDoesOtherwiseTheKitSaysSo) {
     const auto factory = cachedValuePublishers();
     EXPECT_EQ("subscribe throws for a second subscriber",
               anotherSubscriberIsServedOrTold(factory).broken);
-    EXPECT_EQ("a request for nothing was not told with onError",
+    EXPECT_EQ("a request for nothing was not reported by onError",
               aRequestForNothingFails(factory).broken);
     EXPECT_EQ("the subscriber is kept after cancel", cancelReleasesTheSubscriber(factory).broken);
     EXPECT_FALSE(aFailureIsTold(factory).applies);

@@ -342,7 +342,8 @@ TEST(SourceRulesTest, ASourceWithALockOfItsOwnLosesKeysBetweenHasAndGet) {
     const Verdict verdict =
         connector::testing::concurrentLookupsTearNothing(factoryOf<SwapsBetweenHasAndGet>());
     EXPECT_EQ(
-        "a lookup failed, although another source had the key: unordered_map::at: key not found",
+        "a lookup failed, although another source had the key (get must not throw when the key is "
+        "removed after has returned true): unordered_map::at: key not found",
         verdict.broken);
 }
 

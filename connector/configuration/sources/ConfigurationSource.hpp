@@ -33,8 +33,12 @@ public:
 
     virtual ~ConfigurationSource();
 
-    /// Called only after has answered true for the key, under the same hold of the lock.
-    /// @return the value of the key; a source may throw for a key that it does not have
+    /// Called only after has returned true for the key, while the configuration still holds its
+    /// lock. If another thread can remove the key in between, return the value that has found:
+    /// docs/writing-a-source.md has an example. An exception would make the lookup fail, although
+    /// a later source may have the option.
+    /// @return the value of the key
+    /// @throws std::out_of_range for a key that the source does not have
     virtual OptionValue get(const std::string& key) = 0;
 
     /// Called only on sources that are registered as writable. Calls the watcher, synchronously, if

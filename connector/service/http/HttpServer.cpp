@@ -92,10 +92,13 @@ void HttpServer::releaseHandlers() noexcept {
 }
 
 void HttpServer::start() {
+    if (hasStarted) // a thread that is replaced while it runs would end the program
+        return;
     const BlockedSignals blocked; // threads inherit the mask
     workers.start(workerThreads);
     resume();
     thread = std::thread([this] { run(); });
+    hasStarted = true;
 }
 
 /// A handler fails only when there is no memory. What it did not start is started again as soon as

@@ -38,7 +38,7 @@ public:
 
     ~HttpServer(); ///< cuts what is in progress
 
-    /// Serves clients on a thread of its own.
+    /// Serves clients on a thread of its own. Does nothing the second time.
     void start();
 
     /// Accepts nobody any more, ends event streams, and waits for the requests in progress, at most
@@ -82,6 +82,7 @@ private:
     boost::asio::steady_timer timer;
     bool isTimerSet = false;
     Clock::time_point stopDeadline = never;
+    bool hasStarted = false;
     std::thread thread;
 };
 

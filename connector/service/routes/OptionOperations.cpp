@@ -51,8 +51,10 @@ public:
 
     Response remove(const Request& request) const {
         requireWritable(request.key);
-        if (!services.configuration.reset(request.key).get())
-            throw notFound(request.key);
+        if (!services.configuration.reset(request.key).get()) // another source may have the option
+            throw HttpError(Status::not_found,
+                            "There is no value that PUT would replace: " + request.key,
+                            request.key);
         return shown(request.key);
     }
 

@@ -2,6 +2,7 @@
 #include "service/support/HttpClient.hpp"
 #include "service/support/InProcessServer.hpp"
 #include "service/support/ServerProcess.hpp"
+#include "support/Expect.hpp"
 
 #include <Poco/Exception.h>
 #include <Poco/Net/ServerSocket.h>
@@ -16,7 +17,9 @@
 
 namespace {
 
+using test::get;
 using test::HttpClient;
+using test::InProcessServer;
 using test::ServerProcess;
 
 bool hasIpv6() {
@@ -43,6 +46,18 @@ void expectRefusal(const ServerProcess& server, const std::string& address) {
     } catch (const std::system_error& error) {
         EXPECT_EQ(std::errc::connection_refused, error.code()) << error.what();
     }
+}
+
+TEST(Listening, StartsOnce) {
+    InProcessServer server; // has started
+    server.service.start();
+    EXPECT_EQ(200, get(server.port(), "/options").status);
+}
+
+TEST(Listening, NeedsAConfiguration) {
+    test::expectThrows<std::invalid_argument>("A null configuration cannot be served.", [] {
+        connector::service::HttpService(nullptr, connector::service::HttpOptions());
+    });
 }
 
 TEST(Listening, WithoutAHostIsOnTheLoopbackAddressOnly) {

@@ -15,6 +15,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -56,6 +57,14 @@ TEST(Shutdown, CompletesEventStreams) {
         for (HttpClient& watcher : watchers)
             EXPECT_EQ("\nevent: end\ndata: {}\n\n", watcher.readToEnd());
     }
+}
+
+TEST(Shutdown, IsFinal) {
+    InProcessServer server;
+    EXPECT_EQ(200, get(server.port(), "/options").status);
+    server.close();
+    server.service.start();
+    EXPECT_THROW(HttpClient(server.port()), std::system_error);
 }
 
 /// So that the tests do not wait for the default timeout.

@@ -118,7 +118,9 @@ TEST(DeleteOption, RemovesTheValueThatPutWouldReplace) {
     EXPECT_EQ(option("k", R"({"type":"int","value":1})", "default"), response.body);
     EXPECT_NE(std::string::npos,
               watcher.readLineStartingWith("data: ").find(R"("source":"default")"));
-    EXPECT_EQ(404, request(server.port(), "DELETE", "/options/k").status);
+    const HttpResponse again = request(server.port(), "DELETE", "/options/k");
+    EXPECT_EQ(404, again.status); // although "default" has the option
+    EXPECT_EQ("There is no value that PUT would replace: k", errorOf(again.body));
 }
 
 TEST(DeleteOption, RespondsWithTheKeyIfNoSourceHasAValueThen) {

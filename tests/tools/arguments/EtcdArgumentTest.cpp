@@ -68,7 +68,7 @@ TEST(EtcdArgument, RefusesEverythingElse) {
         {__LINE__, "endpoint=http://a:1,prefix=p,prefix=q", "Repeated member of --etcd: prefix=q"},
         {__LINE__, "endpoint=http://a:1,prefix=p,format=json",
          "Unknown member of --etcd: format=json"},
-        {__LINE__, "endpoint=http://a:1,prefix=p,order=x", "Order is no 32-bit integer: x"},
+        {__LINE__, "endpoint=http://a:1,prefix=p,order=x", "Order is not a 32-bit integer: x"},
         {__LINE__, "endpoint=http://a:1,prefix=p,start=now",
          "Start is neither wait, cached nor empty: now"},
         {__LINE__, "endpoint=http://a:1,prefix=p,password-file=f",

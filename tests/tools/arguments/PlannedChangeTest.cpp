@@ -57,8 +57,9 @@ TEST(PlannedChange, RefusesEverythingElse) {
         EXPECT_EQ(forms, failureOf(words)) << testing::PrintToString(words);
     EXPECT_EQ("Not of the form @SOURCE: default", failureOf({"set", "a=1", "default"}));
     EXPECT_EQ("Not of the form KEY[:TYPE]=VALUE: a", failureOf({"set", "a"}));
-    EXPECT_EQ("Value does not convert to int: ******", failureOf({"set", "token:int=hush"}));
-    EXPECT_EQ("Unknown member of a file: x=1", failureOf({"add", "path=p,x=1"}));
+    EXPECT_EQ("Value of token does not convert to int: ******",
+              failureOf({"set", "token:int=hush"}));
+    EXPECT_EQ("Unknown member of FILE: x=1", failureOf({"add", "path=p,x=1"}));
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 /// Values against the parts of a JSON Schema.
 #include "checking/SchemaCheck.hpp"
 
-#include "checking/EditDistance.hpp"
-
 #include <connector/configuration/typed/OptionSchema.hpp>
 
 #include <gtest/gtest.h>
@@ -21,7 +19,6 @@ using connector::configuration::oneOf;
 using connector::configuration::OptionSchema;
 using connector::configuration::OptionValue;
 using connector::service::Secrets;
-using connector_config::editDistance;
 using connector_config::SchemaCheck;
 
 enum class Level { Debug, Info };
@@ -148,17 +145,6 @@ TEST(SchemaCheck, UnknownOptionsHaveSuggestionsNearby) {
 TEST(SchemaCheck, UnknownOptionsMayBeAllowed) {
     const SchemaCheck check(R"({"properties":{}})", Secrets());
     EXPECT_TRUE(check.check({{"any", "1"s}}).empty());
-}
-
-TEST(EditDistance, IsAsItIsCountedByHand) {
-    EXPECT_EQ(0u, editDistance("abc", "abc", 3));
-    EXPECT_EQ(1u, editDistance("abc", "abd", 3));
-    EXPECT_EQ(1u, editDistance("abc", "ab", 3));
-    EXPECT_EQ(2u, editDistance("port", "prot", 3));
-    EXPECT_EQ(2u, editDistance("", "ab", 3));
-    EXPECT_EQ(3u, editDistance("abc", "xyz", 3));
-    EXPECT_EQ(3u, editDistance("abc", "abcdefg", 3));
-    EXPECT_EQ(3u, editDistance("kitten", "sitting", 4));
 }
 
 } // namespace

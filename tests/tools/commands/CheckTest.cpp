@@ -392,7 +392,7 @@ TEST_F(CheckSchema, ASchemaThatCannotBeUsedIsAnError) {
         const char* schema;
         const char* error;
     } rows[] = {
-        {__LINE__, "[]", "it is no JSON object"},
+        {__LINE__, "[]", "it is not a JSON object"},
         {__LINE__, "{}", "it has no \"properties\""},
         {__LINE__, R"({"properties":{"a":1}})", "the option a is no object"},
         {__LINE__, R"({"properties":{},"required":[1]})",

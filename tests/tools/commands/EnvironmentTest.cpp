@@ -82,7 +82,7 @@ TEST(EnvOption, InvalidMembersAreUsageErrors) {
         {__LINE__, "prefix=A,", "Unknown member of --env: "},
         {__LINE__, "prefix=A,name", "Unknown member of --env: name"},
         {__LINE__, "prefix=A,name=b,name=c", "Repeated member of --env: name=c"},
-        {__LINE__, "prefix=A,order=1.5", "Order is no 32-bit integer: 1.5"},
+        {__LINE__, "prefix=A,order=1.5", "Order is not a 32-bit integer: 1.5"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);

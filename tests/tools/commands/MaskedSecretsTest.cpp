@@ -49,10 +49,10 @@ TEST(MaskedSecrets, InWatch) {
 }
 
 TEST(MaskedSecrets, InTheFailureOfAWatchLine) {
-    EXPECT_EQ("connector-config: Value does not convert to int: ******\n"
-              "connector-config: Value does not convert to intArray: ******\n"
-              "connector-config: Value does not convert to int: ******\n"
-              "connector-config: Value does not convert to int: me\n",
+    EXPECT_EQ("connector-config: Value of db.password does not convert to int: ******\n"
+              "connector-config: Value of my.Token does not convert to intArray: ******\n"
+              "connector-config: Value of net.port does not convert to int: ******\n"
+              "connector-config: Value of db.user does not convert to int: me\n",
               runConnectorConfig({"--secret", "net.*", "-s", "a=", "watch", "a"},
                                  "set db.password:int=hush\nset my.Token:intArray=hush @default\n"
                                  "set net.port:int=hush\nset db.user:int=me\n")
@@ -60,13 +60,14 @@ TEST(MaskedSecrets, InTheFailureOfAWatchLine) {
 }
 
 TEST(MaskedSecrets, InUsageErrors) {
-    const std::string hidden = test::usageError("Value does not convert to int: ******");
+    const std::string hidden = " does not convert to int: ******";
     for (const char* option : {"-s", "-d"}) {
-        EXPECT_EQ(hidden, runConnectorConfig({option, "db.password:int=hush", "keys"}).errors);
+        EXPECT_EQ(test::usageError("Value of db.password" + hidden),
+                  runConnectorConfig({option, "db.password:int=hush", "keys"}).errors);
         // The position of --secret does not matter.
-        EXPECT_EQ(hidden,
+        EXPECT_EQ(test::usageError("Value of [a]" + hidden),
                   runConnectorConfig({option, "[a]:int=hush", "keys", "--secret", "[A]"}).errors);
-        EXPECT_EQ(test::usageError("Value does not convert to int: me"),
+        EXPECT_EQ(test::usageError("Value of db.user does not convert to int: me"),
                   runConnectorConfig({option, "db.user:int=me", "keys"}).errors);
     }
 }

@@ -61,27 +61,27 @@ TEST(FileOption, InvalidMembersAreUsageErrors) {
         const char* file;
         const char* message;
     } rows[] = {
-        {__LINE__, "path=a,colour=red", "Unknown member of a file: colour=red"},
-        {__LINE__, "path=a,name", "Unknown member of a file: name"},
-        {__LINE__, "path=a,", "Unknown member of a file: "},
-        {__LINE__, "path=a,Name=b", "Unknown member of a file: Name=b"},
-        {__LINE__, "path=a, name=b", "Unknown member of a file:  name=b"},
-        {__LINE__, "path=a,name=b,name=c", "Repeated member of a file: name=c"},
-        {__LINE__, "path=a,path=b", "Repeated member of a file: path=b"},
-        {__LINE__, "path=a,order=", "Order is no 32-bit integer: "},
-        {__LINE__, "path=a,order=ten", "Order is no 32-bit integer: ten"},
-        {__LINE__, "path=a,order=1.5", "Order is no 32-bit integer: 1.5"},
-        {__LINE__, "path=a,order=1 ", "Order is no 32-bit integer: 1 "},
-        {__LINE__, "path=a,order=2147483648", "Order is no 32-bit integer: 2147483648"},
-        {__LINE__, "path=a,order=-2147483649", "Order is no 32-bit integer: -2147483649"},
-        {__LINE__, "path=a,order=1,group=g,x=y", "Unknown member of a file: x=y"},
-        {__LINE__, "path=a,format=", "Unknown format of a file: "},
-        {__LINE__, "path=a,format=JSON", "Unknown format of a file: JSON"},
-        {__LINE__, "path=a,format=yml", "Unknown format of a file: yml"},
+        {__LINE__, "path=a,colour=red", "Unknown member of FILE: colour=red"},
+        {__LINE__, "path=a,name", "Unknown member of FILE: name"},
+        {__LINE__, "path=a,", "Unknown member of FILE: "},
+        {__LINE__, "path=a,Name=b", "Unknown member of FILE: Name=b"},
+        {__LINE__, "path=a, name=b", "Unknown member of FILE:  name=b"},
+        {__LINE__, "path=a,name=b,name=c", "Repeated member of FILE: name=c"},
+        {__LINE__, "path=a,path=b", "Repeated member of FILE: path=b"},
+        {__LINE__, "path=a,order=", "Order is not a 32-bit integer: "},
+        {__LINE__, "path=a,order=ten", "Order is not a 32-bit integer: ten"},
+        {__LINE__, "path=a,order=1.5", "Order is not a 32-bit integer: 1.5"},
+        {__LINE__, "path=a,order=1 ", "Order is not a 32-bit integer: 1 "},
+        {__LINE__, "path=a,order=2147483648", "Order is not a 32-bit integer: 2147483648"},
+        {__LINE__, "path=a,order=-2147483649", "Order is not a 32-bit integer: -2147483649"},
+        {__LINE__, "path=a,order=1,group=g,x=y", "Unknown member of FILE: x=y"},
+        {__LINE__, "path=a,format=", "Format is neither properties, json, yaml nor toml: "},
+        {__LINE__, "path=a,format=JSON", "Format is neither properties, json, yaml nor toml: JSON"},
+        {__LINE__, "path=a,format=yml", "Format is neither properties, json, yaml nor toml: yml"},
         {__LINE__, "path=a,optional=yes", "Optional is neither true nor false: yes"},
         {__LINE__, "path=a,optional=", "Optional is neither true nor false: "},
-        {__LINE__, "path=a,optional", "Unknown member of a file: optional"},
-        {__LINE__, "path=a,format=json,format=json", "Repeated member of a file: format=json"},
+        {__LINE__, "path=a,optional", "Unknown member of FILE: optional"},
+        {__LINE__, "path=a,format=json,format=json", "Repeated member of FILE: format=json"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
@@ -197,7 +197,7 @@ TEST(Sources, AreAddedInTheOrderOfTheCommandLine) {
 }
 
 TEST(Sources, UsageErrorsAreReportedBeforeFilesAreRead) {
-    EXPECT_EQ((Result{2, "", usageError("Value does not convert to int: x")}),
+    EXPECT_EQ((Result{2, "", usageError("Value of k does not convert to int: x")}),
               runConnectorConfig({"-f", "/no/such/file", "-s", "k:int=x", "keys"}));
 }
 

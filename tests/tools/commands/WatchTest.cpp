@@ -198,14 +198,14 @@ TEST(Watch, ReportsInvalidLinesOnStandardErrorAndContinues) {
         {__LINE__, "quit now", unknown + "quit now"},
         {__LINE__, "\x1b[31m", unknown + "\\x1b[31m"},
         {__LINE__, "set k", "Not of the form KEY[:TYPE]=VALUE: k"},
-        {__LINE__, "set k:int=x", "Value does not convert to int: x"},
+        {__LINE__, "set k:int=x", "Value of k does not convert to int: x"},
         {__LINE__, "set k=1 @nobody", "Source not found or not writable: k, nobody"},
         {__LINE__, "set k=1 @", "Source not found or not writable: k, "},
         {__LINE__, "set k=1 @file", "Source not found or not writable: k, file"},
         {__LINE__, "add /no/such/file", "Property file could not be opened: /no/such/file"},
         {__LINE__, "add a\xff", "Path is not valid UTF-8: a\\xff"},
-        {__LINE__, "add path=a,b=c", "Unknown member of a file: b=c"},
-        {__LINE__, "add path=a,order=x", "Order is no 32-bit integer: x"},
+        {__LINE__, "add path=a,b=c", "Unknown member of FILE: b=c"},
+        {__LINE__, "add path=a,order=x", "Order is not a 32-bit integer: x"},
         {__LINE__, "remove nobody", "No source with that name: nobody"},
     };
     const TemporaryFile file("k=0\n");

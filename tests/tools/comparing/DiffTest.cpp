@@ -209,7 +209,7 @@ TEST_F(Diff, RequiresTwoSides) {
                       usageError("Not of the form http://HOST:PORT, https://HOST:PORT or "
                                  "unix:PATH: x")}),
               runConnectorConfig({"diff", "a", "--url", "x"}));
-    EXPECT_EQ((Result{2, "", usageError("Unknown format of a file: x")}),
+    EXPECT_EQ((Result{2, "", usageError("Format is neither properties, json, yaml nor toml: x")}),
               runConnectorConfig({"diff", "a", "path=b,format=x"}));
 }
 

@@ -22,7 +22,7 @@ struct Row {
 void expectRead(const std::vector<Row>& rows) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
-        const OptionValue value = readValue(row.type, row.text);
+        const OptionValue value = readValue("k", row.type, row.text);
         EXPECT_EQ(row.type, typeOf(value));
         EXPECT_TRUE(row.value == value) << plainText(value);
     }
@@ -135,17 +135,17 @@ TEST(ReadValue, NamesTypeAndTextOfAnInvalidValue) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
-        test::expectThrows<WrongArguments>("Value does not convert to " + typeName(row.type) +
+        test::expectThrows<WrongArguments>("Value of k does not convert to " + typeName(row.type) +
                                                ": " + row.text.c_str(),
-                                           [&row] { readValue(row.type, row.text); });
+                                           [&row] { readValue("k", row.type, row.text); });
     }
 }
 
 TEST(ReadValue, MasksAnInvalidSecret) {
     for (const ValueType type : {ValueType::Int, ValueType::Bool, ValueType::IntArray})
-        test::expectThrows<WrongArguments>("Value does not convert to " + typeName(type) +
+        test::expectThrows<WrongArguments>("Value of k does not convert to " + typeName(type) +
                                                ": ******",
-                                           [type] { readValue(type, "hush", true); });
+                                           [type] { readValue("k", type, "hush", true); });
 }
 
 TEST(PlainText, OfAnyOtherTypeThanTextReadsBackAsTheSameValue) {
@@ -165,7 +165,7 @@ TEST(PlainText, OfAnyOtherTypeThanTextReadsBackAsTheSameValue) {
         std::vector<std::u16string>{u"\U0001F600\u0085"},
     };
     for (const OptionValue& value : values)
-        EXPECT_TRUE(value == readValue(typeOf(value), plainText(value))) << plainText(value);
+        EXPECT_TRUE(value == readValue("k", typeOf(value), plainText(value))) << plainText(value);
 }
 
 TEST(TypeNames, AreTheTagsOfTheJsonForm) {

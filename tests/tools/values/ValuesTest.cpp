@@ -32,7 +32,7 @@ TEST(Value, InvalidOnesAreUsageErrorsThatNameTypeAndText) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.line);
         const std::string message =
-            std::string("Value does not convert to ") + row.type + ": " + row.value;
+            std::string("Value of k does not convert to ") + row.type + ": " + row.value;
         const std::string assignment = std::string("k:") + row.type + "=" + row.value;
         EXPECT_EQ((Result{2, "", usageError(message)}),
                   runConnectorConfig({"-s", assignment, "keys"}));
@@ -42,7 +42,7 @@ TEST(Value, InvalidOnesAreUsageErrorsThatNameTypeAndText) {
 }
 
 TEST(Value, InvalidOnesAreEscapedInTheFailure) {
-    EXPECT_EQ((Result{2, "", usageError("Value does not convert to ustring: \\xff\\x1b\\n")}),
+    EXPECT_EQ((Result{2, "", usageError("Value of k does not convert to ustring: \\xff\\x1b\\n")}),
               runConnectorConfig({"-s", "k:ustring=\xff\x1b\n", "keys"}));
 }
 

@@ -37,7 +37,7 @@ Assignment parseAssignment(const std::string& text, const Secrets& secrets) {
     }
     if (key.empty())
         throw WrongArguments("Not of the form KEY[:TYPE]=VALUE: " + text);
-    OptionValue value = readValue(type, text.substr(equalsSign + 1), secrets.isSecret(key));
+    OptionValue value = readValue(key, type, text.substr(equalsSign + 1), secrets.isSecret(key));
     return {std::move(key), std::move(value), hasUnknownType};
 }
 

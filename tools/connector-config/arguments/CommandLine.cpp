@@ -1,11 +1,46 @@
 #include "arguments/CommandLine.hpp"
 
 #include "arguments/LiteralArguments.hpp"
+#include "values/Suggestion.hpp"
 #include "values/WrongArguments.hpp"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 namespace connector_config {
+
+namespace {
+
+std::vector<std::string> optionsOf(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : command.get_options()) {
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    }
+    return names;
+}
+
+std::vector<std::string> commandsOf(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const CLI::App* const subcommand : command.get_subcommands(nullptr))
+        names.push_back(subcommand->get_name());
+    return names;
+}
+
+/// @return whether the program or one of its commands has the option
+bool isOption(const CLI::App& command, const std::string& name) {
+    const std::vector<std::string> names = optionsOf(command);
+    if (std::find(names.begin(), names.end(), name) != names.end())
+        return true;
+    const std::vector<const CLI::App*> commands = command.get_subcommands(nullptr);
+    return std::any_of(commands.begin(), commands.end(),
+                       [&name](const CLI::App* one) { return isOption(*one, name); });
+}
+
+} // namespace
 
 CommandLine::CommandLine(CLI::App& newApp) : app(newApp) {
     app.require_subcommand(0, 1);
@@ -27,6 +62,11 @@ void CommandLine::parse(int argc, const char* const argv[]) {
         throw;
     } catch (const CLI::ExtrasError&) {
         throw WrongArguments(describeExtra(unmarked(app.remaining(true).front())));
+    } catch (const CLI::RequiredError& error) {
+        // What is missing may be there, but mistyped: name that.
+        const std::vector<std::string> extras = app.remaining(true);
+        throw WrongArguments(extras.empty() ? error.what()
+                                            : describeExtra(unmarked(extras.front())));
     } catch (const CLI::ParseError& error) {
         throw WrongArguments(error.what());
     }
@@ -40,8 +80,22 @@ Command CommandLine::command() const {
 }
 
 std::string CommandLine::describeExtra(const std::string& extra) const {
-    const bool isCommand = app.get_subcommands().empty() && extra.compare(0, 1, "-") != 0;
-    return (isCommand ? "Unknown command: " : "Unexpected argument: ") + extra;
+    const CLI::App* innermost = &app;
+    std::string path;
+    std::vector<std::string> options = optionsOf(app);
+    while (!innermost->get_subcommands().empty()) {
+        innermost = innermost->get_subcommands().front();
+        path += innermost->get_name() + ' ';
+        for (std::string& option : optionsOf(*innermost))
+            options.push_back(std::move(option));
+    }
+    if (extra.compare(0, 1, "-") == 0) // an option of another command is not mistyped
+        return "Unexpected argument: " + extra +
+               (isOption(app, extra) ? "" : suggestion(extra, options));
+    const std::vector<std::string> commands = commandsOf(*innermost);
+    if (commands.empty())
+        return "Unexpected argument: " + extra;
+    return "Unknown command: " + path + extra + suggestion(extra, commands);
 }
 
 } // namespace connector_config

@@ -21,7 +21,7 @@ FileFormat formatFromName(const std::string& name) {
                                                            {"toml", FileFormat::Toml}};
     const auto format = formats.find(name);
     if (format == formats.end())
-        throw WrongArguments("Unknown format of a file: " + name);
+        throw WrongArguments("Format is neither properties, json, yaml nor toml: " + name);
     return format->second;
 }
 
@@ -64,13 +64,13 @@ FileArgument plainFile(const std::string& path) {
 FileArgument parseFileArgument(const std::string& text) {
     if (!isLongForm(text))
         return plainFile(text);
-    return fileOf({text, {"path", "name", "group", "order", "format", "optional"}, "a file"});
+    return fileOf({text, {"path", "name", "group", "order", "format", "optional"}, "FILE"});
 }
 
 FileArgument parseImportedFile(const std::string& text) {
     if (!isLongForm(text))
         return plainFile(text);
-    return fileOf({text, {"path", "format"}, "a file to import"});
+    return fileOf({text, {"path", "format"}, "FILE to import"});
 }
 
 } // namespace connector_config

@@ -13,13 +13,13 @@ std::string withEtcd(const char* text) {
 
 constexpr const char* fleetCommands = R"(
   fleet put KEY[:TYPE]=VALUE...
-                         writes options to the one --etcd, in one transaction
-                         of at most 128, and prints the revision
+                         writes up to 128 options below the prefix of --etcd
+                         in one transaction, and prints its revision
   fleet delete KEY...    deletes options in one transaction, and prints how
                          many there were
-  fleet import FILE      writes what a file says, and prints a line for each
-                         key that is new (+), changes (~) or is deleted (-);
-                         FILE is a path, or path=P[,format=F]
+  fleet import FILE      writes the options of a file, and prints a line for
+                         each key that is new (+), changes (~) or is deleted
+                         (-); FILE is a path, or path=P[,format=F]
       --delete           deletes the keys that the file does not have
       --dry-run          writes nothing
   fleet export           all options, as a JSON document that import takes
@@ -76,20 +76,20 @@ Commands:
       --property-root DIR
                          clients may add property files below DIR
       --max-file-size BYTES
-                         of such a file; by default 64 MiB
+                         the size of such a file, at most; by default 64 MiB
       --token-file FILE  clients must send the token in FILE
       --allow-host NAME  clients may reach the service by NAME, for example
                          behind a proxy; may be repeated
       --tls-cert FILE --tls-key FILE
                          TLS with this certificate and its key
       --client-ca FILE   clients need a certificate of this authority
-  check FILE...          what a file says to the library and not, or otherwise,
-                         to java.util.Properties, as FILE:LINE:COLUMN lines;
-                         "-" is standard input; JSON, YAML and TOML files are
-                         parsed
+  check FILE...          what the library and java.util.Properties read
+                         differently in property files, and other probable
+                         mistakes, as FILE:LINE:COLUMN lines; JSON, YAML and
+                         TOML files are parsed; "-" is standard input
       --schema FILE      also checks keys and values against a JSON Schema
-      --disable RULE     not this rule; may be repeated
-      --sarif            one SARIF document
+      --disable RULE     switches a rule off; may be repeated
+      --sarif            writes one SARIF document
       --fix              rewrites lines so that both read what the library
                          reads now
       --diff             shows what --fix would change
@@ -120,7 +120,8 @@ Sources, added in the order given:
                          read-only; the rest of the name, in lower case and
                          with "." for "__", is the key; PREFIX may also be
                          prefix=P[,name=N][,group=G][,order=O]; by default
-                         the name is "env" and the order is 50)" +
+                         the name is "env" and the order is 50; a second one
+                         needs another name)" +
            withEtcd(etcdOption) + R"(
   -s, --set KEY[:TYPE]=VALUE
                          a value in "override", order 0

@@ -51,7 +51,7 @@ std::int32_t Members::order(std::int32_t otherwise) const {
         return otherwise;
     const auto order = readNumber<std::int32_t>(*text);
     if (!order)
-        throw WrongArguments("Order is no 32-bit integer: " + *text);
+        throw WrongArguments("Order is not a 32-bit integer: " + *text);
     return *order;
 }
 

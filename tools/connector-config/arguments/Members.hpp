@@ -30,7 +30,7 @@ public:
     std::vector<std::string> all(std::string_view name) const;
 
     /// @return the number; `otherwise` if there is no member "order"
-    /// @throws WrongArguments "Order is no 32-bit integer: TEXT"
+    /// @throws WrongArguments "Order is not a 32-bit integer: TEXT"
     std::int32_t order(std::int32_t otherwise) const;
 
 private:

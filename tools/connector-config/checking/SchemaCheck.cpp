@@ -1,8 +1,8 @@
 #include "checking/SchemaCheck.hpp"
 
 #include "arguments/CheckRules.hpp"
-#include "checking/EditDistance.hpp"
 #include "checking/ValueCheck.hpp"
+#include "values/Suggestion.hpp"
 #include "values/ValueText.hpp"
 
 #include <Poco/Exception.h>
@@ -19,7 +19,6 @@ namespace {
 using Poco::JSON::Object;
 
 constexpr std::size_t deepest = 100; // levels; the parser is recursive
-constexpr std::size_t farthestSuggestion = 2;
 
 [[noreturn]] void refuse(const std::string& reason) {
     throw std::runtime_error("Schema cannot be used: " + reason);
@@ -31,9 +30,9 @@ Object::Ptr parse(const std::string& json) {
         parser.setDepth(deepest);
         return parser.parse(json).extract<Object::Ptr>();
     } catch (const Poco::BadCastException&) {
-        refuse("it is no JSON object");
+        refuse("it is not a JSON object");
     } catch (const Poco::Exception& error) {
-        refuse(error.displayText());
+        refuse("it is not JSON: " + error.message());
     }
 }
 
@@ -93,10 +92,8 @@ std::vector<SchemaProblem> SchemaCheck::check(const Table& table) const {
 }
 
 void SchemaCheck::checkUnknown(const std::string& key, std::vector<SchemaProblem>& problems) const {
-    const std::string near = suggestion(key);
     problems.push_back(
-        {key, unknownOptionRule,
-         key + " is unknown" + (near.empty() ? "" : ", did you mean " + near + '?')});
+        {key, unknownOptionRule, key + " is unknown" + suggestion(key, options->getNames())});
 }
 
 void SchemaCheck::checkValue(const std::string& key, const OptionValue& value,
@@ -107,19 +104,6 @@ void SchemaCheck::checkValue(const std::string& key, const OptionValue& value,
     const std::string shown =
         secrets.isSecret(key) ? connector::service::Secrets::mask : shownValue(value);
     problems.push_back({key, invalidValueRule, key + ' ' + problem + ": " + shown});
-}
-
-std::string SchemaCheck::suggestion(const std::string& key) const {
-    std::string nearest;
-    std::size_t distance = farthestSuggestion + 1;
-    for (const std::string& name : options->getNames()) {
-        const std::size_t here = editDistance(key, name, distance);
-        if (here < distance) {
-            distance = here;
-            nearest = name;
-        }
-    }
-    return nearest;
 }
 
 } // namespace connector_config

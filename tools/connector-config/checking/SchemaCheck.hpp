@@ -37,7 +37,6 @@ private:
     void checkUnknown(const std::string& key, std::vector<SchemaProblem>& problems) const;
     void checkValue(const std::string& key, const OptionValue& value,
                     std::vector<SchemaProblem>& problems) const;
-    std::string suggestion(const std::string& key) const;
 
     const connector::service::Secrets secrets;
     Poco::JSON::Object::Ptr options; // by key

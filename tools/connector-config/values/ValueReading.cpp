@@ -163,14 +163,15 @@ std::optional<OptionValue> tryRead(ValueType type, const std::string& text) {
 
 } // namespace
 
-OptionValue readValue(ValueType type, const std::string& text, bool isSecret) {
+OptionValue readValue(const std::string& key, ValueType type, const std::string& text,
+                      bool isSecret) {
     try {
         if (std::optional<OptionValue> value = tryRead(type, text))
             return std::move(*value);
     } catch (const Poco::Exception&) {
         // Not JSON. The failure below is clearer than the parser's, which is about byte positions.
     }
-    throw WrongArguments("Value does not convert to " + typeName(type) + ": " +
+    throw WrongArguments("Value of " + key + " does not convert to " + typeName(type) + ": " +
                          (isSecret ? Secrets::mask : text));
 }
 

@@ -13,8 +13,11 @@ namespace connector_config {
 ///     string           any bytes
 ///     ustring          UTF-8
 ///     arrays           a JSON array whose elements all have the type
+/// @param key       of the value, for the failure
 /// @param isSecret  masks the text in the failure
-/// @throws WrongArguments "Value does not convert to TYPE: TEXT", with "******" for a secret TEXT
-OptionValue readValue(ValueType type, const std::string& text, bool isSecret = false);
+/// @throws WrongArguments "Value of KEY does not convert to TYPE: TEXT", with "******" for a secret
+///         TEXT
+OptionValue readValue(const std::string& key, ValueType type, const std::string& text,
+                      bool isSecret = false);
 
 } // namespace connector_config

@@ -64,6 +64,28 @@ bool isSame(const A& left, const B& right) {
         return left == right;
 }
 
+/// Whether the operators exist that a check uses. Asked before they are used: a compiler that
+/// misses one lists every other one that it knows.
+template <typename A, typename B, typename = void>
+struct AreOrdered : std::false_type {};
+template <typename A, typename B>
+struct AreOrdered<A, B,
+                  std::void_t<decltype(std::declval<const A&>() < std::declval<const B&>()),
+                              decltype(std::declval<const A&>() == std::declval<const B&>())>>
+    : std::true_type {};
+
+template <typename A, typename B, typename = void>
+struct AreComparable : std::false_type {};
+template <typename A, typename B>
+struct AreComparable<A, B,
+                     std::void_t<decltype(std::declval<const A&>() == std::declval<const B&>())>>
+    : std::true_type {};
+
+template <typename T, typename = void>
+struct CanBeEmpty : std::false_type {};
+template <typename T>
+struct CanBeEmpty<T, std::void_t<decltype(std::declval<const T&>().empty())>> : std::true_type {};
+
 /// The bounds of a JSON Schema, within those of the type.
 template <typename T, typename Bound>
 void setBound(Facets& facets, const char* name, const Bound& bound, const T& limit,
@@ -81,6 +103,18 @@ struct Range {
 
     template <typename T>
     Check checkFor() const {
+        constexpr bool fits = AreOrdered<Low, T>::value && AreOrdered<T, High>::value;
+        static_assert(fits, "the bounds of inRange cannot be compared with the option's type: "
+                            "std::chrono::seconds(1) for a duration, ByteSize{1} for a byte size");
+        if constexpr (fits)
+            return checkOf<T>();
+        else
+            return {};
+    }
+
+private:
+    template <typename T>
+    Check checkOf() const {
         const std::string text = "must be between " + bare(low) + " and " + bare(high) + ": ";
         Check check;
         check.problem = [range = *this, text](const void* member, const ShownValue& shown) {
@@ -107,6 +141,17 @@ struct Choice {
 
     template <typename T>
     Check checkFor() const {
+        constexpr bool fits = AreComparable<T, Value>::value;
+        static_assert(fits, "the values of oneOf cannot be compared with the option's type");
+        if constexpr (fits)
+            return checkOf<T>();
+        else
+            return {};
+    }
+
+private:
+    template <typename T>
+    Check checkOf() const {
         std::string names, json;
         for (const Value& value : values) {
             names.append(names.empty() ? "" : ", ").append(bare(value));
@@ -130,6 +175,16 @@ struct Choice {
 struct NotEmpty {
     template <typename T>
     Check checkFor() const {
+        static_assert(CanBeEmpty<T>::value, "notEmpty is for text, paths and lists");
+        if constexpr (CanBeEmpty<T>::value)
+            return checkOf<T>();
+        else
+            return {};
+    }
+
+private:
+    template <typename T>
+    Check checkOf() const {
         Check check;
         check.problem = [](const void* member, const ShownValue&) {
             return static_cast<const T*>(member)->empty() ? texts::empty : std::string();

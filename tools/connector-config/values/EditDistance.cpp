@@ -1,4 +1,4 @@
-#include "checking/EditDistance.hpp"
+#include "values/EditDistance.hpp"
 
 #include <algorithm>
 
