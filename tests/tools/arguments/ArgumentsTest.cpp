@@ -18,7 +18,7 @@ TEST(Arguments, InvalidOnesAreUsageErrors) {
         {__LINE__, {}, "COMMAND is required"},
         {__LINE__, {"--json"}, "COMMAND is required"},
         {__LINE__, {"-s", "a=1"}, "COMMAND is required"},
-        {__LINE__, {"fetch", "a"}, "Unknown command: fetch, did you mean watch?"},
+        {__LINE__, {"fetch", "a"}, "Unknown command: fetch"},
         {__LINE__, {"GET", "a"}, "Unknown command: GET"},
         {__LINE__, {"gte", "a"}, "Unknown command: gte, did you mean get?"},
         {__LINE__, {"--jsno", "keys"}, "Unexpected argument: --jsno, did you mean --json?"},

@@ -20,7 +20,7 @@ TEST(FleetArguments, AreCheckedAtOnce) {
         const char* message;
     } rows[] = {
         {__LINE__, {"fleet"}, "fleet requires put, delete, import, export or status"},
-        {__LINE__, {"fleet", "get"}, "Unknown command: fleet get, did you mean put?"},
+        {__LINE__, {"fleet", "get"}, "Unknown command: fleet get"},
         {__LINE__, {"fleet", "status"}, "fleet requires exactly one --etcd"},
         {__LINE__,
          {"--etcd", etcd, "fleet", "export", "--etcd", etcd + ",name=n"},

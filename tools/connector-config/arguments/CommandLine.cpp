@@ -30,6 +30,21 @@ std::vector<std::string> commandsOf(const CLI::App& command) {
     return names;
 }
 
+/// Whoever mistypes a word seldom mistypes its first letter. Words are short, so two edits make a
+/// word of most others.
+/// @return ", did you mean CANDIDATE?" or nothing
+std::string likely(const std::string& text, std::vector<std::string> candidates) {
+    const std::size_t first = text.find_first_not_of('-');
+    const auto differs = [&](const std::string& candidate) {
+        return text.compare(0, first + 1, candidate, 0, first + 1) != 0;
+    };
+    if (first == text.npos)
+        return "";
+    candidates.erase(std::remove_if(candidates.begin(), candidates.end(), differs),
+                     candidates.end());
+    return suggestion(text, candidates);
+}
+
 /// @return whether the program or one of its commands has the option
 bool isOption(const CLI::App& command, const std::string& name) {
     const std::vector<std::string> names = optionsOf(command);
@@ -91,11 +106,11 @@ std::string CommandLine::describeExtra(const std::string& extra) const {
     }
     if (extra.compare(0, 1, "-") == 0) // an option of another command is not mistyped
         return "Unexpected argument: " + extra +
-               (isOption(app, extra) ? "" : suggestion(extra, options));
+               (isOption(app, extra) ? "" : likely(extra, std::move(options)));
     const std::vector<std::string> commands = commandsOf(*innermost);
     if (commands.empty())
         return "Unexpected argument: " + extra;
-    return "Unknown command: " + path + extra + suggestion(extra, commands);
+    return "Unknown command: " + path + extra + likely(extra, commands);
 }
 
 } // namespace connector_config
