@@ -288,7 +288,7 @@ def main():
             keep_alive(report, ours, fixed, rounds, seconds)
             connection_each(report, ours, fixed, rounds, int(20000 * scale))
         slow_heads(report, ours, int(2000 * scale), min(rounds, 3), seconds)
-        idle_streams(report, ours, int(9999 * scale))  # and one that changes the option
+        idle_streams(report, ours, int(9998 * scale))  # and one that changes it, and another one
         growth(report, ours, int(100000 * scale))
         large_events(report, ours, int(1500 * scale))
     if arguments.json:
