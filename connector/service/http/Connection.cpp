@@ -182,7 +182,8 @@ void Connection::serve() {
     if (request.operation->isShared)
         context.shared.request(std::move(request), std::move(done));
     else
-        context.workers.run(std::make_unique<RequestTask>(std::move(request), std::move(done)));
+        context.workers.run(
+            std::make_unique<RequestTask>(std::move(request), context.texts, std::move(done)));
 }
 
 /// What follows the head cannot be told from a next request if the request has not been read whole.

@@ -51,8 +51,8 @@ HttpServer::HttpServer(const HttpOptions& newOptions, const Router& router,
                        const RequestGuard& guard, configuration::ConfigurationImpl& configuration,
                        const Secrets& secrets, Metrics& metrics)
     : options(newOptions), workers(io), turns(io), events(io, configuration, secrets, workers),
-      shared(workers), context{options.limits, router, guard,  workers,
-                               turns,          events, shared, metrics},
+      shared(workers, texts), context{options.limits, router, guard, workers, turns,
+                                      events,         shared, texts, metrics},
       places(options.limits.connections), timer(io) {
     if (options.tls)
         tls = makeServerContext(*options.tls);

@@ -10,6 +10,7 @@
 #include <connector/service/http/Connection.hpp>
 #include <connector/service/http/ServerContext.hpp>
 #include <connector/service/http/SharedResponses.hpp>
+#include <connector/service/http/SharedTexts.hpp>
 #include <connector/service/network/Listener.hpp>
 #include <connector/service/network/Places.hpp>
 #include <connector/service/network/Workers.hpp>
@@ -69,6 +70,7 @@ private:
     // The network thread ends when it is told to, also if no handler waits because none had memory.
     const boost::asio::executor_work_guard<boost::asio::io_context::executor_type> guard{
         io.get_executor()};
+    SharedTexts texts;
     Workers workers;
     WriteTurns turns;
     EventHub events;

@@ -3,6 +3,7 @@
 #include <connector/service/messages/Reply.hpp>
 
 #include <new>
+#include <utility>
 
 namespace connector::service {
 
@@ -25,7 +26,9 @@ Response responseTo(const Request& request) {
 
 void RequestTask::work() noexcept {
     try {
-        response = responseTo(request);
+        Response made = responseTo(request);
+        made.body = texts.shared(std::move(made.body));
+        response = std::move(made);
     } catch (...) { // no memory; the connection says so
     }
 }

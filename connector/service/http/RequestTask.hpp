@@ -1,11 +1,13 @@
 /// A request that a worker serves.
 #pragma once
 
-#include <connector/service/network/Workers.hpp>
+#include <connector/service/http/SharedTexts.hpp>
+#include <connector/service/network/Task.hpp>
 #include <connector/service/protocol/Request.hpp>
 
 #include <functional>
 #include <optional>
+#include <utility>
 
 namespace connector::service {
 
@@ -18,14 +20,16 @@ public:
     /// Called on the network thread; without a response if there was no memory.
     using Done = std::function<void(const std::optional<Response>&)>;
 
-    RequestTask(Request newRequest, Done newDone)
-        : request(std::move(newRequest)), done(std::move(newDone)) {}
+    /// @param newTexts  outlives the task
+    RequestTask(Request newRequest, SharedTexts& newTexts, Done newDone)
+        : request(std::move(newRequest)), texts(newTexts), done(std::move(newDone)) {}
 
     void work() noexcept override;
     void finish() noexcept override { done(response); }
 
 private:
     const Request request;
+    SharedTexts& texts;
     const Done done; // does not throw
     std::optional<Response> response;
 };

@@ -5,6 +5,7 @@
 #include <connector/service/access/RequestGuard.hpp>
 #include <connector/service/events/EventHub.hpp>
 #include <connector/service/http/SharedResponses.hpp>
+#include <connector/service/http/SharedTexts.hpp>
 #include <connector/service/metrics/Metrics.hpp>
 #include <connector/service/network/Workers.hpp>
 #include <connector/service/network/WriteTurns.hpp>
@@ -20,6 +21,7 @@ struct ServerContext {
     WriteTurns& turns;
     EventHub& events;
     SharedResponses& shared;
+    SharedTexts& texts;
     Metrics& metrics;
     bool isStopping = false;
 };

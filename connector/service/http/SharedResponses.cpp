@@ -44,7 +44,7 @@ void SharedResponses::make(const std::string& name, const std::shared_ptr<const 
     try {
         auto all = std::make_shared<const Waiting>(std::move(waiting));
         workers.run(std::make_unique<RequestTask>(
-            *request, [this, name, request, all](const std::optional<Response>& response) {
+            *request, texts, [this, name, request, all](const std::optional<Response>& response) {
                 finish(name, request);
                 for (const RequestTask::Done& done : *all)
                     done(response);

@@ -17,7 +17,9 @@ namespace connector::service {
 /// thousand clients cost two lists. Used by the network thread only.
 class SharedResponses {
 public:
-    explicit SharedResponses(Workers& newWorkers) : workers(newWorkers) {}
+    /// @param newWorkers  outlives this object, as the other argument does
+    SharedResponses(Workers& newWorkers, SharedTexts& newTexts)
+        : workers(newWorkers), texts(newTexts) {}
 
     /// @param request  without a body
     void request(Request request, RequestTask::Done done);
@@ -30,6 +32,7 @@ private:
     void finish(const std::string& name, const std::shared_ptr<const Request>& request) noexcept;
 
     Workers& workers;
+    SharedTexts& texts;
     std::unordered_map<std::string, Waiting>
         later; // by the names of the requests that are being served
 };

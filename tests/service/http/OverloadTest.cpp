@@ -237,6 +237,22 @@ TEST(Overload, IdleClientsKeepNoMemoryForTheirRequests) {
     }
 }
 
+TEST(Overload, LargeValuesThatAreNotReadDoNotPileUp) {
+    ServerProcess server({"--writable", ""}, {"-s", "large=1"});
+    ASSERT_EQ(200, put(server.port(), "large", '"' + std::string(1000000, 'x') + '"').status);
+    std::vector<HttpClient> clients;
+    for (int i = 0; i < 300 / slowdown; ++i) {
+        clients.emplace_back(server.port(), 4096);
+        clients.back().get("/options/large");
+        EXPECT_EQ("HTTP/1.1 200 OK", clients.back().readLine());
+    }
+    if (!isSanitized) {
+        EXPECT_LT(memoryOf(server.process().processId()), 100 * 1000 * 1000); // copies: 300 MB
+    }
+    clients.clear();
+    EXPECT_EQ(0, server.stop().status);
+}
+
 TEST(Overload, LargeEventsDoNotDelayOthersNorPileUp) {
     raiseDescriptorLimit();
     ServerProcess server({"--writable", ""}, {"-s", "large=1", "-s", "small=0"});
