@@ -5,6 +5,8 @@
 
 #include <csignal>
 #include <regex>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -23,6 +25,11 @@ protected:
         server.restart();
         server.waitUntilReady();
     }
+
+    /// The first time that a source is current is not told, so it must be over when the server
+    /// ends. A source is current before it has the first change, and has said so before it has the
+    /// second.
+    const std::vector<std::string> twoChanges{"1", "2"};
 };
 
 TEST_F(FollowingTest, WatchPrintsTheChangesOfThePrefix) {
@@ -43,15 +50,19 @@ TEST_F(FollowingTest, WatchPrintsTheChangesOfThePrefix) {
 }
 
 TEST_F(FollowingTest, WatchTellsThatTheSourceIsStaleAndCurrentAgain) {
-    put("a", "1");
+    put("a", "0");
     test::Process watch(test::connectorConfig({"--etcd", etcd(",name=fleet"), "watch", "a"}));
-    EXPECT_EQ("a = 1  (fleet)", watch.readLine());
+    EXPECT_EQ("a = 0  (fleet)", watch.readLine());
+    for (const std::string& value : twoChanges) {
+        put("a", value);
+        EXPECT_EQ("a = " + value + "  (fleet)", watch.readLine());
+    }
     server.kill();
     expectStale(watch.readErrorLine(), "fleet");
     restartServer();
-    EXPECT_EQ("fleet: current at revision 2", watch.readErrorLine());
-    put("a", "2");
-    EXPECT_EQ("a = 2  (fleet)", watch.readLine());
+    EXPECT_EQ("fleet: current at revision 4", watch.readErrorLine());
+    put("a", "3");
+    EXPECT_EQ("a = 3  (fleet)", watch.readLine());
     watch.write("quit\n");
     EXPECT_EQ((Result{0, "", ""}), watch.finish());
 }
@@ -69,17 +80,25 @@ TEST_F(FollowingTest, WatchBeginsWithoutAnEngine) {
 }
 
 TEST_F(FollowingTest, ServeTellsThatTheSourceIsStaleAndCurrentAgain) {
-    put("a", "one");
+    put("a", "0");
     test::Process serve(test::connectorConfig({"--etcd", etcd(), "serve"}));
     const std::string request =
         R"({"id":1,"type":"connector/configuration/ConfigurationGet","message":{"key":"a"}})"
         "\n";
-    serve.write(request);
-    EXPECT_NE(std::string::npos, serve.readLine().find(R"("value":"one")"));
+    const auto answers = [&](const std::string& value) {
+        serve.write(request);
+        return serve.readLine().find(R"("value":")" + value + '"') != std::string::npos;
+    };
+    EXPECT_TRUE(answers("0"));
+    for (const std::string& value : twoChanges) {
+        put("a", value);
+        while (!answers(value)) {
+        }
+    }
     server.kill();
     expectStale(serve.readErrorLine());
     restartServer();
-    EXPECT_EQ("etcd: current at revision 2", serve.readErrorLine());
+    EXPECT_EQ("etcd: current at revision 4", serve.readErrorLine());
     EXPECT_EQ((Result{0, "", ""}), serve.finish());
 }
 
